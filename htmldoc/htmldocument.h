@@ -1,0 +1,153 @@
+// The reference HTML document: it holds the text, its hard lines, the live ranges and the undo
+// history, and tells advised sinks about every change. The view reaches it through
+// ISourceText and the ranges; a host uses the plain C++ methods of the host API below.
+//
+// Every edit runs in this order: the text and the ranges change, every advised text sink gets
+// OnChange with a fresh change object carrying one reference for that call, and then, if the
+// selection's ends moved, its range sinks get OnSelectionChanged; all before the edit returns.
+// Action codes: 1 for InsertText (the new span), 2 for DeleteText (the old span), 5 for any
+// ReplaceText (the new span), 3 when SetText or a load replaces all of it.
+#pragma once
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "htmldoc/gapbuffer.h"
+#include "htmldoc/hardlines.h"
+#include "htmldoc/undostack.h"
+#include "src/document/sourcetext.h"
+
+class CSourceRange;
+
+class CHtmlDocument final : public ISourceText, public IDispatch {
+public:
+    // Texts above this size announce their load through OnBusy.
+    static constexpr long kBusyBytes = 1 << 20;
+    // Indenting more lines than this announces itself through OnBusy.
+    static constexpr long kBusyLines = 2000;
+    // Positions are 32-bit on the contract: the text stays below 2 GB.
+    static constexpr long kMaxLength = 0x7FFFFFFE;
+
+    CHtmlDocument();
+
+    HRESULT QueryInterface(REFIID riid, void** ppv) override;
+    ULONG AddRef() override { return m_refs.Increment(); }
+    ULONG Release() override;
+
+    // ISourceText
+    HRESULT AdviseTextSink(ISourceTextSink* sink) override;
+    HRESULT UnadviseTextSink(ISourceTextSink* sink) override;
+    long GetLength() override { return m_text.Length(); }
+    HRESULT GetPathName(char* buffer) override;
+    long GetCharAt(long pos) override;
+    HRESULT CopyText(char* dst, long pos, long count) override;
+    HRESULT CopyTextZ(char* dst, long pos, long count) override;
+    HRESULT GetTextPointer(char** out) override;
+    HRESULT GetTextPointerAt(long pos, char** out) override;
+    HRESULT InsertText(long pos, const char* text, long count, ISourceTextSink* sink) override;
+    HRESULT DeleteText(long pos, long count, ISourceTextSink* sink) override;
+    HRESULT ReplaceText(long pos, long oldCount, const char* text, long newCount, ISourceTextSink* sink) override;
+    HRESULT GetUndoManager(ISourceUndo** out) override;
+    // The caret goes behind the text that the step puts back, or where removed text stood when
+    // the step only removes; the selection is moved there as well.
+    HRESULT Undo(ISourceTextSink* sink, long* caretPos) override;
+    HRESULT Redo(ISourceTextSink* sink, long* caretPos) override;
+    BOOL IsUndoEmpty() override { return !m_undo.CanUndo(); }
+    BOOL IsRedoEmpty() override { return !m_undo.CanRedo(); }
+    HRESULT CreateRange(ISourceRange** out) override;
+    HRESULT DestroyRange(ISourceRange* range) override;
+    // The data object is borrowed for the call; the caller keeps its reference.
+    HRESULT InsertData(long pos, long replaceCount, long* insertedCount, IDataObject* data,
+                       ISourceTextSink* sink) override;
+    HRESULT PrevLineBreak(long lineEnd, long* out) override;
+    HRESULT PrevWord(long pos, long* out) override;
+    HRESULT NextWord(long pos, long* out) override;
+    HRESULT GetTextLine(long pos, long* line) override;
+    HRESULT GetTextLineStart(long line, long* pos) override;
+
+    // IDispatch: Text, Length, PathName, Modified, LineCount; Undo, Redo, Load, Save.
+    HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
+    HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
+                   ExcepInfo* excep) override;
+
+    // Host API.
+    std::string GetText() const { return m_text.Substr(0, m_text.Length()); }
+    // Replaces all of the text as one reset; the undo history goes, and the document counts as
+    // modified.
+    HRESULT SetText(std::string_view text);
+    // Reads the file's bytes as they are. On failure the document keeps its text and `error`
+    // says why.
+    HRESULT LoadFile(const std::string& path, std::string* error = nullptr);
+    // Writes the bytes through a temporary file beside the target, so that a failed save leaves
+    // the old file whole. An empty path saves to the document's own path.
+    HRESULT SaveFile(const std::string& path, std::string* error = nullptr);
+    bool IsModified() const { return !m_undo.IsAtSaved(); }
+    void SetModified(bool modified);
+    const std::string& PathName() const { return m_strPath; }
+    void SetPathName(std::string path) { m_strPath = std::move(path); }
+    long LineCount() const { return m_lines.LineCount(); }
+    // Titles of the steps that Undo and Redo would take; empty when there is none.
+    std::string UndoTitle() const;
+    std::string RedoTitle() const;
+    // Asks every advised view to repaint a span whose syntax classes changed, through a posted
+    // WM_SOURCE_REPAINT carrying a change of action 0.
+    void PostRepaint(long start, long end);
+
+    // For the ranges and the undo manager.
+    struct CEditArgs {
+        long pos = 0;
+        long oldCount = 0;
+        std::string_view text;
+        long action = SA_REPLACE;
+        EditKind kind = EditKind::Replace;
+        CSourceRange* actor = nullptr;  // the range that edits its own text
+    };
+    HRESULT Edit(const CEditArgs& args);
+    // Makes several edits, in order and in positions current at each, as one undo step that is
+    // reported as one change of action 5 spanning them all. `placeRanges` runs after the edits
+    // and before the report, for a caller that puts ends in places of its own.
+    HRESULT EditBlock(std::vector<CEdit> edits, EditKind kind, const char* busyText,
+                      const std::function<void()>& placeRanges);
+    CGapBuffer& Text() { return m_text; }
+    const CHardLines& Lines() const { return m_lines; }
+    CUndoStack& UndoStack() { return m_undo; }
+    bool IsSelection(const CSourceRange* range) const { return range && range == m_pSelection; }
+    void MarkSelection(CSourceRange* range, bool on);
+    // A range is going away.
+    void Forget(CSourceRange* range);
+    void NotifyBusy(bool busy, const char* text);
+
+private:
+    ~CHtmlDocument();
+    // The selection's ends before an operation, to report a move after it.
+    struct CSelectionMark {
+        ComPtr<CSourceRange> range;
+        long active = 0;
+        long anchor = 0;
+    };
+    CSelectionMark MarkSelectionEnds() const;
+    void ReportSelection(const CSelectionMark& mark);
+
+    HRESULT CheckSpan(long pos, long count) const;
+    // Changes text, lines and tracked ranges; no notification, no history.
+    void Apply(long pos, long oldCount, std::string_view text);
+    void NotifyChange(long action, long start, long end);
+    bool IsAdvised(ISourceTextSink* sink) const;
+    HRESULT ResetText(std::string_view text, const char* busyText);
+    long ReplayStep(const CUndoStep& step, bool undo);
+    HRESULT Rewind(bool undo, long* caretPos);
+    // Drops tracked ranges that no one but this document can reach any more.
+    void PruneRanges();
+
+    CRefCount m_refs;
+    CGapBuffer m_text;
+    CHardLines m_lines;
+    CUndoStack m_undo;
+    std::string m_strPath;
+    std::vector<ComPtr<ISourceTextSink>> m_sinks;
+    std::vector<ComPtr<CSourceRange>> m_ranges;  // the tracking references
+    CSourceRange* m_pSelection = nullptr;        // not counted; the range clears it when it goes
+};
+
+ComPtr<CHtmlDocument> CreateHtmlDocument();

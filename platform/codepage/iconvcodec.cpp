@@ -1,0 +1,136 @@
+#include "platform/codepage/iconvcodec.h"
+
+#include <iconv.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <utility>
+
+namespace {
+
+const char* IconvName(UINT codePage) {
+    switch (codePage) {
+    case 932: return "CP932";
+    case 936: return "CP936";
+    case 949: return "CP949";
+    case 950: return "CP950";
+    default: return nullptr;
+    }
+}
+
+// Code points travel to and from the converter as UTF-32 in little-endian order, spelled out
+// here byte by byte so that the host's order does not matter.
+constexpr const char* kUnicodeName = "UTF-32LE";
+const iconv_t kNoConverter = reinterpret_cast<iconv_t>(-1);
+
+class CConverter {
+public:
+    CConverter(const char* to, const char* from) : m_cd(iconv_open(to, from)) {}
+    ~CConverter() {
+        if (m_cd != kNoConverter) iconv_close(m_cd);
+    }
+    CConverter(const CConverter&) = delete;
+    CConverter& operator=(const CConverter&) = delete;
+
+    bool Valid() const { return m_cd != kNoConverter; }
+    // The descriptor in its initial shift state.
+    iconv_t Reset() {
+        iconv(m_cd, nullptr, nullptr, nullptr, nullptr);
+        return m_cd;
+    }
+
+private:
+    iconv_t m_cd;
+};
+
+// One converter per code page and direction and thread: a descriptor must not be shared between
+// threads, and opening one for every call would cost more than most conversions.
+CConverter* Converter(UINT codePage, bool toUnicode) {
+    thread_local std::map<std::pair<UINT, bool>, std::unique_ptr<CConverter>> cache;
+    const char* name = IconvName(codePage);
+    if (!name) return nullptr;
+    auto& slot = cache[{codePage, toUnicode}];
+    if (!slot)
+        slot = toUnicode ? std::make_unique<CConverter>(kUnicodeName, name)
+                         : std::make_unique<CConverter>(name, kUnicodeName);
+    return slot->Valid() ? slot.get() : nullptr;
+}
+
+void AppendUtf32Le(std::u32string& out, const char* bytes, size_t count) {
+    for (size_t i = 0; i + 4 <= count; i += 4) {
+        const auto* b = reinterpret_cast<const unsigned char*>(bytes + i);
+        out += static_cast<char32_t>(b[0] | (b[1] << 8) | (b[2] << 16) | (uint32_t(b[3]) << 24));
+    }
+}
+
+std::string ToUtf32Le(std::u32string_view in) {
+    std::string bytes;
+    bytes.reserve(in.size() * 4);
+    for (char32_t ch : in)
+        for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((ch >> shift) & 0xFF);
+    return bytes;
+}
+
+// Runs the converter over `in`, handing each piece of output to `emit`. At an input position that
+// the converter refuses, `refused(offset)` is called and `skip` bytes are stepped over. False on
+// any other error.
+template <class Emit, class Refused>
+bool Run(iconv_t cd, std::string_view in, size_t skip, Emit emit, Refused refused) {
+    char chunk[4096];
+    char* inp = const_cast<char*>(in.data());
+    size_t inLeft = in.size();
+    while (inLeft > 0) {
+        char* outp = chunk;
+        size_t outLeft = sizeof chunk;
+        const size_t r = iconv(cd, &inp, &inLeft, &outp, &outLeft);
+        emit(chunk, static_cast<size_t>(outp - chunk));
+        if (r != static_cast<size_t>(-1)) continue;
+        if (errno == E2BIG) continue;
+        if (errno != EILSEQ && errno != EINVAL) return false;
+        refused(static_cast<size_t>(inp - in.data()));
+        const size_t step = std::min(skip, inLeft);
+        inp += step;
+        inLeft -= step;
+        iconv(cd, nullptr, nullptr, nullptr, nullptr);
+    }
+    return true;
+}
+
+}  // namespace
+
+bool IconvAvailable(UINT codePage) {
+    return Converter(codePage, true) && Converter(codePage, false);
+}
+
+bool IconvDecode(UINT codePage, std::string_view in, std::u32string* out,
+                 const std::function<void(size_t offset)>& bad) {
+    CConverter* conv = Converter(codePage, true);
+    if (!conv || !out) return false;
+    const size_t before = out->size();
+    const bool ok = Run(
+        conv->Reset(), in, 1, [&](const char* bytes, size_t n) { AppendUtf32Le(*out, bytes, n); },
+        [&](size_t offset) {
+            *out += U'\uFFFD';
+            if (bad) bad(offset);
+        });
+    if (!ok) out->resize(before);
+    return ok;
+}
+
+bool IconvEncode(UINT codePage, std::u32string_view in, std::string* out,
+                 const std::function<void(size_t index)>& unmappable) {
+    CConverter* conv = Converter(codePage, false);
+    if (!conv || !out) return false;
+    const size_t before = out->size();
+    const std::string bytes = ToUtf32Le(in);
+    const bool ok = Run(
+        conv->Reset(), bytes, 4, [&](const char* chunk, size_t n) { out->append(chunk, n); },
+        [&](size_t offset) {
+            if (unmappable) unmappable(offset / 4);
+        });
+    if (!ok) out->resize(before);
+    return ok;
+}

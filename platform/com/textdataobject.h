@@ -1,0 +1,30 @@
+// A plain data object holding bytes per format, as a clipboard or a drag source offers them.
+#pragma once
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/com/dataobject.h"
+
+class CDataObject final : public IDataObject {
+public:
+    HRESULT QueryInterface(REFIID riid, void** ppv) override;
+    ULONG AddRef() override { return m_refs.Increment(); }
+    ULONG Release() override;
+
+    HRESULT GetData(CLIPFORMAT format, std::string* out) override;
+    HRESULT QueryGetData(CLIPFORMAT format) override;
+    HRESULT EnumFormats(std::vector<CLIPFORMAT>* out) override;
+
+    void SetData(CLIPFORMAT format, std::string bytes);
+    // CF_TEXT with its terminating NUL, as the clipboard keeps it.
+    void SetText(std::string_view text);
+
+private:
+    ~CDataObject() = default;
+    CRefCount m_refs;
+    std::vector<std::pair<CLIPFORMAT, std::string>> m_formats;
+};
+
+ComPtr<CDataObject> CreateTextDataObject(std::string_view text);

@@ -1,0 +1,79 @@
+// The Qt widget behind a window: a scroll area whose viewport is the window's client area and
+// which owns both scroll bars. It turns Qt's events into messages to the window's handler.
+#pragma once
+#include <QAbstractScrollArea>
+#include <QRegion>
+#include <QSize>
+#include <map>
+
+#include "platform/window/window.h"
+
+class QScrollBar;
+
+class CQtControlWidget : public QAbstractScrollArea {
+    Q_OBJECT
+
+public:
+    CQtControlWidget(HWND hwnd, QWidget* parent);
+    ~CQtControlWidget() override;
+
+    HWND Handle() const { return m_hwnd; }
+    // Cuts the widget off from its window: it delivers nothing more and its timers stop.
+    void Detach();
+    // True while any control widget is delivering a Qt event to a handler; a widget must then
+    // not be deleted at once, since Qt is still working with it.
+    static bool IsDelivering() { return s_nDelivering > 0; }
+
+    // Lays the viewport out at once, so that the client size is right before the widget is shown.
+    void LayOutNow() { setViewportMargins(0, 0, 0, 0); }
+
+    // The window services of the backend.
+    void InvalidateClient(const RECT* rc);
+    void PaintPending();
+    void StartTimer(UINT id, UINT ms);
+    void StopTimer(UINT id);
+    void WakeForPostedMessages();
+
+protected:
+    bool event(QEvent* e) override;
+    bool viewportEvent(QEvent* e) override;
+    void paintEvent(QPaintEvent* e) override;
+    void resizeEvent(QResizeEvent* e) override;
+    void focusInEvent(QFocusEvent* e) override;
+    void focusOutEvent(QFocusEvent* e) override;
+    void mousePressEvent(QMouseEvent* e) override;
+    void mouseReleaseEvent(QMouseEvent* e) override;
+    void mouseDoubleClickEvent(QMouseEvent* e) override;
+    void mouseMoveEvent(QMouseEvent* e) override;
+    void wheelEvent(QWheelEvent* e) override;
+    void timerEvent(QTimerEvent* e) override;
+    void inputMethodEvent(QInputMethodEvent* e) override;
+
+private:
+    class CDelivery;
+    LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam);
+    bool Pretranslate(QKeyEvent* e, int vk, LPARAM lParam);
+    void ShortcutOverride(QKeyEvent* e);
+    void KeyPress(QKeyEvent* e);
+    void KeyRelease(QKeyEvent* e);
+    void DeliverText(const QString& text, LPARAM lParam);
+    void MouseButton(QMouseEvent* e, UINT left, UINT right, UINT middle);
+    void ScrollAction(QScrollBar* bar, UINT message, int action);
+    void ThumbReleased(QScrollBar* bar, UINT message);
+
+    HWND m_hwnd;
+    QRegion m_rgnPending;             // invalid and not yet painted
+    std::map<UINT, int> m_timers;     // window timer id to Qt timer id
+    bool m_bWakePending = false;
+    QSize m_sizeNotified;             // the client size the window last heard of
+    int m_nWheelRemainder = 0;        // wheel movement short of a whole line step
+    // A key already offered as WM_PRETRANSLATEKEY ahead of the host's shortcuts, and the answer;
+    // its key press that follows is not offered again.
+    // A press is known by its key and time: Qt itself asks about an override again before a
+    // key press that it did not get from the window system.
+    int m_nOfferedKey = 0;
+    quint64 m_nOfferedTime = 0;
+    bool m_bOfferedKeyClaimed = false;
+
+    static int s_nDelivering;
+};

@@ -1,0 +1,93 @@
+#include "platform/qt/qtplatform.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QWidget>
+#include <utility>
+
+#include "platform/qt/qtcontrolwidget.h"
+#include "platform/qt/qtwindow.h"
+#include "platform/qt/qtwindowbackend.h"
+#include "platform/window/backend.h"
+#include "platform/window/keys.h"
+
+namespace {
+
+constexpr short kKeyDown = static_cast<short>(0x8000);
+constexpr RECT kTopLevelRect{0, 0, 640, 480};
+
+CQtWindowBackend* QtBackend(HWND hwnd) {
+    return dynamic_cast<CQtWindowBackend*>(GetWindowBackend(hwnd));
+}
+
+}  // namespace
+
+CQtPlatform::CQtPlatform() {
+    m_clock.start();
+}
+
+CQtPlatform::~CQtPlatform() {
+    for (HWND hwnd : m_windows)
+        if (QtBackend(hwnd)) AbandonWindow(hwnd);
+}
+
+std::unique_ptr<IWindowBackend> CQtPlatform::CreateWindowBackend(HWND hwnd, HWND parent, const RECT& rc) {
+    QWidget* parentWidget = nullptr;
+    if (std::exchange(m_bParentGiven, false)) {
+        parentWidget = std::exchange(m_pGivenParent, nullptr);
+    } else if (CQtWindowBackend* parentBackend = QtBackend(parent)) {
+        if (parentBackend->Widget()) parentWidget = parentBackend->Widget()->viewport();
+    }
+    // Handles are never reused, so the list only needs pruning to stay small.
+    std::erase_if(m_windows, [](HWND h) { return !IsWindow(h); });
+    m_windows.push_back(hwnd);
+    return std::make_unique<CQtWindowBackend>(hwnd, parentWidget, rc);
+}
+
+// Milliseconds on the monotonic clock (since boot on Linux), wrapping at 32 bits like a tick count.
+DWORD CQtPlatform::TickCount() {
+    return static_cast<DWORD>(m_clock.msecsSinceReference() + m_clock.elapsed());
+}
+
+short CQtPlatform::KeyState(int vk) {
+    const Qt::KeyboardModifiers mods = QGuiApplication::queryKeyboardModifiers();
+    const Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
+    bool down = false;
+    switch (vk) {
+    case VK_SHIFT: down = mods & Qt::ShiftModifier; break;
+    case VK_CONTROL: down = mods & Qt::ControlModifier; break;
+    case VK_MENU: down = mods & Qt::AltModifier; break;
+    case VK_LBUTTON: down = buttons & Qt::LeftButton; break;
+    case VK_RBUTTON: down = buttons & Qt::RightButton; break;
+    case VK_MBUTTON: down = buttons & Qt::MiddleButton; break;
+    default: break;
+    }
+    return down ? kKeyDown : 0;
+}
+
+void CQtPlatform::Beep(UINT) {
+    QApplication::beep();
+}
+
+HWND CQtPlatform::CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc) {
+    m_pGivenParent = parent;
+    m_bParentGiven = true;
+    HWND hwnd = CreateWindowFor(handler, nullptr, rc);
+    // Creation may have failed before the backend took the parent.
+    m_pGivenParent = nullptr;
+    m_bParentGiven = false;
+    return hwnd;
+}
+
+QWidget* QtWidgetFromHwnd(HWND hwnd) {
+    CQtWindowBackend* backend = QtBackend(hwnd);
+    return backend ? backend->Widget() : nullptr;
+}
+
+HWND CreateQtChildWindow(IMessageHandler* handler, QWidget* parent, const RECT& rc) {
+    auto* platform = dynamic_cast<CQtPlatform*>(GetPlatformBackend());
+    if (!platform) return nullptr;
+    RECT area = rc;
+    if (area.IsEmpty()) area = parent ? RECT{0, 0, parent->width(), parent->height()} : kTopLevelRect;
+    return platform->CreateWindowIn(handler, parent, area);
+}

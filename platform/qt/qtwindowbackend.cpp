@@ -1,0 +1,56 @@
+#include "platform/qt/qtwindowbackend.h"
+
+#include <algorithm>
+
+#include "platform/qt/qtcontrolwidget.h"
+
+CQtWindowBackend::CQtWindowBackend(HWND hwnd, QWidget* parent, const RECT& rc)
+    : m_pWidget(new CQtControlWidget(hwnd, parent)) {
+    m_pWidget->setGeometry(rc.left, rc.top, std::max<LONG>(rc.Width(), 0), std::max<LONG>(rc.Height(), 0));
+    m_pWidget->LayOutNow();  // the first WM_SIZE comes before the widget is shown
+    if (parent) m_pWidget->show();
+}
+
+// A widget that Qt is still delivering an event to goes later, from the event loop.
+CQtWindowBackend::~CQtWindowBackend() {
+    if (!m_pWidget) return;
+    m_pWidget->Detach();
+    if (CQtControlWidget::IsDelivering())
+        m_pWidget->deleteLater();
+    else
+        delete m_pWidget;
+}
+
+RECT CQtWindowBackend::ClientRect() const {
+    if (!m_pWidget) return {};
+    const QSize size = m_pWidget->viewport()->size();
+    return {0, 0, size.width(), size.height()};
+}
+
+void CQtWindowBackend::Invalidate(const RECT* rc) {
+    if (m_pWidget) m_pWidget->InvalidateClient(rc);
+}
+
+void CQtWindowBackend::Update() {
+    if (m_pWidget) m_pWidget->PaintPending();
+}
+
+void CQtWindowBackend::SetTimer(UINT id, UINT ms) {
+    if (m_pWidget) m_pWidget->StartTimer(id, ms);
+}
+
+void CQtWindowBackend::KillTimer(UINT id) {
+    if (m_pWidget) m_pWidget->StopTimer(id);
+}
+
+void CQtWindowBackend::PostedMessageWaiting() {
+    if (m_pWidget) m_pWidget->WakeForPostedMessages();
+}
+
+void CQtWindowBackend::SetFocus() {
+    if (m_pWidget) m_pWidget->setFocus(Qt::OtherFocusReason);
+}
+
+bool CQtWindowBackend::HasFocus() const {
+    return m_pWidget && m_pWidget->hasFocus();
+}

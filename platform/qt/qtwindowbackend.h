@@ -1,0 +1,30 @@
+// The Qt side of one window: owns its CQtControlWidget and forwards the window services to it.
+#pragma once
+#include "platform/window/window.h"
+
+class CQtControlWidget;
+class QWidget;
+
+class CQtWindowBackend : public IWindowBackend {
+public:
+    CQtWindowBackend(HWND hwnd, QWidget* parent, const RECT& rc);
+    ~CQtWindowBackend() override;
+    CQtWindowBackend(const CQtWindowBackend&) = delete;
+    CQtWindowBackend& operator=(const CQtWindowBackend&) = delete;
+
+    RECT ClientRect() const override;
+    void Invalidate(const RECT* rc) override;
+    void Update() override;
+    void SetTimer(UINT id, UINT ms) override;
+    void KillTimer(UINT id) override;
+    void PostedMessageWaiting() override;
+    void SetFocus() override;
+    bool HasFocus() const override;
+
+    // Null once Qt has deleted the widget (with its parent, say) ahead of the window.
+    CQtControlWidget* Widget() const { return m_pWidget; }
+    void WidgetGone() { m_pWidget = nullptr; }
+
+private:
+    CQtControlWidget* m_pWidget;
+};

@@ -1,0 +1,203 @@
+#include "platform/window/olecontrol.h"
+
+#include "platform/com/classfactory.h"
+
+namespace {
+
+// The colours of the system palette that controls ask for, as a light desktop theme has them.
+COLORREF SystemColor(int index) {
+    switch (index) {
+        case COLOR_WINDOW: return 0xFFFFFF;
+        case COLOR_WINDOWTEXT: return 0x000000;
+        case COLOR_HIGHLIGHT: return 0xD77800;
+        case COLOR_HIGHLIGHTTEXT: return 0xFFFFFF;
+        case COLOR_BTNFACE: return 0xF0F0F0;
+        case COLOR_GRAYTEXT: return 0x6D6D6D;
+        default: return 0x000000;
+    }
+}
+
+const CDispatchTable<COleControl>& StockTable() {
+    static const CDispatchTable<COleControl> table = [] {
+        CDispatchTable<COleControl> t;
+        t.Property(DISPID_APPEARANCE, "Appearance",
+                   [](COleControl& c, auto&) { return Variant::Short(c.GetAppearance()); },
+                   [](COleControl& c, auto&, const Variant& v) { c.SetAppearance(ArgShort({v}, 0)); });
+        t.Property(DISPID_BORDERSTYLE, "BorderStyle",
+                   [](COleControl& c, auto&) { return Variant::Short(c.GetBorderStyle()); },
+                   [](COleControl& c, auto&, const Variant& v) { c.SetBorderStyle(ArgShort({v}, 0)); });
+        t.Property(DISPID_HWND, "HWnd", [](COleControl& c, auto&) {
+            return Variant::ULong(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(c.GetSafeHwnd())));
+        });
+        t.Property(DISPID_ENABLED, "Enabled",
+                   [](COleControl& c, auto&) { return Variant::Bool(c.GetEnabled() != 0); },
+                   [](COleControl& c, auto&, const Variant& v) { c.SetEnabled(ArgBool({v}, 0)); });
+        t.Method(DISPID_REFRESH, "Refresh", 0, [](COleControl& c, auto&) {
+            c.Refresh();
+            return Variant();
+        });
+        return t;
+    }();
+    return table;
+}
+
+}  // namespace
+
+COLORREF GetSysColor(int index) { return SystemColor(index); }
+
+COleControl::COleControl() { ModuleAddObject(); }
+
+COleControl::~COleControl() {
+    DestroyControlWindow();
+    ModuleReleaseObject();
+}
+
+HRESULT COleControl::QueryInterface(REFIID riid, void** ppv) {
+    if (!ppv) return E_POINTER;
+    if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+    *ppv = nullptr;
+    return QueryExtraInterface(riid, ppv);
+}
+
+ULONG COleControl::AddRef() { return m_refs.Increment(); }
+
+ULONG COleControl::Release() {
+    ULONG n = m_refs.Decrement();
+    if (n == 0 && !m_bFinalReleased) {
+        // Keep one reference while the object takes itself apart, so that references taken
+        // and dropped by the teardown do not come back here.
+        m_refs.Increment();
+        OnFinalRelease();
+    }
+    return n;
+}
+
+void COleControl::OnFinalRelease() {
+    m_bFinalReleased = true;
+    delete this;
+}
+
+HRESULT COleControl::QueryExtraInterface(REFIID, void** ppv) {
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+}
+
+HRESULT COleControl::GetIDsOfNames(const std::string& name, DISPID* pDispId) {
+    if (SUCCEEDED(StockTable().GetIDsOfNames(name, pDispId))) return S_OK;
+    return GetOwnIDsOfNames(name, pDispId);
+}
+
+HRESULT COleControl::Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
+                            ExcepInfo* excep) {
+    if (StockTable().Find(dispid)) return StockTable().Invoke(*this, dispid, flags, args, result, excep);
+    return InvokeOwn(dispid, flags, args, result, excep);
+}
+
+HRESULT COleControl::GetOwnIDsOfNames(const std::string&, DISPID* pDispId) {
+    if (pDispId) *pDispId = DISPID_UNKNOWN;
+    return DISP_E_UNKNOWNNAME;
+}
+
+HRESULT COleControl::InvokeOwn(DISPID, WORD, std::vector<Variant>&, Variant*, ExcepInfo*) {
+    return DISP_E_MEMBERNOTFOUND;
+}
+
+void COleControl::FireEvent(DISPID dispid, std::vector<Variant> args) { m_events.Fire(dispid, args); }
+
+HWND COleControl::CreateControlWindow(HWND parent, const RECT& rc) {
+    if (HasWindow()) return m_hWnd;
+    // WM_CREATE may already ask for the handle, so CreateWindowFor's handler sees it through
+    // the hwnd argument; m_hWnd is set as soon as the call returns.
+    m_hWnd = CreateWindowFor(this, parent, rc);
+    return m_hWnd;
+}
+
+void COleControl::DestroyControlWindow() {
+    if (!m_hWnd) return;
+    HWND hwnd = m_hWnd;
+    if (IsWindow(hwnd)) DestroyWindow(hwnd);
+    m_hWnd = nullptr;
+}
+
+HRESULT COleControl::SaveProperties(CPropertyBag* bag) {
+    CPropExchange px(*bag, false);
+    DoPropExchange(&px);
+    return S_OK;
+}
+
+HRESULT COleControl::LoadProperties(const CPropertyBag& bag, std::string* error) {
+    if (!CheckPropertyKinds(bag, error)) return E_INVALIDARG;
+    CPropertyBag copy = bag;
+    CPropExchange px(copy, true);
+    DoPropExchange(&px);
+    return S_OK;
+}
+
+void COleControl::DoPropExchange(CPropExchange* pPX) {
+    ExchangeExtent(pPX);
+    ExchangeStockProps(pPX);
+}
+
+bool COleControl::CheckPropertyKinds(const CPropertyBag& bag, std::string* error) const {
+    return bag.CheckKinds({{"_Version", PropKind::Long},
+                           {"_ExtentX", PropKind::Long},
+                           {"_ExtentY", PropKind::Long},
+                           {"Appearance", PropKind::Short},
+                           {"BorderStyle", PropKind::Short},
+                           {"Enabled", PropKind::Bool}},
+                          error);
+}
+
+void COleControl::ExchangeExtent(CPropExchange* pPX) {
+    PX_Long(pPX, "_ExtentX", m_nExtentX, 2540);
+    PX_Long(pPX, "_ExtentY", m_nExtentY, 2540);
+}
+
+void COleControl::ExchangeStockProps(CPropExchange* pPX) {
+    PX_Short(pPX, "Appearance", m_sAppearance, 1);
+    PX_Short(pPX, "BorderStyle", m_sBorderStyle, 0);
+    BOOL enabled = m_bEnabled;
+    PX_Bool(pPX, "Enabled", enabled, TRUE);
+    if (pPX->IsLoading() && enabled != m_bEnabled) SetEnabled(enabled);
+}
+
+void COleControl::SetAppearance(SHORT value) {
+    if (value != 0 && value != 1) ThrowError(CTL_E_INVALIDPROPERTYVALUE);
+    m_sAppearance = value;
+    SetModifiedFlag();
+    Refresh();
+}
+
+void COleControl::SetBorderStyle(SHORT value) {
+    if (value != 0 && value != 1) ThrowError(CTL_E_INVALIDPROPERTYVALUE);
+    m_sBorderStyle = value;
+    SetModifiedFlag();
+    Refresh();
+}
+
+void COleControl::SetEnabled(BOOL value) {
+    value = value ? TRUE : FALSE;
+    if (value == m_bEnabled) return;
+    m_bEnabled = value;
+    SetModifiedFlag();
+    OnEnabledChanged();
+}
+
+void COleControl::Refresh() {
+    if (!HasWindow()) return;
+    InvalidateRect(m_hWnd, nullptr, FALSE);
+    UpdateWindow(m_hWnd);
+}
+
+void COleControl::InvalidateControl(const RECT* rc) {
+    if (HasWindow()) InvalidateRect(m_hWnd, rc, FALSE);
+}
+
+COLORREF COleControl::TranslateColor(OLE_COLOR color) {
+    if (color & 0x80000000u) return SystemColor(static_cast<int>(color & 0xFF));
+    return color & 0x00FFFFFFu;
+}
+
+void COleControl::ThrowError(SCODE scode, const std::string& text) { throw AutomationError(scode, text); }
+
+LRESULT COleControl::DefWindowProc(UINT, WPARAM, LPARAM) { return 0; }

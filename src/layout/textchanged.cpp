@@ -1,0 +1,76 @@
+// Keeping the line table in step with the document's changes. Each handler keeps the table's
+// total equal to the document's length; the line breaker then puts the boundaries right.
+#include <algorithm>
+
+#include "src/view/zentrelctrl.h"
+
+namespace {
+
+// The line that receives bytes inserted at `pos`: the last line for an insert at the very end.
+long ReceivingLine(const CLineIndex& lines, long pos) {
+    return pos == lines.m_nTotal ? lines.m_nCount - 1 : lines.FindLine(pos);
+}
+
+// Takes `count` bytes out of the table from the line that holds `pos` on, whole lines where
+// they are covered, and drops emptied lines behind. Widens `range` to what moved.
+void TakeBytes(CLineIndex& lines, long pos, long count, long end, LayoutRange* range) {
+    long idx = lines.FindLine(pos);
+    long left = count;
+    while (left > 0) {
+        long len = lines.GetAt(idx);
+        if (left >= len && idx != lines.m_nCount - 1) {
+            lines.RemoveAt(idx);
+            range->nEnd = POS_TO_END;
+            left -= len;
+        } else {
+            long w = std::min(left, len);
+            lines.AddAt(idx, -w);
+            range->nEnd = std::max(range->nEnd, end);
+            ++idx;
+            left -= w;
+        }
+    }
+    while (idx < lines.m_nCount && lines.m_nCount > 1 && lines.GetAt(idx) == 0) lines.RemoveAt(idx);
+}
+
+}  // namespace
+
+void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
+    LayoutRange range{std::min(nFirst, nSecond), std::max(nFirst, nSecond)};
+    m_CollapseRoot.RemoveEmpty(m_pDoc);
+    switch (nAction) {
+        case SA_INSERT:
+            range.nEnd = nSecond;
+            m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
+            if (HasWindow()) RewrapLines(nFirst, &range, 2);
+            break;
+        case SA_DELETE: {
+            range.nEnd = nFirst;
+            long first = m_Lines.GetLineStart(std::max(0L, m_Lines.FindLine(nFirst) - 1));
+            TakeBytes(m_Lines, nFirst, nSecond - nFirst, nSecond, &range);
+            if (HasWindow()) RewrapLines(first, &range, 3);
+            break;
+        }
+        case SA_RESET:
+            range.nEnd = POS_TO_END;
+            m_Lines.RemoveAll();
+            m_Lines.InsertAt(0, 0);
+            break;
+        case SA_REPLACE: {
+            range.nEnd = nSecond;
+            long removed = m_Lines.m_nTotal + (nSecond - nFirst) - (m_pDoc ? m_pDoc->GetLength() : 0);
+            if (removed > 0) TakeBytes(m_Lines, nFirst, removed, nFirst + removed, &range);
+            m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
+            if (HasWindow()) RewrapLines(nFirst, &range, 3);
+            break;
+        }
+        default:
+            break;  // style-only and unknown changes leave the layout alone
+    }
+    if (HasWindow()) {
+        InvalidateRange(range.nStart, range.nEnd);
+        UpdateScrollBars(-1, -1);
+    }
+    FireEvent(EVENT_DOCUMENTCHANGED, {Variant::Short(static_cast<SHORT>(nAction)), Variant::Long(nFirst),
+                                      Variant::Long(std::abs(nSecond - nFirst))});
+}

@@ -1,0 +1,58 @@
+#include "src/resources/strings.h"
+
+#include <map>
+
+namespace {
+
+const std::map<UINT, const char*>& StringTable() {
+    static const std::map<UINT, const char*> table = {
+        {1, "Zentrel Control"},
+        {2, "Zentrel Property Page"},
+        {100, "General"},
+        {101, "Index is out of range."},
+        {102, "Invalid Morvane HTML document object."},
+        {153, "None"},
+        {154, "Text"},
+        {155, "Tag"},
+        {156, "Attribute"},
+        {157, "Operator"},
+        {158, "Comment"},
+        {159, "Error"},
+        {160, "URL Value"},
+        {161, "String Value"},
+        {162, "Integer Value"},
+        {163, "Color Value"},
+        {164, "Enum Value"},
+        {165, "Invisible character"},
+        {166, "Selection"},
+        {167, "Maximum column must be greater than or equal to %1 and small than or equal to %2"},
+        {168, "Position is out of range"},
+        {169, "No HTML document attached"},
+        {173, "Bookmark index is out of range"},
+        {178, "Collapsed text block"},
+        {181, "Line number"},
+    };
+    return table;
+}
+
+}  // namespace
+
+std::string LoadString(UINT id) {
+    auto it = StringTable().find(id);
+    return it == StringTable().end() ? std::string() : std::string(it->second);
+}
+
+std::string FormatMessage(const std::string& format, std::initializer_list<std::string> args) {
+    std::string out;
+    for (size_t i = 0; i < format.size(); ++i) {
+        char next = i + 1 < format.size() ? format[i + 1] : '\0';
+        size_t n = static_cast<size_t>(next - '1');
+        if (format[i] == '%' && next >= '1' && next <= '9' && n < args.size()) {
+            out += *(args.begin() + n);
+            ++i;
+        } else {
+            out += format[i];
+        }
+    }
+    return out;
+}

@@ -1,0 +1,189 @@
+// The automation table of the control: every member by dispid and name, with its code.
+#include "src/view/zentrelctrl.h"
+
+namespace {
+
+using Table = CDispatchTable<CZentrelCtrl>;
+using Args = std::vector<Variant>;
+
+struct OptionProperty {
+    DISPID id;
+    const char* name;
+    DWORD mask;
+};
+
+constexpr OptionProperty kOptionProperties[] = {
+    {2, "DisplayAll", OPT_DISPLAYALL},
+    {10, "ReadOnly", OPT_READONLY},
+    {12, "RightMarginVisible", OPT_RIGHTMARGINVISIBLE},
+    {13, "FireSelectionChanged", OPT_FIRESELECTIONCHANGED},
+    {14, "DragDropEdit", OPT_DRAGDROPEDIT},
+    {15, "AutoCloseBracket", OPT_AUTOCLOSEBRACKET},
+    {19, "LeftMarginVisible", OPT_LEFTMARGINVISIBLE},
+    {20, "WordWrap", OPT_WORDWRAP},
+    {21, "HideSelection", OPT_HIDESELECTION},
+    {24, "AutoIndent", OPT_AUTOINDENT},
+    {25, "AutoHint", OPT_AUTOHINT},
+    {26, "SmoothRefresh", OPT_SMOOTHREFRESH},
+    {27, "VScrollAlwaysMatch", OPT_VSCROLLALWAYSMATCH},
+    {28, "Overwrite", OPT_OVERWRITE},
+    {29, "AutoDoc", OPT_AUTODOC},
+    {34, "ShowLineNumber", OPT_SHOWLINENUMBER},
+    {36, "AutoConvert", OPT_AUTOCONVERT},
+    {37, "MonoDraw", OPT_MONODRAW},
+    {38, "BookmarkVisible", OPT_BOOKMARKVISIBLE},
+    {40, "GutterBitmapVisible", OPT_GUTTERBITMAPVISIBLE},
+    {41, "MouseSelectionEnable", OPT_MOUSESELECTIONENABLE},
+    {42, "CollapseBlockEnable", OPT_COLLAPSEBLOCKENABLE},
+    {43, "NoStylePainting", OPT_NOSTYLEPAINTING},
+    {44, "KeySelectionEnable", OPT_KEYSELECTIONENABLE},
+    {48, "CodeCompletion", OPT_CODECOMPLETION},
+};
+
+Variant Nothing() { return Variant(); }
+
+// A short property with a plain getter and setter.
+void ShortProperty(Table& t, DISPID id, const char* name, SHORT (CZentrelCtrl::*get)() const,
+                   void (CZentrelCtrl::*set)(SHORT)) {
+    t.Property(id, name, [get](CZentrelCtrl& c, const Args&) { return Variant::Short((c.*get)()); },
+               [set](CZentrelCtrl& c, const Args&, const Variant& v) { (c.*set)(ArgShort({v}, 0)); });
+}
+
+void LongProperty(Table& t, DISPID id, const char* name, long (CZentrelCtrl::*get)() const,
+                  void (CZentrelCtrl::*set)(long)) {
+    t.Property(id, name, [get](CZentrelCtrl& c, const Args&) { return Variant::Long((c.*get)()); },
+               [set](CZentrelCtrl& c, const Args&, const Variant& v) { (c.*set)(ArgLong({v}, 0)); });
+}
+
+// A colour property of one format style, indexed by the style number.
+void FormatColorProperty(Table& t, DISPID id, const char* name, OLE_COLOR (CZentrelCtrl::*get)(SHORT) const,
+                         void (CZentrelCtrl::*set)(SHORT, OLE_COLOR)) {
+    t.Property(id, name, [get](CZentrelCtrl& c, const Args& i) { return Variant::Color((c.*get)(ArgShort(i, 0))); },
+               [set](CZentrelCtrl& c, const Args& i, const Variant& v) { (c.*set)(ArgShort(i, 0), ArgColor({v}, 0)); },
+               1);
+}
+
+void AddOptions(Table& t) {
+    for (const OptionProperty& p : kOptionProperties) {
+        DWORD mask = p.mask;
+        t.Property(p.id, p.name, [mask](CZentrelCtrl& c, const Args&) { return Variant::Bool(c.GetOption(mask)); },
+                   [mask](CZentrelCtrl& c, const Args&, const Variant& v) { c.SetOption(mask, ArgBool({v}, 0)); });
+    }
+}
+
+void AddSettings(Table& t) {
+    t.Property(DISPID_BACKCOLOR, "BackColor", [](CZentrelCtrl& c, const Args&) { return Variant::Color(c.GetBackColor()); },
+               [](CZentrelCtrl& c, const Args&, const Variant& v) { c.SetBackColor(ArgColor({v}, 0)); });
+    t.Property(1, "FormatCount", [](CZentrelCtrl&, const Args&) { return Variant::Short(FORMAT_COUNT); });
+    ShortProperty(t, 3, "ScrollMarginVertical", &CZentrelCtrl::GetScrollMarginVertical, &CZentrelCtrl::SetScrollMarginVertical);
+    ShortProperty(t, 4, "ScrollByHorizontal", &CZentrelCtrl::GetScrollByHorizontal, &CZentrelCtrl::SetScrollByHorizontal);
+    ShortProperty(t, 5, "ScrollByVertical", &CZentrelCtrl::GetScrollByVertical, &CZentrelCtrl::SetScrollByVertical);
+    ShortProperty(t, 6, "TabSize", &CZentrelCtrl::GetTabSize, &CZentrelCtrl::SetTabSize);
+    ShortProperty(t, 7, "IndentSize", &CZentrelCtrl::GetIndentSize, &CZentrelCtrl::SetIndentSize);
+    ShortProperty(t, 9, "ScrollMarginHorizontal", &CZentrelCtrl::GetScrollMarginHorizontal,
+                  &CZentrelCtrl::SetScrollMarginHorizontal);
+    LongProperty(t, 11, "RightMargin", &CZentrelCtrl::GetRightMargin, &CZentrelCtrl::SetRightMargin);
+    LongProperty(t, 22, "ColumnMax", &CZentrelCtrl::GetColumnMax, &CZentrelCtrl::SetColumnMax);
+    t.Property(30, "TextColor", [](CZentrelCtrl& c, const Args&) { return Variant::Color(c.GetTextColor()); },
+               [](CZentrelCtrl& c, const Args&, const Variant& v) { c.SetTextColor(ArgColor({v}, 0)); });
+    t.Property(31, "TagAttrCase", [](CZentrelCtrl&, const Args&) { return Variant::Short(0); },
+               [](CZentrelCtrl&, const Args&, const Variant& v) { ArgShort({v}, 0); });
+    ShortProperty(t, 32, "HighlightStyle", &CZentrelCtrl::GetHighlightStyle, &CZentrelCtrl::SetHighlightStyle);
+    t.Property(35, "GutterFont", [](CZentrelCtrl&, const Args&) { return Variant::Dispatch(nullptr); },
+               [](CZentrelCtrl& c, const Args&, const Variant&) { c.SetModifiedFlag(); });
+    t.Property(45, "BookmarkWidth", [](CZentrelCtrl&, const Args&) { return Variant::Long(10); });
+    t.Property(47, "GutterSize", [](CZentrelCtrl& c, const Args&) { return Variant::Long(c.GetIndentSize()); },
+               [](CZentrelCtrl& c, const Args&, const Variant& v) { c.SetGutterSize(ArgLong({v}, 0)); });
+    ShortProperty(t, 49, "CodeCompletionMode", &CZentrelCtrl::GetCodeCompletionMode, &CZentrelCtrl::SetCodeCompletionMode);
+    LongProperty(t, 50, "CodeCompletionTimeDelay", &CZentrelCtrl::GetCodeCompletionTimeDelay,
+                 &CZentrelCtrl::SetCodeCompletionTimeDelay);
+}
+
+void AddFormats(Table& t) {
+    t.Property(95, "FormatStyleName",
+               [](CZentrelCtrl& c, const Args& i) { return Variant::Str(c.GetFormatStyleName(ArgShort(i, 0))); },
+               nullptr, 1);
+    FormatColorProperty(t, 96, "FormatBackColor", &CZentrelCtrl::GetFormatBackColor, &CZentrelCtrl::SetFormatBackColor);
+    FormatColorProperty(t, 97, "FormatTextColor", &CZentrelCtrl::GetFormatTextColor, &CZentrelCtrl::SetFormatTextColor);
+    t.Property(99, "FormatStyle",
+               [](CZentrelCtrl& c, const Args& i) { return Variant::Long(c.GetFormatStyleWord(ArgShort(i, 0))); },
+               [](CZentrelCtrl& c, const Args& i, const Variant& v) { c.SetFormatStyleWord(ArgShort(i, 0), ArgLong({v}, 0)); },
+               1);
+    FormatColorProperty(t, 100, "SyntaxPickerColor", &CZentrelCtrl::GetSyntaxPickerColor, &CZentrelCtrl::SetSyntaxPickerColor);
+    t.Method(62, "AddExceptionTag", 3, [](CZentrelCtrl& c, Args& a) {
+        c.AddExceptionTag(ArgStr(a, 0), ArgColor(a, 1), ArgColor(a, 2));
+        return Nothing();
+    });
+    t.Method(64, "RemoveAllExceptionTags", 0, [](CZentrelCtrl& c, Args&) {
+        c.RemoveAllExceptionTags();
+        return Nothing();
+    });
+    t.Method(75, "FormatChangeBegin", 0, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
+    t.Method(76, "FormatChangeEnd", 0, [](CZentrelCtrl&, Args&) { return Nothing(); });
+}
+
+void AddDocument(Table& t) {
+    t.Property(8, "Document", [](CZentrelCtrl& c, const Args&) {
+        Variant v = Variant::Dispatch(nullptr);
+        if (IDispatch* doc = c.GetDocument()) {
+            v = Variant::Dispatch(doc);
+            doc->Release();
+        }
+        return v;
+    }, [](CZentrelCtrl& c, const Args&, const Variant& v) { c.SetDocument(ArgDispatch({v}, 0)); });
+    t.Property(33, "Selection", [](CZentrelCtrl& c, const Args&) {
+        Variant v = Variant::Dispatch(nullptr);
+        if (IDispatch* sel = c.GetSelection()) {
+            v = Variant::Dispatch(sel);
+            sel->Release();
+        }
+        return v;
+    });
+    LongProperty(t, 16, "SelectionStart", &CZentrelCtrl::GetSelectionStart, &CZentrelCtrl::SetSelectionStart);
+    LongProperty(t, 17, "SelectionEnd", &CZentrelCtrl::GetSelectionEnd, &CZentrelCtrl::SetSelectionEnd);
+    t.Property(23, "LineCount", [](CZentrelCtrl& c, const Args&) { return Variant::Long(c.GetLineCount()); });
+    t.Property(39, "BookmarkCount", [](CZentrelCtrl& c, const Args&) { return Variant::Long(c.GetBookmarkCount()); });
+    t.Method(51, "SetSelection", 2, [](CZentrelCtrl& c, Args& a) {
+        c.SetSelection(ArgLong(a, 0), ArgLong(a, 1));
+        return Nothing();
+    });
+    t.Method(52, "GetSelection", 2, [](CZentrelCtrl& c, Args& a) {
+        long start, end;
+        c.GetSelection(&start, &end);
+        ArgSetOut(a, 0, Variant::Long(start));
+        ArgSetOut(a, 1, Variant::Long(end));
+        return Nothing();
+    });
+    t.Method(53, "ClearSelection", 0, [](CZentrelCtrl&, Args&) { return Nothing(); });
+    t.Method(71, "AddBookmark", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
+    t.Method(72, "DeleteBookmark", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
+    t.Method(80, "FindCollapseFromPos", 1, [](CZentrelCtrl&, Args&) { return Variant::Dispatch(nullptr); });
+    t.Method(86, "LoadExtraInfoFromRegKey", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(87, "SaveExtraInfoToRegKey", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(91, "PointInGutter", 2, [](CZentrelCtrl& c, Args& a) {
+        return Variant::Bool(c.PointInGutter(ArgLong(a, 0), ArgLong(a, 1)));
+    });
+}
+
+const Table& ControlTable() {
+    static const Table table = [] {
+        Table t;
+        AddOptions(t);
+        AddSettings(t);
+        AddFormats(t);
+        AddDocument(t);
+        return t;
+    }();
+    return table;
+}
+
+}  // namespace
+
+HRESULT CZentrelCtrl::GetOwnIDsOfNames(const std::string& name, DISPID* pDispId) {
+    return ControlTable().GetIDsOfNames(name, pDispId);
+}
+
+HRESULT CZentrelCtrl::InvokeOwn(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
+                                ExcepInfo* excep) {
+    return ControlTable().Invoke(*this, dispid, flags, args, result, excep);
+}

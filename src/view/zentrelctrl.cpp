@@ -1,0 +1,166 @@
+#include "src/view/zentrelctrl.h"
+
+#include <cstring>
+
+#include "src/view/module.h"
+
+const CLSID CLSID_Zentrel = MakeGuid("{09D5F3E5-B21C-11D1-9B66-0000C0E4E6E4}");
+const IID IID_DZentrel = MakeGuid("{09D5F3E3-B21C-11D1-9B66-0000C0E4E6E4}");
+const IID IID_DZentrelEvents = MakeGuid("{09D5F3E4-B21C-11D1-9B66-0000C0E4E6E4}");
+
+namespace {
+
+// The picker's colours at construction, in 0x00BBGGRR.
+constexpr OLE_COLOR kPickerColors[16] = {0x000000, 0x0000FF, 0x00FFFF, 0xFF0000, 0x00FF00, 0xFF00FF,
+                                         0xFFFF00, 0x808080, 0xC0C0C0, 0x000080, 0x008000, 0x800000,
+                                         0x008080, 0x808000, 0x800080, 0xFFFFFF};
+
+}  // namespace
+
+CZentrelCtrl::CZentrelCtrl()
+    : m_xTextSink(this), m_xRangeSink(this), m_xFontNotify(this), m_Styles(DefaultFormatStyles()) {
+    std::memcpy(m_clrPicker, kPickerColors, sizeof m_clrPicker);
+    m_Lines.InsertAt(0, 0);
+    m_fontGutter.InitializeFont(DefaultGutterFont());
+    m_fontSymbol.InitializeFont(DefaultSymbolFont());
+    m_fontEdit.InitializeFont(DefaultEditFont());
+    m_dwLastClick = GetTickCount();
+    m_dwLastKey = GetTickCount();
+    m_Bookmarks.SetOwner(this);
+    m_CollapseRoot.SetOwner(this);
+}
+
+CZentrelCtrl::~CZentrelCtrl() {
+    // The window goes first, while the object is still whole: WM_DESTROY detaches the document.
+    DestroyControlWindow();
+    DetachDocument();
+    m_Lines.RemoveAll();
+    m_ExceptionTags.clear();
+}
+
+void CZentrelCtrl::OnFinalRelease() {
+    if (m_bFinalReleased) return;
+    m_Bookmarks.RemoveAll();
+    COleControl::OnFinalRelease();
+}
+
+CZentrelCtrl* CreateZentrelCtrl() {
+    auto* ctrl = new CZentrelCtrl;
+    ctrl->AddRef();
+    return ctrl;
+}
+
+// --- Callback parts ---
+
+HRESULT CZentrelCtrl::XTextSink::QueryInterface(REFIID riid, void** ppv) { return Owner()->QueryInterface(riid, ppv); }
+ULONG CZentrelCtrl::XTextSink::AddRef() { return Owner()->AddRef(); }
+ULONG CZentrelCtrl::XTextSink::Release() { return Owner()->Release(); }
+HRESULT CZentrelCtrl::XTextSink::GetWindow(HWND* out) {
+    if (!out) return E_INVALIDARG;
+    *out = Owner()->HasWindow() ? Owner()->GetSafeHwnd() : nullptr;
+    return S_OK;
+}
+HRESULT CZentrelCtrl::XTextSink::OnChange(long a, long b, IUnknown* change) { return Owner()->OnChange(a, b, change); }
+HRESULT CZentrelCtrl::XTextSink::OnBusy(BOOL busy, const char* text, long reserved) {
+    return Owner()->OnBusy(busy, text, reserved);
+}
+
+HRESULT CZentrelCtrl::XRangeSink::QueryInterface(REFIID riid, void** ppv) { return Owner()->QueryInterface(riid, ppv); }
+ULONG CZentrelCtrl::XRangeSink::AddRef() { return Owner()->AddRef(); }
+ULONG CZentrelCtrl::XRangeSink::Release() { return Owner()->Release(); }
+HRESULT CZentrelCtrl::XRangeSink::OnSelectionChanged(long active, long anchor) {
+    return Owner()->OnSelectionChanged(active, anchor);
+}
+HRESULT CZentrelCtrl::XRangeSink::OnEnsureVisible(long reserved) { return Owner()->OnEnsureVisible(reserved); }
+
+// The font notification part answers only for itself and IUnknown.
+HRESULT CZentrelCtrl::XFontNotify::QueryInterface(REFIID riid, void** ppv) {
+    if (!ppv) return E_POINTER;
+    if (riid == IID_IUnknown || riid == IID_IPropertyNotifySink) return HandOut(static_cast<IPropertyNotifySink*>(this), ppv);
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+}
+ULONG CZentrelCtrl::XFontNotify::AddRef() { return Owner()->AddRef(); }
+ULONG CZentrelCtrl::XFontNotify::Release() { return Owner()->Release(); }
+
+HRESULT CZentrelCtrl::QueryExtraInterface(REFIID riid, void** ppv) {
+    if (riid == IID_ISourceTextSink) return HandOut(static_cast<ISourceTextSink*>(&m_xTextSink), ppv);
+    if (riid == IID_ISourceRangeSink) return HandOut(static_cast<ISourceRangeSink*>(&m_xRangeSink), ppv);
+    if (riid == IID_DZentrel) return HandOut(static_cast<IDispatch*>(this), ppv);
+    *ppv = nullptr;
+    return E_NOINTERFACE;
+}
+
+// --- Window messages ---
+
+LRESULT CZentrelCtrl::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_CREATE && !m_hWnd) m_hWnd = hwnd;  // handlers may ask for the window already
+    switch (message) {
+        case WM_CREATE: return OnCreate();
+        case WM_SIZE: OnSize(static_cast<UINT>(wParam), LOWORD(static_cast<uintptr_t>(lParam)),
+                             HIWORD(static_cast<uintptr_t>(lParam))); return 0;
+        case WM_DESTROY: OnDestroy(); return 0;
+        case WM_ERASEBKGND: return TRUE;
+        case WM_GETTEXTLENGTH: return OnGetTextLength();
+        case WM_GETTEXT: return OnGetText(wParam, reinterpret_cast<char*>(lParam));
+        case EM_GETSEL:
+        case EM_SETSEL:
+        case EM_SCROLLCARET:
+        case EM_GETLINECOUNT:
+        case EM_REPLACESEL:
+        case EM_GETFIRSTVISIBLELINE: return 0;  // claimed, so that other programs do not edit behind the document's back
+        case WM_SOURCE_REPAINT: return OnSourceRepaint(wParam, lParam);
+        default: return COleControl::WindowProc(hwnd, message, wParam, lParam);
+    }
+}
+
+int CZentrelCtrl::OnCreate() {
+    // The tooltip, the hidden-character pen, the drop target and the gutter bitmaps come with
+    // the features that use them.
+    RebuildFontCache();
+    StartCodeCompletion();
+    return 0;
+}
+
+void CZentrelCtrl::OnSize(UINT, int, int) {
+    GetClientRect(m_hWnd, &m_rcClient);
+    if (m_pDoc) {
+        Reformat(TRUE);
+        UpdateScrollBars(-1, -1);
+    }
+}
+
+namespace {
+
+// A posted repaint that will never be delivered still carries its reference.
+void ReleasePostedChange(const MSG& msg) {
+    if (msg.message == WM_SOURCE_REPAINT && msg.lParam)
+        reinterpret_cast<IUnknown*>(msg.lParam)->Release();
+}
+
+}  // namespace
+
+void CZentrelCtrl::OnDestroy() {
+    if (m_bDestroyed) return;
+    StopCodeCompletion();
+    m_bDestroyed = TRUE;
+    DetachDocument();
+    ClearFontCache();
+    DiscardPostedMessages(m_hWnd, ReleasePostedChange);
+}
+
+LRESULT CZentrelCtrl::OnGetTextLength() { return m_pDoc ? m_pDoc->GetLength() : 0; }
+
+LRESULT CZentrelCtrl::OnGetText(WPARAM size, char* buffer) {
+    if (!m_pDoc) return 0;
+    long count = static_cast<long>(std::min<WPARAM>(size, static_cast<WPARAM>(m_pDoc->GetLength()) + 1));
+    if (buffer && count >= 1) m_pDoc->CopyTextZ(buffer, 0, count - 1);
+    return count;
+}
+
+void CZentrelCtrl::OnEnabledChanged() {
+    // A disabled control keeps its layout as it was; enabling it measures and lays out anew.
+    if (!GetEnabled()) return;
+    RebuildFontCache();
+    if (HasWindow()) Reformat(FALSE);
+}

@@ -1,0 +1,290 @@
+// CZentrelCtrl: the control. It holds all view state, owns the window, and is the object
+// behind every property, method and event. Its member operations are spread over the
+// subsystem folders by subject; this header lists every field and every operation.
+#pragma once
+#include <map>
+#include <string>
+
+#include "platform/com/propnotify.h"
+#include "platform/gdi/fontholder.h"
+#include "platform/window/olecontrol.h"
+#include "src/annotations/bookmarkmanager.h"
+#include "src/annotations/collapsenode.h"
+#include "src/document/sourcetext.h"
+#include "src/layout/fontmetrics.h"
+#include "src/layout/layoutrange.h"
+#include "src/layout/lineindex.h"
+#include "src/paint/formatstyle.h"
+#include "src/view/options.h"
+
+extern const CLSID CLSID_Zentrel;
+extern const IID IID_DZentrel;
+extern const IID IID_DZentrelEvents;
+
+// Event dispatch ids.
+constexpr DISPID EVENT_SELECTIONCHANGED = 1;
+constexpr DISPID EVENT_ONOLEDROP = 2;
+constexpr DISPID EVENT_ONOLEDRAGOVER = 3;
+constexpr DISPID EVENT_EDITMODETOGGLED = 4;
+constexpr DISPID EVENT_DOCUMENTCHANGED = 5;
+constexpr DISPID EVENT_AUTOCONVERTTOGGLED = 6;
+
+// Sentinels of positions and widths.
+constexpr long POS_TO_END = 0x7FFFFFFF;
+constexpr long WIDTH_UNLIMITED = 0x7FFFFFFF;
+
+class CZentrelCtrl : public COleControl {
+public:
+    CZentrelCtrl();
+
+    // The version of the persisted form.
+    static constexpr DWORD kPersistVersion = 0x00010000;
+
+    // Callback parts: small interface tables inside the object that forward to it.
+    class XTextSink final : public ISourceTextSink {
+    public:
+        HRESULT QueryInterface(REFIID riid, void** ppv) override;
+        ULONG AddRef() override;
+        ULONG Release() override;
+        HRESULT GetWindow(HWND* out) override;
+        HRESULT OnChange(long a, long b, IUnknown* change) override;
+        HRESULT OnBusy(BOOL busy, const char* text, long reserved) override;
+        explicit XTextSink(CZentrelCtrl* owner) : m_pOwner(owner) {}
+        CZentrelCtrl* Owner() const { return m_pOwner; }
+
+    private:
+        CZentrelCtrl* m_pOwner;
+    };
+    class XRangeSink final : public ISourceRangeSink {
+    public:
+        HRESULT QueryInterface(REFIID riid, void** ppv) override;
+        ULONG AddRef() override;
+        ULONG Release() override;
+        HRESULT OnSelectionChanged(long active, long anchor) override;
+        HRESULT OnEnsureVisible(long reserved) override;
+        explicit XRangeSink(CZentrelCtrl* owner) : m_pOwner(owner) {}
+        CZentrelCtrl* Owner() const { return m_pOwner; }
+
+    private:
+        CZentrelCtrl* m_pOwner;
+    };
+    class XFontNotify final : public IPropertyNotifySink {
+    public:
+        HRESULT QueryInterface(REFIID riid, void** ppv) override;
+        ULONG AddRef() override;
+        ULONG Release() override;
+        HRESULT OnChanged(DISPID) override { return S_OK; }
+        HRESULT OnRequestEdit(DISPID) override { return S_OK; }
+        explicit XFontNotify(CZentrelCtrl* owner) : m_pOwner(owner) {}
+        CZentrelCtrl* Owner() const { return m_pOwner; }
+
+    private:
+        CZentrelCtrl* m_pOwner;
+    };
+
+    // --- Window messages (zentrelctrl.cpp) ---
+    LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
+    int OnCreate();
+    void OnSize(UINT type, int cx, int cy);
+    void OnDestroy();
+    LRESULT OnGetTextLength();
+    LRESULT OnGetText(WPARAM size, char* buffer);
+
+    // --- Document binding (src/document) ---
+    BOOL AttachDocument(IDispatch* pDocument);
+    void DetachDocument();
+    HRESULT OnChange(long a, long b, IUnknown* change);
+    HRESULT OnBusy(BOOL busy, const char* text, long reserved);
+    HRESULT OnSelectionChanged(long active, long anchor);
+    HRESULT OnEnsureVisible(long reserved);
+    LRESULT OnSourceRepaint(WPARAM wParam, LPARAM lParam);
+    IDispatch* GetDocument();   // a reference for the caller, or null
+    void SetDocument(IDispatch* pDocument);
+    IDispatch* GetSelection();  // a reference for the caller, or null
+
+    // --- Layout (src/layout) ---
+    void OnTextChanged(long nAction, long nFirst, long nSecond);
+    BOOL Reformat(BOOL bOnlyIfWidthChanged);
+    long GetWrapWidth();
+    void WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, CLineIndex* pTable);
+    void RewrapLines(long nPos, LayoutRange* pRange, long nLines);
+    BOOL FindCollapse(long nPos, long* pnStart, long* pnEnd) const;
+    void ShowBusyPanel(BOOL bShow);
+    void SetBusyText(const char* lpszText);
+    void PlaceCaret();
+    void ScrollCaretIntoView();
+    void ClampScrollPosition();
+    void UpdateScrollBars(long nHorz, long nVert);
+    void InvalidateRange(long nStart, long nEnd);
+    void InvalidateGutter();
+    BOOL RebuildFontCache();
+    void ClearFontCache();
+
+    // --- Code completion (src/edit) ---
+    // Runs timer 1 in completion mode 1 and stops it in the others.
+    void StartCodeCompletion();
+    void StopCodeCompletion();
+
+    // --- Properties (src/view/properties.cpp) ---
+    BOOL GetOption(DWORD mask) const { return (m_Options & mask) ? TRUE : FALSE; }
+    void SetOption(DWORD mask, BOOL value);
+    OLE_COLOR GetBackColor() const { return m_clrBack; }
+    void SetBackColor(OLE_COLOR color);
+    long GetLineCount() const { return m_Lines.m_nCount; }
+    long GetSelectionStart() const { return m_nSelActive; }
+    long GetSelectionEnd() const { return m_nSelAnchor; }
+    void SetSelectionStart(long value);
+    void SetSelectionEnd(long value);
+    void SetSelection(long nStart, long nEnd);
+    void GetSelection(long* pnStart, long* pnEnd) const;
+    SHORT GetTabSize() const { return m_nTabSize; }
+    void SetTabSize(SHORT value);
+    SHORT GetIndentSize() const { return m_nIndentSize; }
+    void SetIndentSize(SHORT value);
+    void SetGutterSize(long value);
+    long GetRightMargin() const { return m_nRightMargin; }
+    void SetRightMargin(long value);
+    long GetColumnMax() const { return m_nColumnMax; }
+    void SetColumnMax(long value);
+    SHORT GetHighlightStyle() const { return m_nHighlightStyle; }
+    void SetHighlightStyle(SHORT value);
+    SHORT GetScrollMarginVertical() const { return m_nScrollMarginV; }
+    void SetScrollMarginVertical(SHORT value);
+    SHORT GetScrollMarginHorizontal() const { return m_nScrollMarginH; }
+    void SetScrollMarginHorizontal(SHORT value);
+    SHORT GetScrollByHorizontal() const { return m_nScrollByH; }
+    void SetScrollByHorizontal(SHORT value);
+    SHORT GetScrollByVertical() const { return m_nScrollByV; }
+    void SetScrollByVertical(SHORT value);
+    OLE_COLOR GetTextColor() const { return m_Styles[STYLE_NONE].crText; }
+    void SetTextColor(OLE_COLOR color);
+    SHORT GetCodeCompletionMode() const { return m_nCompletionMode; }
+    void SetCodeCompletionMode(SHORT value);
+    long GetCodeCompletionTimeDelay() const { return m_nCompletionDelay; }
+    void SetCodeCompletionTimeDelay(long value);
+    OLE_COLOR GetSyntaxPickerColor(SHORT nIndex) const;
+    void SetSyntaxPickerColor(SHORT nIndex, OLE_COLOR color);
+    const FormatStyle& GetFormatStyle(int nIndex) const { return m_Styles[nIndex]; }
+    std::string GetFormatStyleName(SHORT nFormat) const;
+    OLE_COLOR GetFormatTextColor(SHORT nFormat) const;
+    void SetFormatTextColor(SHORT nFormat, OLE_COLOR color);
+    OLE_COLOR GetFormatBackColor(SHORT nFormat) const;
+    void SetFormatBackColor(SHORT nFormat, OLE_COLOR color);
+    long GetFormatStyleWord(SHORT nFormat) const;
+    void SetFormatStyleWord(SHORT nFormat, long value);
+    void AddExceptionTag(const std::string& lpszTagName, OLE_COLOR colForeground, OLE_COLOR colBackground);
+    void RemoveAllExceptionTags();
+    long GetBookmarkCount() const { return m_Bookmarks.GetCount(); }
+    BOOL PointInGutter(long nClientX, long nClientY) const;
+    const FontDesc& GetEditFont() const { return m_fontEdit.GetFontDesc(); }
+    void SetEditFont(const FontDesc& font);
+
+    // Read access for tests and the host.
+    const CLineIndex& Lines() const { return m_Lines; }
+    long GetTopLine() const { return m_nTopLine; }
+    long GetBusyCount() const { return m_nBusyCount; }
+    DWORD GetOptionsWord() const { return m_Options; }
+    ISourceText* GetDocumentText() const { return m_pDoc; }
+
+protected:
+    ~CZentrelCtrl() override;
+    void OnFinalRelease() override;
+    HRESULT QueryExtraInterface(REFIID riid, void** ppv) override;
+    void DoPropExchange(CPropExchange* pPX) override;
+    bool CheckPropertyKinds(const CPropertyBag& bag, std::string* error) const override;
+    void OnEnabledChanged() override;
+    HRESULT GetOwnIDsOfNames(const std::string& name, DISPID* pDispId) override;
+    HRESULT InvokeOwn(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
+                      ExcepInfo* excep) override;
+
+private:
+    // Helpers of the option setters.
+    void OnOptionChanged(DWORD mask, BOOL value);
+    void CheckFormatIndex(SHORT nFormat, SCODE scode) const;
+
+public:
+    // Callback parts.
+    XTextSink m_xTextSink;
+    XRangeSink m_xRangeSink;
+    XFontNotify m_xFontNotify;
+
+    // General.
+    OLE_COLOR m_clrBack = 0xFFFFFF;
+    RECT m_rcClient{};
+
+    // Document.
+    ISourceText* m_pDoc = nullptr;
+    ISourceSyntax* m_pSyntax = nullptr;
+    ISourceTokens* m_pTokens = nullptr;
+    ComPtr<IDispatch> m_dispSchema;
+
+    // Tag hints.
+    BOOL m_bTipShown = FALSE;
+
+    // State flags.
+    BOOL m_bFocused = FALSE;
+    BOOL m_bDestroyed = FALSE;
+    BOOL m_bDocTip = FALSE;
+
+    // Layout.
+    CLineIndex m_Lines;
+    long m_nWrapWidth = WIDTH_UNLIMITED;
+    long m_nColumnMax = 0x7FFFFFFF;
+    long m_nCharWidth = 8;
+    long m_nLineHeight = 15;
+    long m_nAscent = 0;
+    long m_nTabPixels = 40;
+    long m_nTopLine = 0;
+    long m_nLeftPixel = 0;
+    long m_nGoalX = -1;
+
+    // Selection mirror.
+    long m_nSelActive = 0;
+    long m_nSelAnchor = 0;
+    ISourceRange* m_pSelection = nullptr;
+    DWORD m_dwSelCookie = 0;
+    BOOL m_bMouseDown = FALSE;
+
+    // Annotations and styles.
+    CBookmarkManager m_Bookmarks;
+    CCollapseNode m_CollapseRoot;
+    FormatStyleTable m_Styles;
+    std::map<std::string, FormatStyle> m_ExceptionTags;  // key: tag name in upper case; font word unused
+    CFontMetrics m_WrapMetrics;
+
+    // Settings.
+    DWORD m_Options = OPTIONS_DEFAULT;
+    SHORT m_nHighlightStyle = 1;
+    SHORT m_nTabSize = 5;
+    SHORT m_nIndentSize = 60;
+    CFontHolder m_fontEdit;
+    CFontHolder m_fontGutter;
+    CFontHolder m_fontSymbol;
+    long m_nRightMargin = 80;
+    SHORT m_nScrollMarginH = 10;
+    SHORT m_nScrollMarginV = 0;
+    SHORT m_nScrollByH = 10;
+    SHORT m_nScrollByV = 1;
+
+    // Mouse, drag and drop, busy panel.
+    DWORD m_dwLastClick = 0;
+    long m_nClickCount = 0;
+    long m_nDragOverMode = 3;
+    POINT m_ptDropCaret{};
+    BYTE m_bMoveUndoOpen = 0;
+    ISourceRange* m_pDragRange = nullptr;
+    long m_nBusyCount = 0;
+    std::string m_strBusyText;
+
+    // Syntax picker and code completion.
+    BYTE m_bPickerOpen = 0;
+    OLE_COLOR m_clrPicker[16];
+    SHORT m_nCompletionMode = 2;
+    long m_nCompletionDelay = 1000;
+    BYTE m_bCompletionHeld = 0;
+    BYTE m_bCompletionTimer = 0;
+    DWORD m_dwLastKey = 0;
+};
+
+// Creates a control with one reference for the caller, as the class factory does.
+CZentrelCtrl* CreateZentrelCtrl();

@@ -1,0 +1,88 @@
+// Helpers of the control tests: a host-side event sink and a control made the way a host makes one.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "htmldoc/htmldocument.h"
+#include "platform/com/classfactory.h"
+#include "src/view/module.h"
+#include "src/view/zentrelctrl.h"
+
+// Records every event the control fires, with its arguments read as longs.
+class CEventLog final : public IDispatch {
+public:
+    struct Event {
+        DISPID id;
+        std::vector<long> args;
+    };
+
+    HRESULT QueryInterface(REFIID riid, void** ppv) override {
+        if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG AddRef() override { return ++refs; }
+    ULONG Release() override { return --refs; }
+    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
+        Event e{id, {}};
+        for (const Variant& v : args) {
+            int32_t n = 0;
+            v.ToLong(&n);
+            e.args.push_back(n);
+        }
+        events.push_back(e);
+        return S_OK;
+    }
+    std::vector<Event> Of(DISPID id) const {
+        std::vector<Event> out;
+        for (const Event& e : events)
+            if (e.id == id) out.push_back(e);
+        return out;
+    }
+
+    ULONG refs = 0;
+    std::vector<Event> events;
+};
+
+// A control made through the module's class factory, with an event log advised.
+inline ComPtr<IDispatch> MakeControlThroughFactory() {
+    ComPtr<IClassFactory> factory;
+    EXPECT_EQ(DllGetClassObject(CLSID_Zentrel, IID_IClassFactory, reinterpret_cast<void**>(factory.Out())), S_OK);
+    ComPtr<IDispatch> control;
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_DZentrel, reinterpret_cast<void**>(control.Out())), S_OK);
+    return control;
+}
+
+inline CZentrelCtrl* AsControl(IDispatch* disp) { return static_cast<CZentrelCtrl*>(disp); }
+
+// Invokes a property get or put by name through IDispatch, as a script host would.
+inline HRESULT PutProperty(IDispatch* d, const char* name, Variant value, ExcepInfo* ex = nullptr) {
+    DISPID id;
+    HRESULT hr = d->GetIDsOfNames(name, &id);
+    if (FAILED(hr)) return hr;
+    std::vector<Variant> args{std::move(value)};
+    ExcepInfo local;
+    return d->Invoke(id, DISPATCH_PROPERTYPUT, args, nullptr, ex ? ex : &local);
+}
+
+inline Variant GetProperty(IDispatch* d, const char* name) {
+    DISPID id;
+    d->GetIDsOfNames(name, &id);
+    std::vector<Variant> args;
+    Variant result;
+    ExcepInfo ex;
+    d->Invoke(id, DISPATCH_PROPERTYGET, args, &result, &ex);
+    return result;
+}
+
+// A few kilobytes of HTML with LF and CR LF lines.
+inline std::string SamplePage() {
+    std::string page = "<!DOCTYPE html>\r\n<html>\r\n<head><title>Sample</title></head>\n<body>\n";
+    for (int i = 0; i < 60; ++i)
+        page += "  <p class=\"row\">Paragraph " + std::to_string(i) + " with <b>bold</b> text.</p>\n";
+    page += "</body>\n</html>\n";
+    return page;
+}
