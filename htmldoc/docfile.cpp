@@ -76,11 +76,17 @@ HRESULT CHtmlDocument::ResetText(std::string_view text, const char* busyText) {
     bool busy = static_cast<long>(text.size()) > kBusyBytes;
     if (busy) NotifyBusy(true, busyText);
     CSelectionMark mark = MarkSelectionEnds();
-    m_lines.Assign(text);
-    m_text.Assign(text);
+    // Two reports, as a viewer keeps its layout: all the old text went, then the new text came.
+    m_lines.Assign({});
+    m_text.Assign({});
     for (auto& range : m_ranges) range->PlaceSilently(0, 0);
     m_undo.Clear();
-    NotifyChange(SA_RESET, 0, m_text.Length());
+    NotifyChange(SA_RESET, 0, 0);
+    if (!text.empty()) {
+        m_lines.Assign(text);
+        m_text.Assign(text);
+        NotifyChange(SA_INSERT, 0, m_text.Length());
+    }
     ReportSelection(mark);
     if (busy) NotifyBusy(false, nullptr);
     return S_OK;

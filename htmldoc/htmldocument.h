@@ -6,7 +6,8 @@
 // OnChange with a fresh change object carrying one reference for that call, and then, if the
 // selection's ends moved, its range sinks get OnSelectionChanged; all before the edit returns.
 // Action codes: 1 for InsertText (the new span), 2 for DeleteText (the old span), 5 for any
-// ReplaceText (the new span), 3 when SetText or a load replaces all of it.
+// ReplaceText (the new span); SetText and a load report 3 (all the text gone) and then, for a
+// text that is not empty, 1 for the new text.
 #pragma once
 #include <functional>
 #include <string>

@@ -196,10 +196,11 @@ TEST(DocumentContract, LongOperationsAreBracketedByBusy) {
     CAttachedDoc d;
     std::string big(CHtmlDocument::kBusyBytes + 10, 'x');
     d.doc->SetText(big);
-    EXPECT_EQ(d.sink.Order(), "BCB");
+    EXPECT_EQ(d.sink.Order(), "BCCB");
     EXPECT_EQ(d.sink.events[1].action, SA_RESET);
+    EXPECT_EQ(d.sink.events[2].action, SA_INSERT);
     d.doc->SetText("small");
-    EXPECT_EQ(d.sink.Order(), "BCBC");
+    EXPECT_EQ(d.sink.Order(), "BCCBCC");
 
     std::string lines;
     for (long i = 0; i <= CHtmlDocument::kBusyLines; ++i) lines += "line\n";

@@ -17,6 +17,8 @@ protected:
     }
     void TearDown() override {
         ctrl->UnadviseEvents(cookie);
+        // The document's advice holds the control: a host detaches before it lets go.
+        ctrl->SetDocument(nullptr);
         control = nullptr;
         EXPECT_EQ(log.refs, 0u);
     }
@@ -68,6 +70,10 @@ TEST_F(DocumentBinding, SelectionMirrorFollowsTheDocumentWithAWindow) {
     ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
     ExpectTableMatchesDocument();
     EXPECT_GT(ctrl->GetLineCount(), 60);  // the breaker cut the text at its line feeds
+    long lines = ctrl->GetLineCount();
+    doc->SetText(SamplePage());  // all the text goes and comes back
+    ExpectTableMatchesDocument();
+    EXPECT_EQ(ctrl->GetLineCount(), lines);
 
     ctrl->SetSelection(30, 12);
     EXPECT_EQ(ctrl->GetSelectionStart(), 30);

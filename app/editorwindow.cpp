@@ -1,0 +1,108 @@
+#include "app/editorwindow.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QStatusBar>
+#include <cstdio>
+
+#include "platform/qt/qtplatform.h"
+#include "platform/qt/qtwindow.h"
+#include "src/view/module.h"
+
+// Hears the control's events and shows them in the status line.
+class CStatusSink final : public IDispatch {
+public:
+    explicit CStatusSink(CEditorWindow* window) : m_pWindow(window) {}
+    HRESULT QueryInterface(REFIID riid, void** ppv) override {
+        if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG AddRef() override { return 1; }   // owned by the window
+    ULONG Release() override { return 1; }
+    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
+        QString text = id == EVENT_DOCUMENTCHANGED ? "DocumentChanged" : id == EVENT_SELECTIONCHANGED ? "SelectionChanged"
+                                                                                                     : QString("Event %1").arg(id);
+        QStringList values;
+        for (const Variant& v : args) {
+            int32_t n = 0;
+            if (v.ToLong(&n)) values << QString::number(n);
+        }
+        m_pWindow->ShowEvent(text + "(" + values.join(", ") + ")");
+        return S_OK;
+    }
+
+private:
+    CEditorWindow* m_pWindow;
+};
+
+CEditorWindow::CEditorWindow() : m_doc(CreateHtmlDocument()), m_sink(std::make_unique<CStatusSink>(this)) {
+    m_pPreviousPlatform = SetPlatformBackend(&m_platform);
+    m_pCtrl = CreateZentrelCtrl();
+    m_dwCookie = m_pCtrl->AdviseEvents(m_sink.get());
+    HWND hwnd = CreateQtChildWindow(m_pCtrl, nullptr);
+    setCentralWidget(QtWidgetFromHwnd(hwnd));
+    m_pCtrl->SetDocument(static_cast<IDispatch*>(m_doc.Get()));
+    BuildMenus();
+    statusBar()->showMessage("Ready");
+}
+
+CEditorWindow::~CEditorWindow() {
+    m_pCtrl->UnadviseEvents(m_dwCookie);
+    m_pCtrl->DestroyControlWindow();
+    m_pCtrl->Release();
+    SetPlatformBackend(m_pPreviousPlatform);
+}
+
+bool CEditorWindow::OpenFile(const QString& path) {
+    std::string error;
+    if (FAILED(m_doc->LoadFile(path.toStdString(), &error))) {
+        QString text = QString("Cannot open %1: %2").arg(path, QString::fromStdString(error));
+        if (isVisible()) QMessageBox::warning(this, "zentrel-edit", text);
+        else std::fprintf(stderr, "%s\n", qPrintable(text));
+        return false;
+    }
+    setWindowTitle(path + " - zentrel-edit");
+    ShowEvent(QString("%1 bytes, %2 lines").arg(m_doc->GetLength()).arg(m_pCtrl->GetLineCount()));
+    return true;
+}
+
+void CEditorWindow::ShowEvent(const QString& text) {
+    statusBar()->showMessage(QString("%1   |   LineCount %2").arg(text).arg(m_pCtrl->GetLineCount()));
+}
+
+void CEditorWindow::BuildMenus() {
+    QMenu* file = menuBar()->addMenu("&File");
+    file->addAction("&Open...", QKeySequence::Open, this, &CEditorWindow::Open);
+    file->addAction("&Save", QKeySequence::Save, this, &CEditorWindow::Save);
+    file->addSeparator();
+    file->addAction("&Quit", QKeySequence::Quit, this, &QWidget::close);
+    QMenu* view = menuBar()->addMenu("&View");
+    struct Option {
+        const char* label;
+        DWORD mask;
+    };
+    for (Option o : {Option{"&Word wrap", OPT_WORDWRAP}, Option{"&Hidden characters", OPT_DISPLAYALL},
+                     Option{"&Right margin", OPT_RIGHTMARGINVISIBLE}, Option{"&Line numbers", OPT_SHOWLINENUMBER}}) {
+        QAction* action = view->addAction(o.label);
+        action->setCheckable(true);
+        action->setChecked(m_pCtrl->GetOption(o.mask));
+        connect(action, &QAction::toggled, this, [this, mask = o.mask](bool on) { ToggleOption(mask, on); });
+    }
+}
+
+void CEditorWindow::Open() {
+    QString path = QFileDialog::getOpenFileName(this, "Open", {}, "HTML files (*.html *.htm);;All files (*)");
+    if (!path.isEmpty()) OpenFile(path);
+}
+
+void CEditorWindow::Save() {
+    std::string error;
+    if (FAILED(m_doc->SaveFile({}, &error)))
+        QMessageBox::warning(this, "zentrel-edit", QString("Cannot save: %1").arg(QString::fromStdString(error)));
+}
+
+void CEditorWindow::ToggleOption(DWORD mask, bool on) { m_pCtrl->SetOption(mask, on ? TRUE : FALSE); }
