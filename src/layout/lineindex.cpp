@@ -441,3 +441,47 @@ void CLineIndex::Resum() noexcept {
     m_nCount = m_pChildren[0].m_nCount + m_pChildren[1].m_nCount;
     m_nTotal = m_pChildren[0].m_nTotal + m_pChildren[1].m_nTotal;
 }
+
+// ---- bulk build ----
+
+void CLineIndex::Build(const int32_t* pLengths, long nCount) {
+    if (nCount < 0)
+        throw std::invalid_argument("CLineIndex::Build: negative line count");
+    int64_t total = 0;
+    for (long i = 0; i < nCount; ++i) {
+        if (pLengths[i] < 0)
+            throw std::invalid_argument("CLineIndex::Build: negative line length");
+        total += pLengths[i];
+    }
+    if (total > kMaxLong32)
+        throw std::invalid_argument("CLineIndex::Build: total above 2^31-1");
+    CLineIndex built;
+    built.BuildNode(pLengths, static_cast<int32_t>(nCount));
+    RemoveAll();
+    std::swap(m_pChildren, built.m_pChildren);
+    std::swap(m_pBlock, built.m_pBlock);
+    m_nCount = built.m_nCount;
+    m_nTotal = built.m_nTotal;
+}
+
+// Halves differ by at most one line, so every node is balanced; a node of more than a block's
+// capacity has more than the merge limit, so no inner node is too small.
+void CLineIndex::BuildNode(const int32_t* pLengths, int32_t nCount) {
+    m_nCount = nCount;
+    if (nCount == 0)
+        return;
+    if (nCount <= kLineBlockCapacity) {
+        m_pBlock = new CLineBlock;
+        std::copy(pLengths, pLengths + nCount, m_pBlock->m_aLength);
+        m_pBlock->m_nCount = nCount;
+        int64_t total = 0;
+        for (int32_t i = 0; i < nCount; ++i) total += pLengths[i];
+        m_nTotal = static_cast<int32_t>(total);
+        return;
+    }
+    m_pChildren = NewChildren();
+    int32_t nLeft = nCount / 2;
+    m_pChildren[0].BuildNode(pLengths, nLeft);
+    m_pChildren[1].BuildNode(pLengths + nLeft, nCount - nLeft);
+    m_nTotal = m_pChildren[0].m_nTotal + m_pChildren[1].m_nTotal;
+}

@@ -87,6 +87,10 @@ public:
     long FindLineAndStart(long nPos, long* pnStart) const;
     // Frees everything: the node is an empty leaf again.
     void RemoveAll() noexcept;
+    // Replaces the table by these lengths in one pass, as a balanced tree: the fast way to lay
+    // out a whole text, where inserting line by line would rebalance at every step. Throws
+    // std::invalid_argument (table unchanged) for a negative length or a total above 2^31-1.
+    void Build(const int32_t* pLengths, long nCount);
 
     long GetCount() const { return m_nCount; }
 
@@ -114,6 +118,7 @@ private:
     int32_t LeafLineStart(int32_t nIndex) const noexcept;
     int32_t LeafFindLine(int32_t nPos, int32_t* pnStart) const noexcept;
 
+    void BuildNode(const int32_t* pLengths, int32_t nCount);
     void Split();
     void Merge() noexcept;
     void Balance();

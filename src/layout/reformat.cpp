@@ -28,15 +28,12 @@ BOOL CZentrelCtrl::Reformat(BOOL bOnlyIfWidthChanged) {
     long length = m_pDoc->GetLength();
     if (length > 0) {
         long topPos = m_nTopLine < m_Lines.m_nCount ? m_Lines.GetLineStart(m_nTopLine) : length;
-        m_Lines.RemoveAll();
-        m_Lines.InsertAt(0, length);
         bool busy = length > kBusyPanelThreshold;
         if (busy) {
             SetBusyText("Reformatting doumcument...");
             ShowBusyPanel(TRUE);
         }
-        LayoutRange scratch{0, 0};
-        WrapLines(m_Options, 0, &scratch, GetOption(OPT_WORDWRAP) ? width : WIDTH_UNLIMITED, 0x7FFFFFFF, &m_Lines);
+        WrapAll(m_Options, GetOption(OPT_WORDWRAP) ? width : WIDTH_UNLIMITED, &m_Lines);
         if (busy) ShowBusyPanel(FALSE);
         m_nTopLine = topPos < length ? m_Lines.FindLine(topPos) : std::max(0L, static_cast<long>(m_Lines.m_nCount) - 1);
     }

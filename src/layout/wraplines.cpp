@@ -3,6 +3,7 @@
 // given number of lines in a row came out unchanged, so an edit costs a scan of a few lines.
 #include <algorithm>
 
+#include "src/layout/linelengthlist.h"
 #include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
 
@@ -10,9 +11,10 @@ namespace {
 
 constexpr unsigned char kTab = '\t', kCR = '\r', kLF = '\n';
 
-// State of one run of the breaker over the line table.
+// State of one run of the breaker over a table of line lengths.
+template <class Table>
 struct WrapRun {
-    CLineIndex& table;
+    Table& table;
     LayoutRange& range;
     long nLines;
     long line = 0;
@@ -81,6 +83,20 @@ struct WrapRun {
 
 void CZentrelCtrl::WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines,
                              CLineIndex* pTable) {
+    WrapLinesIn(dwOptions, nPos, pRange, nWidth, nLines, pTable);
+}
+
+void CZentrelCtrl::WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable) {
+    CLineLengthList list;
+    list.InsertAt(0, m_pDoc->GetLength());
+    LayoutRange scratch{0, 0};
+    WrapLinesIn(dwOptions, 0, &scratch, nWidth, 0x7FFFFFFF, &list);
+    pTable->Build(list.Data(), list.m_nCount);
+}
+
+template <class Table>
+void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines,
+                               Table* pTable) {
     char* text = nullptr;
     m_pDoc->GetTextPointer(&text);
     const long docLen = m_pDoc->GetLength();
@@ -88,7 +104,7 @@ void CZentrelCtrl::WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, lo
         *pRange = {nPos, POS_TO_END};
         return;
     }
-    WrapRun run{*pTable, *pRange, nLines};
+    WrapRun<Table> run{*pTable, *pRange, nLines};
     run.line = std::max(0L, static_cast<long>(pTable->FindLine(nPos)) - 1);
     run.lineStart = pTable->GetLineStart(run.line);
     run.oldLen = pTable->GetAt(run.line);

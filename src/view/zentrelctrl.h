@@ -108,6 +108,10 @@ public:
     long GetWrapWidth();
     void WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, CLineIndex* pTable);
     void RewrapLines(long nPos, LayoutRange* pRange, long nLines);
+    // Lays out the whole text into pTable in one pass: the same breaks as WrapLines from 0.
+    void WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable);
+    template <class Table>
+    void WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, Table* pTable);
     BOOL FindCollapse(long nPos, long* pnStart, long* pnEnd) const;
     void ShowBusyPanel(BOOL bShow);
     void SetBusyText(const char* lpszText);

@@ -414,3 +414,39 @@ TEST(LineBlockPool, GrowsTenSlotsAtATimeAndReusesFreedOnes) {
 }
 
 }  // namespace
+
+TEST(LineIndex, BuildGivesAValidTableThatKeepsWorking) {
+    std::mt19937 rng(7);
+    for (long nLines : {0L, 1L, 600L, 601L, 1201L, 50000L}) {
+        std::vector<int32_t> lengths(static_cast<size_t>(nLines));
+        for (int32_t& n : lengths) n = static_cast<int32_t>(rng() % 90);
+        CLineIndex table;
+        table.InsertAt(0, 5);  // whatever stood there goes
+        table.Build(lengths.data(), nLines);
+        std::string why;
+        ASSERT_TRUE(table.CheckInvariants(&why)) << nLines << ": " << why;
+        ASSERT_EQ(table.m_nCount, nLines);
+        int64_t start = 0;
+        for (long i = 0; i < nLines; i += 97) {
+            EXPECT_EQ(table.GetAt(i), lengths[static_cast<size_t>(i)]);
+        }
+        for (long i = 0; i < nLines; ++i) {
+            ASSERT_EQ(table.GetLineStart(i), start);
+            start += lengths[static_cast<size_t>(i)];
+        }
+        EXPECT_EQ(table.m_nTotal, start);
+        // Ordinary edits on a built table keep every rule.
+        for (int step = 0; step < 2000 && nLines > 0; ++step) {
+            long at = static_cast<long>(rng() % static_cast<unsigned>(table.m_nCount));
+            if (step % 2) table.InsertAt(at, 3);
+            else if (table.m_nCount > 1) table.RemoveAt(at);
+        }
+        ASSERT_TRUE(table.CheckInvariants(&why)) << nLines << ": " << why;
+    }
+    CLineIndex table;
+    table.InsertAt(0, 4);
+    const int32_t bad[] = {3, -1};
+    EXPECT_THROW(table.Build(bad, 2), std::invalid_argument);
+    EXPECT_EQ(table.m_nCount, 1);
+    EXPECT_EQ(table.m_nTotal, 4);
+}

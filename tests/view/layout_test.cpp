@@ -1,0 +1,85 @@
+// The control's line table against its document: whole layouts, repairs after edits.
+#include <cstring>
+#include <random>
+
+#include "platform/testing/testplatform.h"
+#include "tests/view/viewtest.h"
+
+namespace {
+
+std::vector<long> LengthsOf(const CLineIndex& t) {
+    std::vector<long> out;
+    for (long i = 0; i < t.m_nCount; ++i) out.push_back(t.GetAt(i));
+    return out;
+}
+
+class Layout : public ::testing::TestWithParam<bool> {
+protected:
+    void SetUp() override {
+        control = MakeControlThroughFactory();
+        ctrl = AsControl(control.Get());
+        ctrl->SetOption(OPT_WORDWRAP, GetParam());
+        ctrl->CreateControlWindow(nullptr, {0, 0, 360, 200});
+        doc = CreateHtmlDocument();
+        doc->SetText(SamplePage() + "a-long-hyphenated-word\twith tabs\r\nand\n\nblank lines");
+        ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    }
+    void TearDown() override { ctrl->DestroyControlWindow(); }
+    // A fresh layout of the present text.
+    std::vector<long> Fresh() {
+        CLineIndex t;
+        ctrl->WrapAll(ctrl->GetOptionsWord(), GetParam() ? ctrl->GetWrapWidth() : WIDTH_UNLIMITED, &t);
+        return LengthsOf(t);
+    }
+
+    CTestPlatformScope platform;
+    ComPtr<IDispatch> control;
+    CZentrelCtrl* ctrl = nullptr;
+    ComPtr<CHtmlDocument> doc;
+};
+
+TEST_P(Layout, AWholeLayoutIsAFixedPointOfTheBreaker) {
+    std::vector<long> before = LengthsOf(ctrl->Lines());
+    std::string why;
+    ASSERT_TRUE(ctrl->Lines().CheckInvariants(&why)) << why;
+    if (GetParam()) EXPECT_GT(before.size(), 100u);  // 300 pixels of text wrap most of the 66 lines
+    for (long pos = 0; pos < doc->GetLength(); pos += 37) {
+        LayoutRange range{pos, pos};
+        ctrl->RewrapLines(pos, &range, 0x7FFFFFFF);
+        ASSERT_EQ(LengthsOf(ctrl->Lines()), before) << "from " << pos;
+    }
+    EXPECT_EQ(before, Fresh());
+}
+
+TEST_P(Layout, RandomEditsKeepTheTableAValidLayoutOfTheText) {
+    std::mt19937 rng(GetParam() ? 11 : 12);
+    const char* pieces[] = {"x", " ", "-", "\t", "\n", "\r\n", "word ", "<b>bold</b> "};
+    for (int step = 0; step < 400; ++step) {
+        long len = doc->GetLength();
+        long pos = static_cast<long>(rng() % static_cast<unsigned>(len + 1));
+        switch (rng() % 3) {
+            case 0: {
+                const char* p = pieces[rng() % std::size(pieces)];
+                doc->InsertText(pos, p, static_cast<long>(std::strlen(p)), nullptr);
+                break;
+            }
+            case 1:
+                if (pos < len) doc->DeleteText(pos, std::min<long>(len - pos, 1 + rng() % 12), nullptr);
+                break;
+            default:
+                doc->ReplaceText(pos, std::min<long>(len - pos, rng() % 4), "ab c", 4, nullptr);
+        }
+        std::string why;
+        ASSERT_TRUE(ctrl->Lines().CheckInvariants(&why)) << step << ": " << why;
+        ASSERT_EQ(ctrl->Lines().m_nTotal, doc->GetLength()) << step;
+        // Every line but the last ends where the breaker may end one: at a line feed, or with
+        // wrapping, anywhere; without wrapping the table holds exactly the hard lines.
+        if (!GetParam()) ASSERT_EQ(ctrl->GetLineCount(), doc->LineCount()) << step;
+    }
+    ctrl->Reformat(FALSE);
+    EXPECT_EQ(LengthsOf(ctrl->Lines()), Fresh());
+}
+
+INSTANTIATE_TEST_SUITE_P(WordWrap, Layout, ::testing::Bool());
+
+}  // namespace
