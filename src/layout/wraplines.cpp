@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "src/layout/linelengthlist.h"
+#include "src/layout/textreader.h"
 #include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
 
@@ -25,7 +26,7 @@ struct WrapRun {
 
     // Settles the line just scanned; false when the run is over. `endedByLF` says whether the
     // line ended at a line feed (or a collapsed block, which counts as one).
-    bool FinishLine(bool endedByLF, const char* text, long scan, long docLen) {
+    bool FinishLine(bool endedByLF, CTextReader& text, long scan, long docLen) {
         if (newLen < oldLen) {
             long fell = oldLen - newLen;
             table.AddAt(line, -fell);
@@ -55,8 +56,7 @@ struct WrapRun {
             Touched();
         } else {
             ++line;
-            if (line >= table.m_nCount && newLen > 0 &&
-                static_cast<unsigned char>(text[lineStart + newLen - 1]) == kLF) {
+            if (line >= table.m_nCount && newLen > 0 && text.At(lineStart + newLen - 1) == kLF) {
                 table.InsertAt(table.m_nCount, 0);
                 range.nEnd = POS_TO_END;
             }
@@ -97,9 +97,8 @@ void CZentrelCtrl::WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable) {
 template <class Table>
 void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines,
                                Table* pTable) {
-    char* text = nullptr;
-    m_pDoc->GetTextPointer(&text);
-    const long docLen = m_pDoc->GetLength();
+    CTextReader text = nLines == 0x7FFFFFFF ? CTextReader::OverPointer(m_pDoc) : CTextReader::OverCopies(m_pDoc);
+    const long docLen = text.Length();
     if (nPos == docLen) {
         *pRange = {nPos, POS_TO_END};
         return;
@@ -127,7 +126,7 @@ void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, 
                 endedByLF = true;
             }
         } else {
-            auto c = static_cast<unsigned char>(text[scan]);
+            unsigned char c = text.At(scan);
             long size = 1;
             if (IsLeadByte(c)) {
                 // A line may break in front of any double-byte character, which is two columns wide.
