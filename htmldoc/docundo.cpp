@@ -7,22 +7,9 @@ namespace {
 
 // Handed out anew for each use. The group state lives in the document's history, so a group
 // may end through another manager than the one that began it.
-class CUndoManager final : public ISourceUndo {
+class CUndoManager final : public CUnknownImpl<ISourceUndo, IID_ISourceUndo> {
 public:
     explicit CUndoManager(CHtmlDocument* doc) : m_pDoc(doc) {}
-
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_ISourceUndo) return HandOut(static_cast<ISourceUndo*>(this), ppv);
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override {
-        ULONG n = m_refs.Decrement();
-        if (n == 0) delete this;
-        return n;
-    }
 
     HRESULT BeginGroup(const char* title) override {
         m_pDoc->UndoStack().BeginGroup(title ? title : "");
@@ -31,8 +18,7 @@ public:
     HRESULT EndGroup() override { return m_pDoc->UndoStack().EndGroup() ? S_OK : E_UNEXPECTED; }
 
 private:
-    ~CUndoManager() = default;
-    CRefCount m_refs;
+    ~CUndoManager() override = default;
     ComPtr<CHtmlDocument> m_pDoc;
 };
 

@@ -2,13 +2,9 @@
 #pragma once
 #include "src/document/sourcetext.h"
 
-class CSourceChange final : public ISourceChange {
+class CSourceChange final : public CUnknownImpl<ISourceChange, IID_ISourceChange> {
 public:
     CSourceChange(long action, long start, long end) : m_nAction(action), m_range{start, end} {}
-
-    HRESULT QueryInterface(REFIID riid, void** ppv) override;
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override;
 
     long GetAction() override { return m_nAction; }
     HRESULT GetRange(ISourceChangeRange* out) override;
@@ -17,8 +13,7 @@ public:
     IUnknown* AsUnknown() { return static_cast<ISourceChange*>(this); }
 
 private:
-    ~CSourceChange() = default;
-    CRefCount m_refs;
+    ~CSourceChange() override = default;
     long m_nAction;
     ISourceChangeRange m_range;
 };

@@ -25,22 +25,9 @@ const ClassEntry* FindClass(REFCLSID clsid) {
     return nullptr;
 }
 
-class CClassFactory final : public IClassFactory {
+class CClassFactory final : public CUnknownImpl<IClassFactory, IID_IClassFactory> {
 public:
     explicit CClassFactory(ObjectCreator create) : m_create(std::move(create)) {}
-
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_IClassFactory) return HandOut(static_cast<IClassFactory*>(this), ppv);
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override {
-        ULONG n = m_refs.Decrement();
-        if (n == 0) delete this;
-        return n;
-    }
     HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** ppv) override {
         if (!ppv) return E_POINTER;
         *ppv = nullptr;
@@ -55,8 +42,7 @@ public:
     }
 
 private:
-    ~CClassFactory() = default;
-    CRefCount m_refs;
+    ~CClassFactory() override = default;
     ObjectCreator m_create;
 };
 

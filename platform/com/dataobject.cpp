@@ -33,19 +33,6 @@ std::string GetClipboardFormatName(CLIPFORMAT format) {
     return {};
 }
 
-HRESULT CDataObject::QueryInterface(REFIID riid, void** ppv) {
-    if (!ppv) return E_POINTER;
-    if (riid == IID_IUnknown || riid == IID_IDataObject) return HandOut(static_cast<IDataObject*>(this), ppv);
-    *ppv = nullptr;
-    return E_NOINTERFACE;
-}
-
-ULONG CDataObject::Release() {
-    ULONG n = m_refs.Decrement();
-    if (n == 0) delete this;
-    return n;
-}
-
 void CDataObject::SetData(CLIPFORMAT format, std::string bytes) {
     for (auto& [f, data] : m_formats) {
         if (f == format) {

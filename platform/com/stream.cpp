@@ -9,33 +9,14 @@ const IID IID_IStream = MakeGuid("{0000000C-0000-0000-C000-000000000046}");
 namespace {
 
 // Common reference counting and QueryInterface of both stream kinds.
-class CStreamBase : public IStream {
-public:
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        if (riid == IID_IUnknown || riid == IID_IStream) return HandOut(static_cast<IStream*>(this), ppv);
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override {
-        ULONG n = m_refs.Decrement();
-        if (n == 0) delete this;
-        return n;
-    }
-
+class CStreamBase : public CUnknownImpl<IStream, IID_IStream> {
 protected:
-    virtual ~CStreamBase() = default;
-
     // New position for a seek from `base`; false if it would fall before 0.
     static bool SeekTarget(uint64_t base, int64_t move, uint64_t* target) {
         if (move < 0 && static_cast<uint64_t>(-move) > base) return false;
         *target = base + move;
         return true;
     }
-
-private:
-    CRefCount m_refs;
 };
 
 class CMemoryStream final : public CStreamBase {

@@ -7,12 +7,8 @@
 
 #include "platform/com/dataobject.h"
 
-class CDataObject final : public IDataObject {
+class CDataObject final : public CUnknownImpl<IDataObject, IID_IDataObject> {
 public:
-    HRESULT QueryInterface(REFIID riid, void** ppv) override;
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override;
-
     HRESULT GetData(CLIPFORMAT format, std::string* out) override;
     HRESULT QueryGetData(CLIPFORMAT format) override;
     HRESULT EnumFormats(std::vector<CLIPFORMAT>* out) override;
@@ -22,8 +18,7 @@ public:
     void SetText(std::string_view text);
 
 private:
-    ~CDataObject() = default;
-    CRefCount m_refs;
+    ~CDataObject() override = default;
     std::vector<std::pair<CLIPFORMAT, std::string>> m_formats;
 };
 

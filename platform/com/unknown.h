@@ -89,3 +89,28 @@ HRESULT HandOut(I* self, void** ppv) {
     *ppv = self;
     return S_OK;
 }
+
+// Reference counting and QueryInterface of a small object with one interface, which ends when
+// its last reference goes.
+template <class I, const IID& kIid>
+class CUnknownImpl : public I {
+public:
+    HRESULT QueryInterface(REFIID riid, void** ppv) override {
+        if (!ppv) return E_POINTER;
+        if (riid == IID_IUnknown || riid == kIid) return HandOut(static_cast<I*>(this), ppv);
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG AddRef() override { return m_refs.Increment(); }
+    ULONG Release() override {
+        ULONG n = m_refs.Decrement();
+        if (n == 0) delete this;
+        return n;
+    }
+
+protected:
+    virtual ~CUnknownImpl() = default;
+
+private:
+    CRefCount m_refs;
+};
