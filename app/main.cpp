@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QStatusBar>
 #include <cstdio>
+#include <cstdlib>
 
 #include "app/editorwindow.h"
 
@@ -24,6 +25,9 @@ bool HasDisplay() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    // Without a display the view still renders, offscreen, to a picture.
+    if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM"))
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
     QApplication app(argc, argv);
     QString path = argc > 1 ? QString::fromLocal8Bit(argv[1]) : DefaultDocument();
     CEditorWindow window;
