@@ -155,3 +155,23 @@ TEST_F(DocumentBinding, GetTextAnswersOtherProgramsAndSwallowsEditMessages) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(DocumentBinding, BusyCallsNestAndEndWithTheLastPair) {
+    ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    ctrl->m_xTextSink.OnBusy(TRUE, "Loading", 0);
+    ctrl->m_xTextSink.OnBusy(TRUE, "Indenting", 0);
+    EXPECT_EQ(ctrl->GetBusyCount(), 2);
+    EXPECT_EQ(ctrl->m_strBusyText, "Indenting");
+    ctrl->m_xTextSink.OnBusy(FALSE, nullptr, 0);
+    EXPECT_EQ(ctrl->GetBusyCount(), 1);
+    ctrl->m_xTextSink.OnBusy(FALSE, nullptr, 0);
+    EXPECT_EQ(ctrl->GetBusyCount(), 0);
+    // A document that loads a large text brackets the load; the panel is down again afterwards.
+    doc->SetText(std::string(CHtmlDocument::kBusyBytes + 1, 'x'));
+    EXPECT_EQ(ctrl->GetBusyCount(), 0);
+    EXPECT_EQ(ctrl->Lines().m_nTotal, doc->GetLength());
+}
+
+}  // namespace
