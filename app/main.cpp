@@ -4,10 +4,6 @@
 #include <QApplication>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QImage>
-#include <QMainWindow>
-#include <QMenuBar>
-#include <QStatusBar>
 #include <cstdio>
 #include <cstdlib>
 

@@ -97,7 +97,7 @@ void CZentrelCtrl::WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable) {
 template <class Table>
 void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines,
                                Table* pTable) {
-    CTextReader text = nLines == 0x7FFFFFFF ? CTextReader::OverPointer(m_pDoc) : CTextReader::OverCopies(m_pDoc);
+    CTextReader text(m_pDoc);
     const long docLen = text.Length();
     if (nPos == docLen) {
         *pRange = {nPos, POS_TO_END};

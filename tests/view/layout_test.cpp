@@ -83,3 +83,31 @@ TEST_P(Layout, RandomEditsKeepTheTableAValidLayoutOfTheText) {
 INSTANTIATE_TEST_SUITE_P(WordWrap, Layout, ::testing::Bool());
 
 }  // namespace
+
+namespace {
+
+// A text long enough that the breaker's reader leaves its copied windows for the text pointer
+// part-way through, and spans lines across the switch.
+TEST(LayoutOfALongText, HoldsExactlyTheHardLinesWithoutWrap) {
+    CTestPlatformScope platform;
+    ComPtr<IDispatch> control = MakeControlThroughFactory();
+    CZentrelCtrl* ctrl = AsControl(control.Get());
+    ctrl->CreateControlWindow(nullptr, {0, 0, 800, 600});
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    std::string text;
+    for (int i = 0; text.size() < 400000; ++i) text += std::string(static_cast<size_t>(i % 97), 'a') + (i % 3 ? "\n" : "\r\n");
+    doc->SetText(text);
+    ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    EXPECT_EQ(ctrl->GetLineCount(), doc->LineCount());
+    long start = 0;
+    for (long i = 0; i < ctrl->GetLineCount(); ++i) {
+        long hardStart = 0;
+        doc->GetTextLineStart(i, &hardStart);
+        ASSERT_EQ(ctrl->Lines().GetLineStart(i), hardStart) << i;
+        start += ctrl->Lines().GetAt(i);
+    }
+    EXPECT_EQ(start, doc->GetLength());
+    ctrl->DestroyControlWindow();
+}
+
+}  // namespace
