@@ -1,6 +1,7 @@
 #include "platform/window/olecontrol.h"
 
 #include "platform/com/classfactory.h"
+#include "platform/window/paint.h"
 
 namespace {
 
@@ -12,7 +13,10 @@ COLORREF SystemColor(int index) {
         case COLOR_HIGHLIGHT: return 0xD77800;
         case COLOR_HIGHLIGHTTEXT: return 0xFFFFFF;
         case COLOR_BTNFACE: return 0xF0F0F0;
+        case COLOR_BTNSHADOW: return 0xA0A0A0;
         case COLOR_GRAYTEXT: return 0x6D6D6D;
+        case COLOR_BTNTEXT: return 0x000000;
+        case COLOR_3DHIGHLIGHT: return 0xFFFFFF;
         default: return 0x000000;
     }
 }
@@ -200,4 +204,20 @@ COLORREF COleControl::TranslateColor(OLE_COLOR color) {
 
 void COleControl::ThrowError(SCODE scode, const std::string& text) { throw AutomationError(scode, text); }
 
-LRESULT COleControl::DefWindowProc(UINT, WPARAM, LPARAM) { return 0; }
+LRESULT COleControl::DefWindowProc(UINT message, WPARAM, LPARAM) {
+    switch (message) {
+        case WM_PAINT: OnPaint(); return 0;
+        case WM_MOUSEWHEEL: return 1;  // the window's default: its vertical bar scrolls by lines
+        default: return 0;
+    }
+}
+
+void COleControl::OnPaint() {
+    PAINTSTRUCT ps;
+    CDC* dc = BeginPaint(m_hWnd, &ps);
+    if (!dc) return;
+    RECT client;
+    GetClientRect(m_hWnd, &client);
+    OnDraw(dc, client, ps.rcPaint);
+    EndPaint(m_hWnd, &ps);
+}

@@ -9,6 +9,7 @@
 #include "platform/com/automation.h"
 #include "platform/com/events.h"
 #include "platform/com/propbag.h"
+#include "platform/gdi/dc.h"
 #include "platform/window/window.h"
 
 // System colours reach TranslateColor as 0x80000000 | index.
@@ -17,7 +18,10 @@ constexpr int COLOR_WINDOWTEXT = 8;
 constexpr int COLOR_HIGHLIGHT = 13;
 constexpr int COLOR_HIGHLIGHTTEXT = 14;
 constexpr int COLOR_BTNFACE = 15;
+constexpr int COLOR_BTNSHADOW = 16;
 constexpr int COLOR_GRAYTEXT = 17;
+constexpr int COLOR_BTNTEXT = 18;
+constexpr int COLOR_3DHIGHLIGHT = 20;
 COLORREF GetSysColor(int index);
 
 // Stock dispatch ids.
@@ -92,6 +96,13 @@ protected:
     // The names and kinds of the values that DoPropExchange reads, for the check before a load.
     virtual bool CheckPropertyKinds(const CPropertyBag& bag, std::string* error) const;
     virtual void OnEnabledChanged() {}
+    // Draws the control: the whole control occupies rcBounds, and rcInvalid needs painting.
+    // WM_PAINT comes here with the paint context, the client rectangle and the paint's bounds.
+    virtual void OnDraw(CDC* pDC, const RECT& rcBounds, const RECT& rcInvalid) {}
+    // What the container says: FALSE while the control is being designed, not run; and the
+    // name the container gives the control.
+    virtual BOOL AmbientUserMode() const { return TRUE; }
+    virtual std::string AmbientDisplayName() const { return "Zentrel"; }
     // The members beyond the stock ones.
     virtual HRESULT GetOwnIDsOfNames(const std::string& name, DISPID* pDispId);
     virtual HRESULT InvokeOwn(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
@@ -103,6 +114,7 @@ protected:
 
     // Default message handling: what a window does with a message the control does not take.
     LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
+    void OnPaint();
 
     HWND m_hWnd = nullptr;
     // True once the last reference has gone and OnFinalRelease has started.

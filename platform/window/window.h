@@ -6,31 +6,21 @@
 #pragma once
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "platform/com/types.h"
+#include "platform/gdi/geometry.h"
 
 using WPARAM = uintptr_t;
 using LPARAM = intptr_t;
 using LRESULT = intptr_t;
 
+class CDC;
+struct ScrollBarState;
+enum class ChildControlKind;
+
 struct HWND__;
 using HWND = HWND__*;  // an opaque handle; a handle whose window is gone is simply invalid
-
-struct RECT {
-    LONG left = 0, top = 0, right = 0, bottom = 0;
-    LONG Width() const { return right - left; }
-    LONG Height() const { return bottom - top; }
-    bool IsEmpty() const { return right <= left || bottom <= top; }
-    friend bool operator==(const RECT&, const RECT&) = default;
-};
-struct POINT {
-    LONG x = 0, y = 0;
-    friend bool operator==(const POINT&, const POINT&) = default;
-};
-struct SIZE {
-    LONG cx = 0, cy = 0;
-    friend bool operator==(const SIZE&, const SIZE&) = default;
-};
 
 struct MSG {
     HWND hwnd = nullptr;
@@ -113,6 +103,29 @@ public:
     virtual void PostedMessageWaiting() = 0;      // schedule DispatchPostedMessages on the event loop
     virtual void SetFocus() = 0;
     virtual bool HasFocus() const = 0;
+
+    // Painting (platform/window/paint.h). BeginPaint gives a context for what is invalid, which
+    // becomes valid; GetDC one for drawing at other times, shown at once. Both stay the
+    // backend's, and come back through EndPaint and ReleaseDC.
+    virtual CDC* BeginPaint(RECT* rcPaint) = 0;
+    virtual void EndPaint(CDC* dc) = 0;
+    virtual CDC* GetDC() = 0;
+    virtual void ReleaseDC(CDC* dc) = 0;
+    virtual bool GetUpdateRect(RECT* rc) const = 0;
+    virtual void Validate(const RECT* rc) = 0;  // null: the whole client area
+    // Moves the pixels of `scroll` by (dx, dy) inside `clip` and invalidates what is uncovered.
+    virtual void Scroll(int dx, int dy, const RECT& scroll, const RECT& clip) = 0;
+
+    // State that the window layer keeps and the backend shows: the caret (platform/window/caret.h)
+    // of a window that owns it, in client pixels, and the window's scroll bars (scrollbar.h).
+    virtual void CaretChanged(bool shown, const RECT& rc) = 0;
+    virtual void ScrollBarChanged(int bar, const ScrollBarState& state) = 0;
+
+    // Child controls (platform/window/controls.h), and placement of any window.
+    virtual void SetText(const std::string& text) {}
+    virtual void Move(const RECT& rc) {}
+    virtual void Show(bool show) {}
+    virtual void Animate(UINT resourceId, bool play) {}
 };
 
 // The process-wide services a backend supplies.
@@ -124,6 +137,10 @@ public:
     virtual DWORD TickCount() = 0;
     virtual short KeyState(int vk) = 0;  // high bit: down; low bit: toggled
     virtual void Beep(UINT type) = 0;
+    // The toolkit side of a child control of the given kind (platform/window/controls.h).
+    virtual std::unique_ptr<IWindowBackend> CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
+                                                               const RECT& rc) = 0;
+    virtual void SetWaitCursor(bool on) = 0;
 };
 
 // Installs the backend for the process; returns the previous one. The caller keeps ownership.

@@ -1,0 +1,253 @@
+#include "platform/gdi/dc.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/codepage/leadbyte.h"
+
+namespace {
+
+IGdiBackend*& Backend() {
+    static IGdiBackend* backend = nullptr;
+    return backend;
+}
+
+// The lead-byte test of the process code page as a table, made again when the code page changes.
+bool IsLead(BYTE c) {
+    static UINT codePage = 0;
+    static bool table[256];
+    if (UINT now = GetProcessCodePage(); now != codePage) {
+        codePage = now;
+        for (int b = 0; b < 256; ++b) table[b] = IsDBCSLeadByteEx(now, static_cast<BYTE>(b)) != 0;
+    }
+    return table[c];
+}
+
+}  // namespace
+
+IGdiBackend* SetGdiBackend(IGdiBackend* backend) { return std::exchange(Backend(), backend); }
+IGdiBackend* GetGdiBackend() { return Backend(); }
+
+BOOL CFont::CreateFontIndirect(const LOGFONTA* lf) {
+    m_impl.reset();
+    if (!lf || !GetGdiBackend()) return FALSE;
+    m_impl = GetGdiBackend()->CreateFont(*lf);
+    return m_impl ? TRUE : FALSE;
+}
+
+CDC::CDC() = default;
+CDC::~CDC() = default;
+
+// --- Attributes ---
+
+int CDC::SetMapMode(int mode) { return mode == MM_TEXT ? MM_TEXT : 0; }
+
+UINT CDC::SetTextAlign(UINT align) { return std::exchange(m_nTextAlign, align); }
+int CDC::SetBkMode(int mode) { return std::exchange(m_nBkMode, mode); }
+COLORREF CDC::SetTextColor(COLORREF color) { return std::exchange(m_crText, color); }
+COLORREF CDC::SetBkColor(COLORREF color) { return std::exchange(m_crBack, color); }
+
+CFont* CDC::SelectObject(CFont* font) { return font ? std::exchange(m_pFont, font) : nullptr; }
+CPen* CDC::SelectObject(CPen* pen) { return pen ? std::exchange(m_pPen, pen) : nullptr; }
+
+CBitmap* CDC::SelectObject(CBitmap* bitmap) {
+    if (!bitmap) return nullptr;
+    CBitmap* old = std::exchange(m_pBitmap, bitmap);
+    BitmapSelected(bitmap->Impl());
+    UpdateVisible();
+    return old;
+}
+
+const CFontImpl* CDC::DefaultFont() const {
+    static std::shared_ptr<CFontImpl> font;
+    if (!font && GetGdiBackend()) {
+        LOGFONTA lf;
+        lf.lfHeight = 16;
+        lf.lfWeight = FW_NORMAL;
+        font = GetGdiBackend()->CreateFont(lf);
+    }
+    return font.get();
+}
+
+const CFontImpl* CDC::Font() const {
+    if (m_pFont && m_pFont->Impl()) return m_pFont->Impl();
+    return DefaultFont();
+}
+
+// --- Measuring ---
+
+BOOL CDC::GetTextMetrics(TEXTMETRICA* tm) const {
+    const CFontImpl* font = Font();
+    if (!font || !tm) return FALSE;
+    *tm = font->Metrics();
+    return TRUE;
+}
+
+BOOL CDC::GetCharABCWidths(UINT first, UINT last, ABC* out) const {
+    const CFontImpl* font = Font();
+    if (!font || !out || first > last || last > 255 || !font->HasABC()) return FALSE;
+    for (UINT c = first; c <= last; ++c) *out++ = font->Abc(static_cast<BYTE>(c));
+    return TRUE;
+}
+
+BOOL CDC::GetCharWidth(UINT first, UINT last, int* out) const {
+    const CFontImpl* font = Font();
+    if (!font || !out || first > last || last > 255 || !font->HasWidths()) return FALSE;
+    for (UINT c = first; c <= last; ++c) *out++ = font->Advance(static_cast<BYTE>(c));
+    return TRUE;
+}
+
+SIZE CDC::GetTextExtent(const char* text, int count) const {
+    const CFontImpl* font = Font();
+    if (!font) return {};
+    LONG cx = 0;
+    for (int i = 0; i < count; ++i) {
+        const auto c = static_cast<BYTE>(text[i]);
+        if (IsLead(c) && i + 1 < count) {
+            cx += font->DoubleByteAdvance();
+            ++i;
+        } else {
+            cx += font->Advance(c);
+        }
+    }
+    return {cx, font->Metrics().tmHeight};
+}
+
+// --- Drawing ---
+
+BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* text, UINT count) {
+    const CFontImpl* font = Font();
+    if (!font) return FALSE;
+    if ((options & ETO_OPAQUE) && rc) FillPrimitive(*rc, m_crBack);
+    if (!text || count == 0) return TRUE;
+
+    // Per-byte advances: a double-byte character carries its advance on its first byte.
+    m_advances.assign(count, 0);
+    LONG extent = 0;
+    for (UINT i = 0; i < count; ++i) {
+        const auto c = static_cast<BYTE>(text[i]);
+        int advance = font->Advance(c);
+        if (IsLead(c) && i + 1 < count) {
+            advance = font->DoubleByteAdvance();
+            m_advances[i++] = advance;
+        } else {
+            m_advances[i] = advance;
+        }
+        extent += advance;
+    }
+
+    const TEXTMETRICA& tm = font->Metrics();
+    LONG left = x;
+    if ((m_nTextAlign & TA_HORIZONTAL_MASK) == TA_CENTER)
+        left = x - extent / 2;
+    else if ((m_nTextAlign & TA_HORIZONTAL_MASK) == TA_RIGHT)
+        left = x - extent;
+    LONG top = y;
+    if ((m_nTextAlign & TA_VERTICAL_MASK) == TA_BASELINE)
+        top = y - tm.tmAscent;
+    else if ((m_nTextAlign & TA_VERTICAL_MASK) == TA_BOTTOM)
+        top = y - tm.tmHeight;
+
+    const RECT* clip = (options & ETO_CLIPPED) && rc ? rc : nullptr;
+    if (m_nBkMode == OPAQUE) {
+        RECT cells{left, top, left + extent, top + tm.tmHeight};
+        if (clip) cells = IntersectRects(cells, *clip);
+        if (!cells.IsEmpty()) FillPrimitive(cells, m_crBack);
+    }
+    TextRunPrimitive run;
+    run.origin = {left, top + tm.tmAscent};
+    run.text = text;
+    run.count = count;
+    run.advances = m_advances.data();
+    run.font = font;
+    run.color = m_crText;
+    run.clip = clip;
+    TextPrimitive(run);
+    return TRUE;
+}
+
+void CDC::FillSolidRect(const RECT& rc, COLORREF color) {
+    if (!rc.IsEmpty()) FillPrimitive(rc, color);
+}
+
+POINT CDC::MoveTo(int x, int y) { return std::exchange(m_ptCurrent, POINT{x, y}); }
+
+BOOL CDC::LineTo(int x, int y) {
+    POINT to{x, y};
+    if (m_pPen && m_pPen->IsValid() && m_pPen->Style() != PS_NULL) LinePrimitive(m_ptCurrent, to, *m_pPen);
+    m_ptCurrent = to;
+    return TRUE;
+}
+
+BOOL CDC::BitBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, DWORD rop) {
+    return StretchBlt(x, y, cx, cy, src, xSrc, ySrc, cx, cy, rop);
+}
+
+BOOL CDC::StretchBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD rop) {
+    if (!src || rop != SRCCOPY || cx <= 0 || cy <= 0 || cxSrc <= 0 || cySrc <= 0) return FALSE;
+    return BlitPrimitive(RECT{x, y, x + cx, y + cy}, *src, RECT{xSrc, ySrc, xSrc + cxSrc, ySrc + cySrc});
+}
+
+BOOL CDC::InvertRect(const RECT& rc) {
+    if (!rc.IsEmpty()) InvertPrimitive(rc);
+    return TRUE;
+}
+
+// --- Clipping ---
+
+void CDC::SetSystemRegion(const CRgn& rgn) {
+    m_rgnSystem = rgn;
+    m_bHasSystem = true;
+    UpdateVisible();
+}
+
+void CDC::UpdateVisible() {
+    m_rgnVisible = CRgn(DeviceRect());
+    if (m_bHasSystem) m_rgnVisible.Intersect(m_rgnSystem);
+    if (m_bHasClip) m_rgnVisible.Intersect(m_rgnClip);
+    ClipChanged(m_rgnVisible);
+}
+
+int CDC::SelectClipRgn(const CRgn* rgn) {
+    m_bHasClip = rgn != nullptr;
+    if (rgn) m_rgnClip = *rgn;
+    UpdateVisible();
+    return m_rgnVisible.Kind();
+}
+
+int CDC::ExcludeClipRect(const RECT& rc) {
+    if (!m_bHasClip) {
+        // Without a clip region of its own, the context starts from what it can reach now.
+        m_rgnClip = CRgn(DeviceRect());
+        if (m_bHasSystem) m_rgnClip.Intersect(m_rgnSystem);
+        m_bHasClip = true;
+    }
+    m_rgnClip.Subtract(rc);
+    UpdateVisible();
+    return m_rgnVisible.Kind();
+}
+
+int CDC::IntersectClipRect(const RECT& rc) {
+    if (!m_bHasClip) {
+        m_rgnClip = CRgn(rc);
+        m_bHasClip = true;
+    } else {
+        m_rgnClip.Intersect(rc);
+    }
+    UpdateVisible();
+    return m_rgnVisible.Kind();
+}
+
+int CDC::GetClipRgn(CRgn* rgn) const {
+    if (!rgn) return -1;
+    if (!m_bHasClip) return 0;
+    *rgn = m_rgnClip;
+    return 1;
+}
+
+int CDC::GetClipBox(RECT* rc) const {
+    if (rc) *rc = m_rgnVisible.Bounds();
+    return m_rgnVisible.Kind();
+}
+
+BOOL CDC::RectVisible(const RECT& rc) const { return m_rgnVisible.Touches(rc) ? TRUE : FALSE; }

@@ -1,0 +1,142 @@
+// The device context: where drawing goes. The base class keeps the attribute state (colours,
+// alignment, background mode, selected objects, clip region) and does the text layout of
+// ExtTextOut and the extents, so that every backend places text the same way; a backend
+// supplies the device's bounds and a few primitives that put pixels down.
+//
+// Coordinates are in MM_TEXT units, one logical unit per device pixel. Clipping works in two
+// layers, as on the classic platform: the system region (the area a paint may touch, which the
+// window layer sets for a paint context) and the application's clip region (SelectClipRgn,
+// ExcludeClipRect). Drawing reaches only pixels that lie in both, and in the device.
+#pragma once
+#include <memory>
+#include <vector>
+
+#include "platform/gdi/gdiobjects.h"
+#include "platform/gdi/region.h"
+
+// One text run as the base has laid it out, for the backend to draw.
+struct TextRunPrimitive {
+    POINT origin;               // the left end of the baseline of the first character
+    const char* text = nullptr; // bytes in the process code page
+    UINT count = 0;
+    const int* advances = nullptr;  // per byte: the character's advance on its first byte, 0 on a trail byte
+    const CFontImpl* font = nullptr;
+    COLORREF color = 0;
+    const RECT* clip = nullptr;     // ETO_CLIPPED: no ink outside this rectangle; else null
+};
+
+class CDC {
+public:
+    CDC();
+    virtual ~CDC();
+    CDC(const CDC&) = delete;
+    CDC& operator=(const CDC&) = delete;
+
+    // --- Attributes ---
+    int SetMapMode(int mode);  // MM_TEXT only; gives the previous mode, 0 for another mode
+    int GetMapMode() const { return MM_TEXT; }
+    UINT SetTextAlign(UINT align);
+    UINT GetTextAlign() const { return m_nTextAlign; }
+    int SetBkMode(int mode);
+    int GetBkMode() const { return m_nBkMode; }
+    COLORREF SetTextColor(COLORREF color);
+    COLORREF GetTextColor() const { return m_crText; }
+    COLORREF SetBkColor(COLORREF color);
+    COLORREF GetBkColor() const { return m_crBack; }
+    // Each gives the object selected before (null for the context's own default). A font or
+    // pen must stay alive while it is selected; a null argument selects nothing and gives null.
+    CFont* SelectObject(CFont* font);
+    CPen* SelectObject(CPen* pen);
+    CBitmap* SelectObject(CBitmap* bitmap);  // memory contexts: draw on this bitmap from now on
+    CFont* GetCurrentFont() const { return m_pFont; }
+
+    // --- Units: the identity in MM_TEXT; kept so that callers convert where the Parts do ---
+    void DPtoLP(POINT* pts, int count = 1) const {}
+    void DPtoLP(RECT* rc) const {}
+    void DPtoLP(SIZE* size) const {}
+    void LPtoDP(POINT* pts, int count = 1) const {}
+    void LPtoDP(RECT* rc) const {}
+    void LPtoDP(SIZE* size) const {}
+
+    // --- Measuring, with the selected font ---
+    BOOL GetTextMetrics(TEXTMETRICA* tm) const;
+    // The ABC triples of byte values first..last; FALSE for a font without outline data.
+    BOOL GetCharABCWidths(UINT first, UINT last, ABC* out) const;
+    BOOL GetCharWidth(UINT first, UINT last, int* out) const;
+    // Width of the text and the font's height. A double-byte character counts its two bytes as one.
+    SIZE GetTextExtent(const char* text, int count) const;
+
+    // --- Drawing ---
+    // Draws text with its reference point at (x, y) as the text alignment says. ETO_OPAQUE fills
+    // `rc` with the background colour first; ETO_CLIPPED keeps the text inside `rc`. In OPAQUE
+    // background mode the text's own character cells are filled with the background colour too.
+    BOOL ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* text, UINT count);
+    void FillSolidRect(const RECT& rc, COLORREF color);
+    // Lines with the selected pen; the end point is not drawn.
+    POINT MoveTo(int x, int y);
+    BOOL LineTo(int x, int y);
+    BOOL BitBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, DWORD rop);
+    BOOL StretchBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD rop);
+    BOOL InvertRect(const RECT& rc);
+
+    // --- Clipping, in device pixels ---
+    // Null removes the application's clip region.
+    int SelectClipRgn(const CRgn* rgn);
+    int ExcludeClipRect(const RECT& rc);
+    int IntersectClipRect(const RECT& rc);
+    // 1 and a copy of the application's clip region, or 0 when there is none (rgn untouched).
+    int GetClipRgn(CRgn* rgn) const;
+    // Bounds of what drawing can reach now; gives the region kind.
+    int GetClipBox(RECT* rc) const;
+    BOOL RectVisible(const RECT& rc) const;
+
+    // --- Companions ---
+    // A memory context like this one, drawing on nothing until a bitmap is selected; null on failure.
+    virtual std::unique_ptr<CDC> CreateCompatibleDC() = 0;
+    // A bitmap of this device's kind; FALSE on failure.
+    virtual BOOL CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) = 0;
+    virtual bool IsPrinting() const { return false; }
+
+    // --- For the window layer ---
+    // The area a paint may touch; the whole device when not set.
+    void SetSystemRegion(const CRgn& rgn);
+
+protected:
+    // The device's own area: the window's client rectangle, the bitmap's, the page's.
+    virtual RECT DeviceRect() const = 0;
+    // Drawing reaches only `visible` from now on (system region, clip region and device together).
+    virtual void ClipChanged(const CRgn& visible) = 0;
+    virtual void FillPrimitive(const RECT& rc, COLORREF color) = 0;
+    virtual void TextPrimitive(const TextRunPrimitive& run) = 0;
+    virtual void LinePrimitive(POINT from, POINT to, const CPen& pen) = 0;
+    // Copies pixels of `src` (which the caller has checked is a context of the same backend).
+    virtual BOOL BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) = 0;
+    virtual void InvertPrimitive(const RECT& rc) = 0;
+    // A memory context now draws on `bitmap` (null: on nothing). The device rect changes with it.
+    virtual void BitmapSelected(CBitmapImpl* bitmap) {}
+    // The font to use when none is selected.
+    virtual const CFontImpl* DefaultFont() const;
+
+    // The region drawing reaches now.
+    const CRgn& Visible() const { return m_rgnVisible; }
+    // Recomputes the visible region after the device, system region or clip changed.
+    void UpdateVisible();
+
+private:
+    const CFontImpl* Font() const;
+
+    UINT m_nTextAlign = TA_LEFT | TA_TOP;
+    int m_nBkMode = OPAQUE;
+    COLORREF m_crText = 0x000000;
+    COLORREF m_crBack = 0xFFFFFF;
+    CFont* m_pFont = nullptr;
+    CPen* m_pPen = nullptr;
+    CBitmap* m_pBitmap = nullptr;
+    POINT m_ptCurrent{};
+    bool m_bHasSystem = false;
+    CRgn m_rgnSystem;
+    bool m_bHasClip = false;
+    CRgn m_rgnClip;
+    CRgn m_rgnVisible;
+    std::vector<int> m_advances;  // scratch of ExtTextOut
+};

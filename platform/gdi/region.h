@@ -1,0 +1,40 @@
+// A region: a set of pixels kept as disjoint rectangles. Clip regions of device contexts are
+// regions; the operations are the few that clipping needs.
+#pragma once
+#include <vector>
+
+#include "platform/gdi/geometry.h"
+#include "platform/gdi/gditypes.h"
+
+class CRgn {
+public:
+    CRgn() = default;
+    explicit CRgn(const RECT& rc) { CreateRectRgnIndirect(rc); }
+
+    // Makes the region one rectangle (nothing, for an empty one). Always TRUE.
+    BOOL CreateRectRgn(LONG left, LONG top, LONG right, LONG bottom) {
+        return CreateRectRgnIndirect(RECT{left, top, right, bottom});
+    }
+    BOOL CreateRectRgnIndirect(const RECT& rc);
+    void SetEmpty() { m_rects.clear(); }
+
+    // Each of these gives the kind of the result: NULLREGION, SIMPLEREGION or COMPLEXREGION.
+    int Subtract(const RECT& rc);
+    int Intersect(const RECT& rc);
+    int Intersect(const CRgn& other);
+    int Unite(const RECT& rc);
+    int Offset(LONG dx, LONG dy);
+    int Kind() const;
+
+    bool IsEmpty() const { return m_rects.empty(); }
+    // True if any pixel of `rc` lies in the region.
+    bool Touches(const RECT& rc) const;
+    bool Contains(POINT pt) const;
+    RECT Bounds() const;
+    const std::vector<RECT>& Rects() const { return m_rects; }
+
+    friend bool operator==(const CRgn& a, const CRgn& b);
+
+private:
+    std::vector<RECT> m_rects;  // disjoint, none empty
+};
