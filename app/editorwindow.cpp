@@ -1,7 +1,10 @@
 #include "app/editorwindow.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QFileDialog>
+#include <QFontDialog>
+#include <QInputDialog>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
@@ -71,7 +74,12 @@ bool CEditorWindow::OpenFile(const QString& path) {
 }
 
 void CEditorWindow::ShowEvent(const QString& text) {
-    statusBar()->showMessage(QString("%1   |   LineCount %2").arg(text).arg(m_pCtrl->GetLineCount()));
+    // The newest events first; of a burst of one event only the latest shows, so that typing
+    // does not push the other events out.
+    if (!m_events.isEmpty() && m_events.front().startsWith(text.section('(', 0, 0) + "(")) m_events.pop_front();
+    m_events.push_front(text);
+    while (m_events.size() > kShownEvents) m_events.pop_back();
+    statusBar()->showMessage(QString("%1   |   LineCount %2").arg(m_events.join("   ")).arg(m_pCtrl->GetLineCount()));
 }
 
 void CEditorWindow::BuildMenus() {
@@ -86,12 +94,51 @@ void CEditorWindow::BuildMenus() {
         DWORD mask;
     };
     for (Option o : {Option{"&Word wrap", OPT_WORDWRAP}, Option{"&Hidden characters", OPT_DISPLAYALL},
-                     Option{"&Right margin", OPT_RIGHTMARGINVISIBLE}, Option{"&Line numbers", OPT_SHOWLINENUMBER}}) {
+                     Option{"&Right margin", OPT_RIGHTMARGINVISIBLE}, Option{"&Left margin line", OPT_LEFTMARGINVISIBLE},
+                     Option{"Line &numbers", OPT_SHOWLINENUMBER}, Option{"&Smooth paging", OPT_SMOOTHREFRESH},
+                     Option{"&Monochrome", OPT_MONODRAW}}) {
         QAction* action = view->addAction(o.label);
         action->setCheckable(true);
         action->setChecked(m_pCtrl->GetOption(o.mask));
         connect(action, &QAction::toggled, this, [this, mask = o.mask](bool on) { ToggleOption(mask, on); });
     }
+    view->addSeparator();
+    QMenu* highlight = view->addMenu("&Highlighting");
+    auto* styles = new QActionGroup(this);
+    const char* names[] = {"&None", "&Syntax classes", "&Tags"};
+    for (SHORT style = 0; style < 3; ++style) {
+        QAction* action = highlight->addAction(names[style]);
+        action->setCheckable(true);
+        action->setChecked(m_pCtrl->GetHighlightStyle() == style);
+        styles->addAction(action);
+        connect(action, &QAction::triggered, this, [this, style] { m_pCtrl->SetHighlightStyle(style); });
+    }
+    view->addAction("&Font...", this, &CEditorWindow::ChooseFont);
+    view->addAction("Right margin &column...", this, &CEditorWindow::ChooseRightMargin);
+}
+
+void CEditorWindow::ChooseFont() {
+    const FontDesc& now = m_pCtrl->GetEditFont();
+    QFont initial(QString::fromStdString(now.name));
+    initial.setPointSizeF(static_cast<double>(now.height) / 10000.0);
+    initial.setBold(now.weight >= 600);
+    initial.setItalic(now.italic);
+    bool ok = false;
+    const QFont font = QFontDialog::getFont(&ok, initial, this, "Edit font");
+    if (!ok) return;
+    FontDesc desc = now;
+    desc.name = font.family().toStdString();
+    desc.height = static_cast<int64_t>(font.pointSizeF() * 10000.0 + 0.5);
+    desc.weight = static_cast<int16_t>(font.bold() ? 700 : 400);
+    desc.italic = font.italic();
+    m_pCtrl->SetEditFont(desc);
+}
+
+void CEditorWindow::ChooseRightMargin() {
+    bool ok = false;
+    const int column = QInputDialog::getInt(this, "Right margin", "Column of the right margin line:",
+                                            static_cast<int>(m_pCtrl->GetRightMargin()), 0, 2048, 1, &ok);
+    if (ok) m_pCtrl->SetRightMargin(column);
 }
 
 void CEditorWindow::Open() {

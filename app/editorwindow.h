@@ -3,6 +3,7 @@
 #pragma once
 #include <QMainWindow>
 #include <QString>
+#include <QStringList>
 #include <memory>
 
 #include "htmldoc/htmldocument.h"
@@ -26,11 +27,15 @@ private:
     void Open();
     void Save();
     void ToggleOption(DWORD mask, bool on);
+    void ChooseFont();
+    void ChooseRightMargin();
 
     CQtPlatform m_platform;  // the window services of this process; outlives the control's window
     IPlatformBackend* m_pPreviousPlatform = nullptr;
     ComPtr<CHtmlDocument> m_doc;
     CZentrelCtrl* m_pCtrl = nullptr;  // one reference, released in the destructor
     std::unique_ptr<CStatusSink> m_sink;
+    static constexpr int kShownEvents = 4;  // events the status line lists, newest first
+    QStringList m_events;
     DWORD m_dwCookie = 0;
 };

@@ -47,13 +47,12 @@ int CDC::SetBkMode(int mode) { return std::exchange(m_nBkMode, mode); }
 COLORREF CDC::SetTextColor(COLORREF color) { return std::exchange(m_crText, color); }
 COLORREF CDC::SetBkColor(COLORREF color) { return std::exchange(m_crBack, color); }
 
-CFont* CDC::SelectObject(CFont* font) { return font ? std::exchange(m_pFont, font) : nullptr; }
-CPen* CDC::SelectObject(CPen* pen) { return pen ? std::exchange(m_pPen, pen) : nullptr; }
+CFont* CDC::SelectObject(CFont* font) { return std::exchange(m_pFont, font); }
+CPen* CDC::SelectObject(CPen* pen) { return std::exchange(m_pPen, pen); }
 
 CBitmap* CDC::SelectObject(CBitmap* bitmap) {
-    if (!bitmap) return nullptr;
     CBitmap* old = std::exchange(m_pBitmap, bitmap);
-    BitmapSelected(bitmap->Impl());
+    BitmapSelected(bitmap ? bitmap->Impl() : nullptr);
     UpdateVisible();
     return old;
 }

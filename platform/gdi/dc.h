@@ -43,8 +43,9 @@ public:
     COLORREF GetTextColor() const { return m_crText; }
     COLORREF SetBkColor(COLORREF color);
     COLORREF GetBkColor() const { return m_crBack; }
-    // Each gives the object selected before (null for the context's own default). A font or
-    // pen must stay alive while it is selected; a null argument selects nothing and gives null.
+    // Each gives the object selected before (null for the context's own default), so that
+    // selecting what it gave puts the context back. A font or pen must stay alive while it is
+    // selected; null selects the default (the default font, no pen, no bitmap).
     CFont* SelectObject(CFont* font);
     CPen* SelectObject(CPen* pen);
     CBitmap* SelectObject(CBitmap* bitmap);  // memory contexts: draw on this bitmap from now on

@@ -31,3 +31,12 @@ bool CCollapseNode::FindCollapse(long pos, long* start, long* end) const {
     }
     return false;
 }
+
+long CCollapseNode::NextStart(long pos) const {
+    long next = 0x7FFFFFFF;
+    for (const auto& child : m_children) {
+        long s = child->m_range->GetStart();
+        if (s >= pos) next = std::min(next, s);
+    }
+    return next;
+}

@@ -18,6 +18,8 @@ public:
     void RemoveEmpty(ISourceText* doc);
     // The collapsed block that holds `pos`, as its start and end; false if none does.
     bool FindCollapse(long pos, long* start, long* end) const;
+    // The lowest start of a top-level block at or behind `pos`; 0x7FFFFFFF if there is none.
+    long NextStart(long pos) const;
 
 private:
     CZentrelCtrl* m_pOwner = nullptr;

@@ -1,4 +1,6 @@
 // Rebuilding the whole layout: after a change of width, font or a layout setting.
+#include "platform/window/caret.h"
+#include "platform/window/controls.h"
 #include "src/view/zentrelctrl.h"
 
 namespace {
@@ -15,6 +17,7 @@ constexpr long kNoWrapWidth = 0x3FFFFFFF;
 long CZentrelCtrl::GetWrapWidth() {
     if (!GetOption(OPT_WORDWRAP)) return kNoWrapWidth;
     long floor = kMinWrapColumns * m_nCharWidth + m_nIndentSize;
+    // The client rectangle is in the layout's units already: contexts map one unit to a pixel.
     RECT rc;
     if (!HasWindow() || !GetClientRect(m_hWnd, &rc)) return floor;
     return std::max(static_cast<long>(rc.Width()) - m_nIndentSize, floor);
@@ -24,9 +27,11 @@ BOOL CZentrelCtrl::Reformat(BOOL bOnlyIfWidthChanged) {
     if (!m_pDoc || !GetEnabled()) return FALSE;
     long width = GetWrapWidth();
     if (bOnlyIfWidthChanged && width == m_nWrapWidth) return FALSE;
+    if (HasWindow()) HideCaret(m_hWnd);
     m_nWrapWidth = width;
     long length = m_pDoc->GetLength();
     if (length > 0) {
+        BeginWaitCursor();
         long topPos = m_nTopLine < m_Lines.m_nCount ? m_Lines.GetLineStart(m_nTopLine) : length;
         bool busy = length > kBusyPanelThreshold;
         if (busy) {
@@ -36,24 +41,14 @@ BOOL CZentrelCtrl::Reformat(BOOL bOnlyIfWidthChanged) {
         WrapAll(m_Options, GetOption(OPT_WORDWRAP) ? width : WIDTH_UNLIMITED, &m_Lines);
         if (busy) ShowBusyPanel(FALSE);
         m_nTopLine = topPos < length ? m_Lines.FindLine(topPos) : std::max(0L, static_cast<long>(m_Lines.m_nCount) - 1);
+        EndWaitCursor();
     }
     if (HasWindow()) {
         PlaceCaret();
+        ShowCaret(m_hWnd);
         ClampScrollPosition();
         UpdateScrollBars(-1, -1);
     }
     Refresh();
     return TRUE;
 }
-
-void CZentrelCtrl::ShowBusyPanel(BOOL bShow) {
-    // The panel itself, a child window with an animation, comes with the painting code; the
-    // nesting is kept here so that painting knows to show only a flat fill meanwhile.
-    if (bShow) {
-        ++m_nBusyCount;
-    } else if (m_nBusyCount > 0) {
-        --m_nBusyCount;
-    }
-}
-
-void CZentrelCtrl::SetBusyText(const char* lpszText) { m_strBusyText = lpszText ? lpszText : ""; }

@@ -1,7 +1,14 @@
 // The line breaker. It walks the text from the line above a change, works out what each line
 // would be now, and changes the table only where a line's length differs. It stops once a
 // given number of lines in a row came out unchanged, so an edit costs a scan of a few lines.
+//
+// A line ends at a line feed (which stays on it), in front of a collapsed block, behind a whole
+// collapsed block, or where its width reaches the wrap width: then it breaks behind the last
+// space, hyphen or tab, or in front of the last double-byte character, and with no such place,
+// in front of the character that overflowed. CR has no width and is no break opportunity, so a
+// CR and the LF behind it stay together. A tab runs to the next stop, m_nTabPixels apart.
 #include <algorithm>
+#include <cstring>
 
 #include "src/layout/linelengthlist.h"
 #include "src/layout/textreader.h"
@@ -11,6 +18,42 @@
 namespace {
 
 constexpr unsigned char kTab = '\t', kCR = '\r', kLF = '\n';
+
+// What the breaker does with a byte value.
+enum ByteKind : unsigned char { kPlain, kBreakAfter, kLineFeed, kTabStop, kNoWidth, kLead };
+
+struct ByteKinds {
+    ByteKind kind[256];
+    void Build() {
+        for (int c = 0; c < 256; ++c) kind[c] = IsLeadByte(static_cast<BYTE>(c)) ? kLead : kPlain;
+        kind[' '] = kind['-'] = kBreakAfter;
+        kind[kLF] = kLineFeed;
+        kind[kTab] = kTabStop;
+        kind[kCR] = kNoWidth;
+    }
+};
+
+// The byte kinds of the module's code page, made again if the module reads another one.
+const ByteKinds& Kinds() {
+    static ByteKinds kinds;
+    static CPINFO builtFor;
+    static bool built = false;
+    const CPINFO& now = ZentrelApp().m_cpInfo;
+    if (!built || std::memcmp(&now, &builtFor, sizeof now) != 0) {
+        kinds.Build();
+        builtFor = now;
+        built = true;
+    }
+    return kinds;
+}
+
+// How one line came out of the scan.
+struct ScannedLine {
+    long newLen = 0;
+    long scan = 0;          // where the scan stopped
+    bool endedByLF = false; // at a line feed, or behind a whole collapsed block
+    bool runOver = false;   // a lead byte was the last byte of the text: the run stops
+};
 
 // State of one run of the breaker over a table of line lengths.
 template <class Table>
@@ -24,8 +67,7 @@ struct WrapRun {
     long newLen = 0;
     long unchanged = 0;
 
-    // Settles the line just scanned; false when the run is over. `endedByLF` says whether the
-    // line ended at a line feed (or a collapsed block, which counts as one).
+    // Settles the line just scanned; false when the run is over.
     bool FinishLine(bool endedByLF, CTextReader& text, long scan, long docLen) {
         if (newLen < oldLen) {
             long fell = oldLen - newLen;
@@ -79,6 +121,95 @@ struct WrapRun {
     }
 };
 
+// Scans lines for one run of the breaker, in one width table.
+struct LineScanner {
+    CZentrelCtrl& view;
+    CTextReader& text;
+    const LONG* widths;
+    const ByteKinds& kinds;
+    long nWidth;
+    long docLen;
+    long nextBlock;  // the start of the first collapsed block at or behind the scan
+
+    ScannedLine Scan(long lineStart) {
+        ScannedLine out;
+        long scan = lineStart, breakPos = lineStart, x = 0;
+        const long charWidth = view.m_nCharWidth, tabPixels = view.m_nTabPixels;
+        while (scan < docLen) {
+            if (scan >= nextBlock && EndsAtBlock(lineStart, scan, &out)) return out;
+            long avail = 0;
+            const auto* base = reinterpret_cast<const unsigned char*>(text.Span(scan, &avail)) - scan;
+            // The bytes that can be scanned with no look at a collapsed block and no new span.
+            const long stop = std::min({scan + avail, nextBlock, docLen});
+            while (scan < stop) {
+                const unsigned char c = base[scan];
+                long size = 1;
+                switch (kinds.kind[c]) {
+                    case kPlain: x += widths[c]; break;
+                    case kBreakAfter:
+                        x += widths[c];
+                        breakPos = scan + 1;
+                        break;
+                    case kLineFeed:
+                        out.scan = scan + 1;
+                        out.newLen = out.scan - lineStart;
+                        out.endedByLF = true;
+                        return out;
+                    case kTabStop:
+                        breakPos = scan + 1;
+                        x += tabPixels - (x % tabPixels);
+                        break;
+                    case kNoWidth: break;
+                    case kLead:
+                        // A line may break in front of any double-byte character.
+                        breakPos = scan;
+                        size = 2;
+                        x += 2 * charWidth;
+                        break;
+                }
+                scan += size;
+                if (x >= nWidth) {
+                    if (breakPos > lineStart)
+                        scan = breakPos;  // a space, hyphen or tab that overflowed stays on the line
+                    else if (scan - lineStart > size)
+                        scan -= size;     // no break opportunity: the overflowing character moves down
+                    return Ended(lineStart, scan, &out);
+                }
+            }
+        }
+        return Ended(lineStart, scan, &out);
+    }
+
+    // At a collapsed block: true, with the line in *out, if the line ends here.
+    bool EndsAtBlock(long lineStart, long scan, ScannedLine* out) {
+        long blockStart, blockEnd;
+        if (!view.FindCollapse(scan, &blockStart, &blockEnd)) {
+            nextBlock = view.NextCollapseStart(scan + 1);
+            return false;
+        }
+        if (scan > lineStart) {
+            // The line ends in front of the block, which starts the next one.
+            out->scan = scan;
+            out->newLen = scan - lineStart;
+            out->endedByLF = text.At(scan) == kLF;
+        } else {
+            // The whole block is one line, ended as if by a line feed.
+            out->scan = blockEnd;
+            out->newLen = blockEnd - blockStart;
+            out->endedByLF = true;
+            nextBlock = view.NextCollapseStart(blockEnd);
+        }
+        return true;
+    }
+
+    ScannedLine& Ended(long lineStart, long scan, ScannedLine* out) {
+        out->runOver = scan > docLen;  // a lead byte was the last byte of the text
+        out->scan = std::min(scan, docLen);
+        out->newLen = out->scan - lineStart;
+        return *out;
+    }
+};
+
 }  // namespace
 
 void CZentrelCtrl::WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines,
@@ -108,60 +239,23 @@ void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, 
     run.lineStart = pTable->GetLineStart(run.line);
     run.oldLen = pTable->GetAt(run.line);
     run.unchanged = nLines;
-    // One width table for the whole run: wrapping never looks at the style of what it measures.
-    // Without the screen metrics bit the caller has installed the device's metrics in the same table.
-    const LONG* widths = m_WrapMetrics.m_aWidth;
-    (void)dwOptions;
 
-    long scan = run.lineStart, breakPos = run.lineStart, x = 0;
-    while (scan <= docLen) {
-        bool endedByLF = false;
-        long blockStart, blockEnd;
-        if (scan == docLen) {
-            // The byte behind the text is read but means nothing: the last line ends here.
-        } else if (FindCollapse(scan, &blockStart, &blockEnd)) {
-            if (run.newLen == 0) {
-                run.newLen = blockEnd - blockStart;
-                scan = blockEnd;
-                endedByLF = true;
-            }
-        } else {
-            unsigned char c = text.At(scan);
-            long size = 1;
-            if (IsLeadByte(c)) {
-                // A line may break in front of any double-byte character, which is two columns wide.
-                breakPos = scan;
-                size = 2;
-                x += 2 * m_nCharWidth;
-            } else if (c == kLF) {
-                endedByLF = true;
-            } else if (c == kTab) {
-                breakPos = scan + 1;
-                x += m_nTabPixels - (x % m_nTabPixels);
-            } else if (c != kCR) {
-                x += widths[c];
-                if (c == ' ' || c == '-') breakPos = scan + 1;
-            }
-            scan += size;
-            run.newLen += size;
-            if (scan > docLen) break;  // a lead byte was the last byte of the text
-            if (!endedByLF && x >= nWidth) {
-                if (breakPos > run.lineStart) {
-                    // Back to the last break opportunity; a space, hyphen or tab that overflowed stays.
-                    run.newLen -= scan - breakPos;
-                    scan = breakPos;
-                } else if (run.newLen > size) {
-                    // No break opportunity: the character that overflowed starts the next line.
-                    scan -= size;
-                    run.newLen -= size;
-                }
-            } else if (!endedByLF && scan != docLen) {
-                continue;
-            }
-        }
-        if (!run.FinishLine(endedByLF, text, scan, docLen)) break;
-        scan = breakPos = run.lineStart;
-        x = 0;
+    // One width table for the whole run: wrapping never looks at the style of what it measures.
+    // On the screen it is the widest width of each byte over the edit font's faces; a printout
+    // measures in the font of the first byte's format.
+    const LONG* widths = m_WrapMetrics.m_aWidth;
+    if (!(dwOptions & OPT_SCREENMETRICS) && run.lineStart < docLen) {
+        CharFormat format;
+        GetCharFormat(text.At(run.lineStart), run.lineStart, dwOptions, &format);
+        if (const CFontMetrics* metrics = GetFontMetrics(format.dwFont)) widths = metrics->m_aWidth;
+    }
+    LineScanner scanner{*this, text, widths, Kinds(), nWidth, docLen, NextCollapseStart(run.lineStart)};
+
+    for (;;) {
+        ScannedLine scanned = scanner.Scan(run.lineStart);
+        if (scanned.runOver) break;
+        run.newLen = scanned.newLen;
+        if (!run.FinishLine(scanned.endedByLF, text, scanned.scan, docLen)) break;
     }
     if (pTable->m_nCount == 0) pTable->InsertAt(0, 0);
 }
@@ -174,3 +268,5 @@ void CZentrelCtrl::RewrapLines(long nPos, LayoutRange* pRange, long nLines) {
 BOOL CZentrelCtrl::FindCollapse(long nPos, long* pnStart, long* pnEnd) const {
     return m_CollapseRoot.FindCollapse(nPos, pnStart, pnEnd) ? TRUE : FALSE;
 }
+
+long CZentrelCtrl::NextCollapseStart(long nPos) const { return m_CollapseRoot.NextStart(nPos); }

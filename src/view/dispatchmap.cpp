@@ -165,6 +165,40 @@ void AddDocument(Table& t) {
     });
 }
 
+void AddMapping(Table& t) {
+    t.Property(46, "GutterFontWidth", [](CZentrelCtrl& c, const Args&) { return Variant::Long(c.GetGutterFontWidth()); });
+    t.Method(57, "ScrollCaretToView", 0, [](CZentrelCtrl& c, Args&) {
+        c.ScrollCaretIntoView();
+        return Nothing();
+    });
+    t.Method(58, "FindPositionFromPoint", 2, [](CZentrelCtrl& c, Args& a) {
+        return Variant::Long(c.FindPositionFromPoint(ArgLong(a, 0), ArgLong(a, 1)));
+    });
+    t.Method(59, "FindPositionFromCoordinate", 2, [](CZentrelCtrl& c, Args& a) {
+        return Variant::Long(c.FindPositionFromCoordinate(ArgLong(a, 0), ArgLong(a, 1)));
+    });
+    t.Method(63, "FindCoordinateFromPosition", 3, [](CZentrelCtrl& c, Args& a) {
+        long column = 0, row = 0;
+        c.FindCoordinateFromPosition(ArgLong(a, 0), &column, &row);
+        ArgSetOut(a, 1, Variant::Long(column));
+        ArgSetOut(a, 2, Variant::Long(row));
+        return Nothing();
+    });
+    t.Method(65, "ScrollToTop", 0, [](CZentrelCtrl& c, Args&) {
+        c.ScrollToTop();
+        return Nothing();
+    });
+    t.Method(94, "FindPointFromPosition", 3, [](CZentrelCtrl& c, Args& a) {
+        long x = 0, y = 0;
+        const BOOL found = c.FindPointFromPosition(ArgLong(a, 0), &x, &y);
+        if (found) {
+            ArgSetOut(a, 1, Variant::Long(x));
+            ArgSetOut(a, 2, Variant::Long(y));
+        }
+        return Variant::Bool(found != FALSE);
+    });
+}
+
 const Table& ControlTable() {
     static const Table table = [] {
         Table t;
@@ -172,6 +206,7 @@ const Table& ControlTable() {
         AddSettings(t);
         AddFormats(t);
         AddDocument(t);
+        AddMapping(t);
         return t;
     }();
     return table;

@@ -114,7 +114,7 @@ void CZentrelCtrl::SetTabSize(SHORT value) {
     m_nTabSize = value;
     SetModifiedFlag();
     // A new tab size changes the tab width at once, and with it the layout of every tab.
-    RebuildFontCache();
+    m_nTabPixels = m_nTabSize * m_nCharWidth;
     if (HasWindow() && m_pDoc) {
         Reformat(FALSE);
         UpdateScrollBars(-1, -1);
@@ -239,6 +239,8 @@ OLE_COLOR CZentrelCtrl::GetFormatTextColor(SHORT nFormat) const {
 void CZentrelCtrl::SetFormatTextColor(SHORT nFormat, OLE_COLOR color) {
     CheckFormatIndex(nFormat, CTL_E_INVALIDPROPERTYVALUE);
     m_Styles[nFormat].crText = TranslateColor(color);
+    // The right margin line is drawn in the colour of hidden characters.
+    if (nFormat == STYLE_INVISIBLE) m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[nFormat].crText);
     SetModifiedFlag();
     Refresh();
 }

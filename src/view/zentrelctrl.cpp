@@ -110,13 +110,17 @@ LRESULT CZentrelCtrl::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
         case EM_REPLACESEL:
         case EM_GETFIRSTVISIBLELINE: return 0;  // claimed, so that other programs do not edit behind the document's back
         case WM_SOURCE_REPAINT: return OnSourceRepaint(wParam, lParam);
+        case WM_SETFOCUS: OnSetFocus(); return 0;
+        case WM_KILLFOCUS: OnKillFocus(); return 0;
+        case WM_VSCROLL: OnVScroll(LOWORD(wParam), HIWORD(wParam)); return 0;
+        case WM_HSCROLL: OnHScroll(LOWORD(wParam), HIWORD(wParam)); return 0;
         default: return COleControl::WindowProc(hwnd, message, wParam, lParam);
     }
 }
 
 int CZentrelCtrl::OnCreate() {
-    // The tooltip, the hidden-character pen, the drop target and the gutter bitmaps come with
-    // the features that use them.
+    // The tooltip, the drop target and the gutter bitmaps come with the features that use them.
+    m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
     RebuildFontCache();
     StartCodeCompletion();
     return 0;
@@ -144,6 +148,7 @@ void CZentrelCtrl::OnDestroy() {
     if (m_bDestroyed) return;
     StopCodeCompletion();
     m_bDestroyed = TRUE;
+    CloseBusyPanel();
     DetachDocument();
     ClearFontCache();
     DiscardPostedMessages(m_hWnd, ReleasePostedChange);

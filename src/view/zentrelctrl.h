@@ -3,6 +3,7 @@
 // subsystem folders by subject; this header lists every field and every operation.
 #pragma once
 #include <map>
+#include <memory>
 #include <string>
 
 #include "platform/com/propnotify.h"
@@ -15,6 +16,7 @@
 #include "src/layout/layoutrange.h"
 #include "src/layout/lineindex.h"
 #include "src/paint/formatstyle.h"
+#include "src/paint/paintcontext.h"
 #include "src/view/options.h"
 
 extern const CLSID CLSID_Zentrel;
@@ -113,16 +115,73 @@ public:
     template <class Table>
     void WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, Table* pTable);
     BOOL FindCollapse(long nPos, long* pnStart, long* pnEnd) const;
+    // The start of the first collapsed block at or behind nPos; POS_TO_END when there is none.
+    long NextCollapseStart(long nPos) const;
     void ShowBusyPanel(BOOL bShow);
     void SetBusyText(const char* lpszText);
-    void PlaceCaret();
-    void ScrollCaretIntoView();
-    void ClampScrollPosition();
-    void UpdateScrollBars(long nHorz, long nVert);
-    void InvalidateRange(long nStart, long nEnd);
-    void InvalidateGutter();
+    void OpenBusyPanel();
+    void CloseBusyPanel();
+
+    // Fonts (src/layout/fontcache.cpp).
+    void BuildFontCache(CDC* pDC, BOOL bPrinter);
     BOOL RebuildFontCache();
     void ClearFontCache();
+    long GetGutterFontWidth();
+    // The record of a font word, or that of word 0 when the word has none; null for an empty cache.
+    CFontMetrics* GetFontMetrics(DWORD dwFont) const;
+    // The record of exactly this font word, or null.
+    CFontMetrics* FindFontMetrics(DWORD dwFont) const;
+
+    // Mapping between positions and points (src/layout/mapping.cpp).
+    long PositionFromDocPoint(long x, long y);
+    long PositionFromClientPoint(long x, long y);
+    void DocPointFromPosition(long nPos, POINT* pt);
+    void ClientPointFromPosition(long nPos, POINT* pt);
+    void ColumnRowFromPosition(long nPos, POINT* pColumnRow);
+    long GetLineEnd(long nPos);
+    // The line of a position and its start; at the document's end, the last line.
+    long LineOfPosition(long nPos, long docLen, long* pnStart) const;
+    long FindPositionFromPoint(long nX, long nY);
+    long FindPositionFromCoordinate(long nColumn, long nRow);
+    BOOL FindPointFromPosition(long nPosition, long* pnX, long* pnY);
+    void FindCoordinateFromPosition(long nPosition, long* pnColumn, long* pnRow);
+
+    // Scrolling and the caret (src/layout/scrolling.cpp, caret.cpp).
+    BOOL ScrollTo(long nTop, long nLeft);
+    BOOL SmoothScrollTo(long nTop, long nLeft);
+    void ScrollRangeIntoView(long nFirst, long nSecond);
+    void ScrollCaretIntoView();
+    void ScrollToTop() { ScrollTo(0, 0); }
+    void ClampScrollPosition();
+    void UpdateScrollBars(long nWidth, long nHeight);
+    void OnVScroll(int nCode, int nPos);
+    void OnHScroll(int nCode, int nPos);
+    long GetVisibleLines() const;
+    long GetScrollScale() const;
+    void CreateViewCaret();
+    void PlaceCaret();
+    void OnSetFocus();
+    void OnKillFocus();
+    void InvalidateHiddenSelection();
+    // The client rectangle right of the gutter.
+    RECT TextAreaRect() const;
+
+    // --- Painting (src/paint) ---
+    // The format of the character at nPos, whose first byte is c; gives its size in bytes.
+    int GetCharFormat(BYTE c, long nPos, DWORD dwOptions, CharFormat* pFormat);
+    void OnDraw(CDC* pDC, const RECT& rcBounds, const RECT& rcInvalid) override;
+    void PrepareDC(CDC* pDC);
+    void PaintView(CDC* pDC, const RECT& rcBounds, const RECT& rcUpdate, BOOL bBuffered);
+    void PaintBuffered(CDC* pDC, long nScrollX, long nScrollY, const RECT& rcBounds, const RECT& rcUpdate,
+                       BOOL bBuffered);
+    void PaintLines(PaintContext* pCtx);
+    void PaintLine(LinePaint* pLine);
+    void PaintCollapsedLine(LinePaint* pLine, long nBlockStart, long nBlockEnd);
+    void PaintGutterColumn(PaintContext* pCtx, long nWidth);
+    void PaintGutterMarks(LinePaint* pLine);
+    void InvalidateRange(long nFrom, long nTo);
+    void InvalidateGutter();
+    struct RunPainter;
 
     // --- Code completion (src/edit) ---
     // Runs timer 1 in completion mode 1 and stops it in the others.
@@ -205,6 +264,12 @@ private:
     // Helpers of the option setters.
     void OnOptionChanged(DWORD mask, BOOL value);
     void CheckFormatIndex(SHORT nFormat, SCODE scode) const;
+    // Whether selected bytes get the selection's colours under this option word.
+    bool SelectionShows(DWORD dwOptions) const;
+    // The style that the highlight mode gives the character, before any override.
+    CharFormat SyntaxFormat(BYTE c, long nPos);
+    // The format of a tag token under TagHighlight: the tag style, or an exception tag's colours.
+    CharFormat TagTokenFormat(long nTokenStart);
 
 public:
     // Callback parts.
@@ -254,7 +319,9 @@ public:
     CCollapseNode m_CollapseRoot;
     FormatStyleTable m_Styles;
     std::map<std::string, FormatStyle> m_ExceptionTags;  // key: tag name in upper case; font word unused
+    std::map<DWORD, std::unique_ptr<CFontMetrics>> m_FontMetrics;  // by font word
     CFontMetrics m_WrapMetrics;
+    CPen m_penHidden;
 
     // Settings.
     DWORD m_Options = OPTIONS_DEFAULT;
@@ -279,6 +346,8 @@ public:
     ISourceRange* m_pDragRange = nullptr;
     long m_nBusyCount = 0;
     std::string m_strBusyText;
+    HWND m_hwndBusyText = nullptr;
+    HWND m_hwndBusyAnim = nullptr;
 
     // Syntax picker and code completion.
     BYTE m_bPickerOpen = 0;

@@ -1,0 +1,321 @@
+// The painter. It works only from its PaintContext, so that the screen and the print engine
+// call the same code: it fills the gutter and the background, then walks the visible lines of
+// the line table and draws each line's text in runs of one format. Every byte's format comes
+// from GetCharFormat; nothing of the picture or the text is kept between paints.
+#include <algorithm>
+#include <cstdio>
+
+#include "src/layout/textreader.h"
+#include "src/view/module.h"
+#include "src/view/zentrelctrl.h"
+
+namespace {
+
+constexpr unsigned char kTab = '\t', kCR = '\r', kLF = '\n';
+// A run is flushed once it is longer than this; runs stay far below the drawing buffer.
+constexpr long kRunLimit = 400;
+constexpr long kRunBuffer = 2048;
+// Under the symbol font these bytes are a double-headed arrow (a tab) and a return arrow (a CR).
+constexpr char kTabGlyph = static_cast<char>(0xAB);
+constexpr char kReturnGlyph = static_cast<char>(0xBF);
+// An ellipsis in the Windows code pages: the end of a collapsed line that does not fit.
+constexpr char kEllipsis = static_cast<char>(0x85);
+
+bool SameFormat(const CharFormat& a, const CharFormat& b) {
+    return a.crText == b.crText && a.crBack == b.crBack && a.dwFont == b.dwFont;
+}
+
+RECT LineRect(long left, long right, long yTop, long height) {
+    return RECT{static_cast<LONG>(left), static_cast<LONG>(yTop), static_cast<LONG>(right), static_cast<LONG>(yTop + height)};
+}
+
+}  // namespace
+
+// The state of the runs of one line.
+struct CZentrelCtrl::RunPainter {
+    CZentrelCtrl& view;
+    LinePaint& lp;
+    CDC* dc;
+    CTextReader& text;
+    DWORD options;
+    RECT rcLine;      // what is left of the line to paint; its left edge follows the runs
+    long x;           // where the next run starts
+    CharFormat cur{}; // the format on the device
+    long overhang = 0;
+
+    // Puts the format on the device: colours, and the font if the cache has it.
+    void Apply(const CharFormat& format, bool all) {
+        if (all || format.crText != cur.crText) dc->SetTextColor(format.crText);
+        if (all || format.crBack != cur.crBack) dc->SetBkColor(format.crBack);
+        if (all || format.dwFont != cur.dwFont) {
+            if (CFontMetrics* metrics = view.FindFontMetrics(format.dwFont)) {
+                dc->SelectObject(&metrics->m_hFont);
+                overhang = metrics->m_tm.tmOverhang;
+            }
+        }
+        cur = format;
+    }
+
+    void FlushTab() {
+        // The tab runs to the next stop, counted in text coordinates.
+        const long tx = x - lp.xText, stop = view.m_nTabPixels;
+        const long end = lp.xText + tx + stop - (tx % stop);
+        const RECT cell = LineRect(x, end, lp.yTop, view.m_nLineHeight);
+        if (dc->RectVisible(cell)) {
+            if (options & OPT_DISPLAYALL) {
+                const UINT align = dc->SetTextAlign(TA_CENTER | TA_BASELINE);
+                dc->ExtTextOut(static_cast<int>(x + (end - x) / 2), static_cast<int>(lp.yTop + view.m_nAscent),
+                               ETO_OPAQUE | ETO_CLIPPED, &cell, &kTabGlyph, 1);
+                dc->SetTextAlign(align);
+            } else {
+                dc->ExtTextOut(0, 0, ETO_OPAQUE, &cell, nullptr, 0);
+            }
+        }
+        x = end;
+    }
+
+    void FlushText(long runStart, long scan) {
+        char buffer[kRunBuffer];
+        const long count = std::min(scan - runStart, kRunBuffer);
+        for (long i = 0; i < count; ++i) buffer[i] = static_cast<char>(text.At(runStart + i));
+        // A CR shows as a return arrow among hidden characters; otherwise only a selected CR
+        // reaches a run, and shows as one blank cell. Trail bytes are skipped, so that they are
+        // not taken for a CR.
+        for (long i = 0; i < count; ++i) {
+            const auto c = static_cast<unsigned char>(buffer[i]);
+            if (IsLeadByte(c)) {
+                ++i;
+            } else if (c == kCR) {
+                if (!(options & OPT_DISPLAYALL)) {
+                    buffer[i] = ' ';
+                    break;
+                }
+                buffer[i] = kReturnGlyph;
+            }
+        }
+        const long cx = dc->GetTextExtent(buffer, static_cast<int>(count)).cx;
+        const RECT cell = LineRect(x, x + cx, lp.yTop, view.m_nLineHeight);
+        if (dc->RectVisible(cell))
+            dc->ExtTextOut(static_cast<int>(x), static_cast<int>(lp.yTop + view.m_nAscent), ETO_OPAQUE | ETO_CLIPPED, &cell,
+                           buffer, static_cast<UINT>(count));
+        x += cx - overhang;
+    }
+
+    // Draws the bytes from runStart to scan, if any.
+    void Flush(long runStart, long scan) {
+        if (scan <= runStart) return;
+        if (text.At(runStart) == kTab)
+            FlushTab();
+        else
+            FlushText(runStart, scan);
+    }
+
+    bool InSelection(long pos) const {
+        const long low = std::min(view.m_nSelActive, view.m_nSelAnchor), high = std::max(view.m_nSelActive, view.m_nSelAnchor);
+        return pos >= low && pos < high;
+    }
+
+    void Paint() {
+        const long lineEnd = lp.nStart + lp.nLength;
+        const long update = lp.pPaint->prcUpdate->right;
+        CharFormat nxt;
+        long size = view.GetCharFormat(text.At(lp.nStart), lp.nStart, options, &nxt);
+        Apply(nxt, true);
+        long runStart = lp.nStart, scan = lp.nStart + size;
+        bool tabRun = text.At(lp.nStart) == kTab;
+        bool last = false;
+        while (scan <= lineEnd) {
+            bool flush = true;
+            if (scan == lineEnd) {
+                last = true;
+            } else if (!tabRun) {
+                const unsigned char c = text.At(scan);
+                size = view.GetCharFormat(c, scan, options, &nxt);
+                if (c == kCR && !(options & OPT_DISPLAYALL) && !InSelection(scan)) {
+                    last = true;  // a CR ends what the line shows, unless it is selected
+                } else if (!SameFormat(nxt, cur)) {
+                    // a new format starts a new run
+                } else if (c == kTab) {
+                    if (scan == runStart) ++scan;  // a tab is a run of its own
+                } else if (c == kLF) {
+                    last = true;
+                } else {
+                    scan += size;
+                    flush = scan - runStart > kRunLimit;
+                }
+            }
+            if (flush) {
+                Flush(runStart, scan);
+                runStart = scan;
+                tabRun = false;
+                if (last) return;
+            }
+            rcLine.left = std::max<LONG>(rcLine.left, static_cast<LONG>(x));
+            if (x > update || !dc->RectVisible(rcLine)) return;
+            if (!SameFormat(nxt, cur)) Apply(nxt, false);
+        }
+    }
+};
+
+void CZentrelCtrl::PaintLines(PaintContext* pCtx) {
+    CDC* dc = pCtx->pDC;
+    const RECT& bounds = *pCtx->prcBounds;
+    const RECT& update = *pCtx->prcUpdate;
+    const DWORD options = pCtx->dwOptions;
+    const COLORREF clrBack = (options & OPT_MONODRAW) ? 0xFFFFFF : TranslateColor(m_clrBack);
+    const long first = update.top + pCtx->nScrollY;
+    const long firstLine = first / m_nLineHeight, skip = first % m_nLineHeight;
+
+    std::unique_ptr<CDC> mem = dc->CreateCompatibleDC();
+    if (!mem) return;
+    const long gutter = pCtx->nGutter - m_nCharWidth;
+    if (gutter < 1) {
+        dc->FillSolidRect(update, clrBack);
+    } else {
+        PaintGutterColumn(pCtx, gutter);
+        RECT text = update;
+        text.left = static_cast<LONG>(bounds.left - m_nCharWidth + pCtx->nGutter);
+        dc->FillSolidRect(text, clrBack);
+        if (options & OPT_LEFTMARGINVISIBLE) {
+            const COLORREF color = (options & OPT_MONODRAW) ? 0x000000 : GetSysColor(COLOR_BTNSHADOW);
+            const LONG lx = static_cast<LONG>(bounds.left + gutter - 1);
+            dc->FillSolidRect(RECT{lx, update.top, lx + 1, update.bottom}, color);
+        }
+    }
+
+    LinePaint lp;
+    lp.pPaint = pCtx;
+    lp.pMemDC = mem.get();
+    lp.xText = bounds.left - pCtx->nScrollX + pCtx->nGutter;
+    lp.yTop = update.top - skip;
+    const CLineIndex& lines = *pCtx->pLines;
+    if (firstLine >= 0 && firstLine < lines.m_nCount) {
+        lp.nStart = lines.GetLineStart(firstLine);
+        for (lp.nLine = firstLine; lp.nLine < lines.m_nCount; ++lp.nLine) {
+            lp.nLength = lines.GetAt(lp.nLine);
+            PaintLine(&lp);
+            lp.yTop += m_nLineHeight;
+            if (lp.yTop >= update.bottom) break;
+            lp.nStart += lp.nLength;
+        }
+    }
+    if (lp.yTop < update.bottom) {
+        RECT below = update;
+        below.top = static_cast<LONG>(std::max<long>(lp.yTop, update.top));
+        below.left = std::max<LONG>(update.left, static_cast<LONG>(bounds.left + pCtx->nGutter));
+        dc->FillSolidRect(below, clrBack);
+    }
+    if (options & OPT_RIGHTMARGINVISIBLE) {
+        const int mx = static_cast<int>(lp.xText + m_nRightMargin * m_nCharWidth);
+        CPen* old = dc->SelectObject(&m_penHidden);
+        dc->MoveTo(mx, update.top);
+        dc->LineTo(mx, update.bottom);
+        dc->SelectObject(old);
+    }
+    dc->SelectClipRgn(nullptr);
+}
+
+void CZentrelCtrl::PaintLine(LinePaint* pLine) {
+    PaintContext* ctx = pLine->pPaint;
+    CDC* dc = ctx->pDC;
+    const RECT& bounds = *ctx->prcBounds;
+    RECT rcLine = LineRect(ctx->prcUpdate->left, ctx->prcUpdate->right, pLine->yTop, m_nLineHeight);
+    if (!dc->RectVisible(rcLine)) return;
+    long blockStart = 0, blockEnd = 0;
+    const bool collapsed = FindCollapse(pLine->nStart, &blockStart, &blockEnd);
+    const RECT gutter = LineRect(bounds.left, bounds.left + ctx->nGutter, pLine->yTop, m_nLineHeight);
+    if (dc->RectVisible(gutter)) {
+        PaintGutterMarks(pLine);
+        dc->ExcludeClipRect(gutter);  // no text spills into the gutter
+    }
+    rcLine.left = std::max(rcLine.left, gutter.right);
+    if (pLine->nLength == 0 || !dc->RectVisible(rcLine)) return;
+    if (collapsed) {
+        PaintCollapsedLine(pLine, blockStart, blockEnd);
+        return;
+    }
+    RunPainter runs{*this, *pLine, dc, *ctx->pText, ctx->dwOptions, rcLine, pLine->xText};
+    runs.Paint();
+}
+
+void CZentrelCtrl::PaintCollapsedLine(LinePaint* pLine, long, long) {
+    PaintContext* ctx = pLine->pPaint;
+    CDC* dc = ctx->pDC;
+    const RECT& bounds = *ctx->prcBounds;
+    const RECT band = LineRect(bounds.left + ctx->nGutter, ctx->prcUpdate->right, pLine->yTop, m_nLineHeight);
+    const RECT cell = IntersectRects(band, *ctx->prcUpdate);
+    if (cell.IsEmpty()) return;
+    const long low = std::min(m_nSelActive, m_nSelAnchor), high = std::max(m_nSelActive, m_nSelAnchor);
+    const bool selected = pLine->nStart >= low && pLine->nStart < high;
+    CFontMetrics* metrics = GetFontMetrics(m_Styles[STYLE_COLLAPSED].dwFont);
+    if (!metrics) return;
+
+    // The label: the line's text without tabs and line ends, cut with an ellipsis where it
+    // would run past the window.
+    const long limit = bounds.right - bounds.left - m_nCharWidth - ctx->nGutter;
+    long width = metrics->m_aWidth[static_cast<unsigned char>(kEllipsis)];
+    std::string label;
+    CTextReader& text = *ctx->pText;
+    for (long pos = pLine->nStart, end = pLine->nStart + pLine->nLength; pos < end;) {
+        const unsigned char c = text.At(pos);
+        const bool lead = IsLeadByte(c);
+        const long step = lead ? 2 : 1;
+        if (c == kTab || c == kCR || c == kLF) {
+            ++pos;
+            continue;
+        }
+        width += lead ? 2 * m_nCharWidth : metrics->m_aWidth[c];
+        if (width > limit) {
+            label += kEllipsis;
+            break;
+        }
+        label += static_cast<char>(c);
+        if (lead && pos + 1 < end) label += static_cast<char>(text.At(pos + 1));
+        pos += step;
+    }
+
+    COLORREF back = GetSysColor(COLOR_BTNFACE), fore = GetSysColor(COLOR_BTNTEXT);
+    if (selected) std::swap(back, fore);
+    dc->SetBkColor(back);
+    dc->SetTextColor(fore);
+    CFont* old = dc->SelectObject(&metrics->m_hFont);
+    dc->ExtTextOut(static_cast<int>(pLine->xText + m_nCharWidth), static_cast<int>(pLine->yTop + m_nAscent), ETO_OPAQUE, &cell,
+                   label.data(), static_cast<UINT>(label.size()));
+    dc->SelectObject(old);
+    dc->FillSolidRect(RECT{band.left, band.top, band.right, band.top + 1}, GetSysColor(COLOR_3DHIGHLIGHT));
+    dc->FillSolidRect(RECT{band.left, band.bottom - 1, band.right, band.bottom}, GetSysColor(COLOR_BTNSHADOW));
+}
+
+// --- The gutter ---
+
+void CZentrelCtrl::PaintGutterColumn(PaintContext* pCtx, long nWidth) {
+    const RECT& update = *pCtx->prcUpdate;
+    const LONG left = pCtx->prcBounds->left;
+    const COLORREF color = (pCtx->dwOptions & OPT_MONODRAW) ? 0xFFFFFF : GetSysColor(COLOR_BTNFACE);
+    pCtx->pDC->FillSolidRect(RECT{left, update.top, static_cast<LONG>(left + nWidth), update.bottom}, color);
+}
+
+void CZentrelCtrl::PaintGutterMarks(LinePaint* pLine) {
+    PaintContext* ctx = pLine->pPaint;
+    if (!(ctx->dwOptions & OPT_SHOWLINENUMBER) || !m_pDoc) return;
+    // Only the first row of a text line carries its number; wrapped rows do not count.
+    long number = 0, start = -1;
+    m_pDoc->GetTextLine(pLine->nStart, &number);
+    m_pDoc->GetTextLineStart(number, &start);
+    if (start != pLine->nStart) return;
+    char digits[32];
+    const int count = std::snprintf(digits, sizeof digits, "%ld", number + 1);
+    CDC* dc = ctx->pDC;
+    const int bkMode = dc->SetBkMode(TRANSPARENT);
+    const UINT align = dc->SetTextAlign(TA_RIGHT | TA_BASELINE);
+    dc->SetTextColor((ctx->dwOptions & OPT_MONODRAW) ? 0x000000 : TranslateColor(m_Styles[STYLE_LINE_NUMBER].crText));
+    CFont* old = nullptr;
+    CFontMetrics* metrics = FindFontMetrics(m_Styles[STYLE_LINE_NUMBER].dwFont);
+    if (metrics) old = dc->SelectObject(&metrics->m_hFont);
+    const long gutterRight = ctx->prcBounds->left + ctx->nGutter;
+    dc->ExtTextOut(static_cast<int>(gutterRight - m_nCharWidth / 2 - m_nCharWidth), static_cast<int>(pLine->yTop + m_nAscent),
+                   0, nullptr, digits, static_cast<UINT>(count));
+    if (metrics) dc->SelectObject(old);
+    dc->SetTextAlign(align);
+    dc->SetBkMode(bkMode);
+}
