@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/testing/testfont.h"
 #include "platform/window/backend.h"
 
 CTestPlatform::~CTestPlatform() {
@@ -105,16 +106,31 @@ void CTestPlatform::Forget(CTestWindowBackend* window) {
     if (m_hwndFocus == window->m_hwnd) m_hwndFocus = nullptr;
 }
 
-void CTestPlatform::DeliverPaint(HWND hwnd, const RECT& rcUpdate) {
-    if (m_paintHook)
-        m_paintHook(hwnd, rcUpdate);
-    else
-        SendMessage(hwnd, WM_PAINT, 0, 0);
+std::unique_ptr<IWindowBackend> CTestPlatform::CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
+                                                                 const RECT& rc) {
+    auto window = std::make_unique<CTestWindowBackend>(this, hwnd, parent, rc);
+    window->MakeChildControl(kind);
+    m_windows.push_back(window.get());
+    return window;
 }
 
-CTestPlatformScope::CTestPlatformScope() : m_pPrevious(SetPlatformBackend(&m_platform)) {}
+std::vector<HWND> CTestPlatform::ChildControlsOf(HWND parent) const {
+    std::vector<HWND> handles;
+    for (const CTestWindowBackend* window : m_windows)
+        if (window->IsChildControl() && window->Parent() == parent && IsWindow(window->Handle()))
+            handles.push_back(window->Handle());
+    return handles;
+}
+
+std::shared_ptr<CFontImpl> CTestPlatform::CreateFont(const LOGFONTA& lf) { return CTestFont::Create(lf); }
+
+std::unique_ptr<CDC> CTestPlatform::CreateScreenDC() { return CTestDC::Screen(kScreenSize.cx, kScreenSize.cy); }
+
+CTestPlatformScope::CTestPlatformScope()
+    : m_pPrevious(SetPlatformBackend(&m_platform)), m_pPreviousGdi(SetGdiBackend(&m_platform)) {}
 
 CTestPlatformScope::~CTestPlatformScope() {
     m_platform.AbandonAllWindows();
+    SetGdiBackend(m_pPreviousGdi);
     SetPlatformBackend(m_pPrevious);
 }

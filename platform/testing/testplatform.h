@@ -1,15 +1,16 @@
 // The deterministic backend for unit tests: a manual clock that drives timers, settable key
-// states, a beep counter, and focus moved between its windows on request.
+// states, a beep counter, focus moved between its windows on request, the wait cursor's depth,
+// and the drawing layer's fonts (testfont.h) and recording contexts (testdc.h).
 #pragma once
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <vector>
 
+#include "platform/gdi/gdiobjects.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/window.h"
 
-class CTestPlatform : public IPlatformBackend {
+class CTestPlatform : public IPlatformBackend, public IGdiBackend {
 public:
     CTestPlatform() = default;
     // Windows of this platform still open are abandoned (see AbandonAllWindows).
@@ -21,6 +22,19 @@ public:
     DWORD TickCount() override { return static_cast<DWORD>(m_nNow); }
     short KeyState(int vk) override;
     void Beep(UINT type) override;
+    std::unique_ptr<IWindowBackend> CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
+                                                       const RECT& rc) override;
+    void SetWaitCursor(bool on) override { m_nWaitCursor += on ? 1 : -1; }
+
+    // The drawing layer: fonts by the formulas of testfont.h; a screen of kScreenSize.
+    static constexpr SIZE kScreenSize{1280, 1024};
+    std::shared_ptr<CFontImpl> CreateFont(const LOGFONTA& lf) override;
+    std::unique_ptr<CDC> CreateScreenDC() override;
+
+    // How many BeginWaitCursor calls are not yet ended.
+    int WaitCursorDepth() const { return m_nWaitCursor; }
+    // The child controls of a window, in order of creation.
+    std::vector<HWND> ChildControlsOf(HWND parent) const;
 
     // Sets the clock; no timer fires, and running timers keep the time they have left.
     void SetTickCount(DWORD ticks);
@@ -49,15 +63,9 @@ public:
     // of a test that has ended, may be gone.
     void AbandonAllWindows();
 
-    // Paints go through the hook instead of a plain WM_PAINT (wParam 0) when one is set, so that
-    // a drawing layer can hand the handler a device to paint on.
-    using PaintHook = std::function<void(HWND hwnd, const RECT& rcUpdate)>;
-    void SetPaintHook(PaintHook hook) { m_paintHook = std::move(hook); }
-
 private:
     friend class CTestWindowBackend;
     void Forget(CTestWindowBackend* window);
-    void DeliverPaint(HWND hwnd, const RECT& rcUpdate);
     uint64_t Now() const { return m_nNow; }
     // The running timer due first, no later than `limit`; false if none.
     bool NextDueTimer(uint64_t limit, HWND* hwnd, UINT* id, uint64_t* due) const;
@@ -68,11 +76,11 @@ private:
     UINT m_nLastBeep = 0;
     HWND m_hwndFocus = nullptr;
     std::vector<CTestWindowBackend*> m_windows;  // in order of creation
-    PaintHook m_paintHook;
+    int m_nWaitCursor = 0;
 };
 
-// Installs a fresh test platform for its lifetime; on the way out it abandons the windows still
-// open (no WM_DESTROY) and puts the previous backend back.
+// Installs a fresh test platform, as the window and the drawing backend, for its lifetime; on the
+// way out it abandons the windows still open (no WM_DESTROY) and puts the previous backends back.
 class CTestPlatformScope {
 public:
     CTestPlatformScope();
@@ -86,4 +94,5 @@ public:
 private:
     CTestPlatform m_platform;
     IPlatformBackend* m_pPrevious;
+    IGdiBackend* m_pPreviousGdi;
 };

@@ -36,3 +36,17 @@ BOOL RedrawWindow(HWND hwnd, const RECT* rc, UINT flags);
 // `clip` (null: the client area). What the move uncovers becomes invalid; what was invalid
 // moves along. No WM_PAINT is sent from here.
 BOOL ScrollWindow(HWND hwnd, int dx, int dy, const RECT* scroll, const RECT* clip);
+
+// For backends: what ScrollWindow does to a window. The pixels of `from` move to `to`; both lie
+// inside `area`, the part of the scroll rectangle within the clip rectangle, which is all that
+// changes. What the move leaves behind inside `area` is `uncovered`, and becomes invalid.
+struct ScrollPlan {
+    RECT area{};
+    RECT from{};
+    RECT to{};
+    CRgn uncovered;
+};
+ScrollPlan PlanScroll(int dx, int dy, const RECT& scroll, const RECT& clip);
+// An invalid region after the scroll: its part inside the area moves along (and what leaves the
+// area is dropped), the rest stays, and what was uncovered is added.
+void ScrollInvalidRegion(CRgn* invalid, int dx, int dy, const ScrollPlan& plan);

@@ -11,28 +11,15 @@
 // is dropped without being looked at.
 #include <algorithm>
 #include <memory>
-#include <set>
 #include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "platform/window/backend.h"
-#include "platform/window/messagequeue.h"
+#include "platform/window/registry.h"
 #include "platform/window/window.h"
 
 namespace {
-
-struct CWindowRecord {
-    HWND hwnd = nullptr;
-    HWND parent = nullptr;
-    IMessageHandler* pHandler = nullptr;
-    std::unique_ptr<IWindowBackend> pBackend;
-    CMessageQueue queue;
-    std::set<UINT> timers;
-    bool bDestroying = false;  // WM_DESTROY has been sent or is on its way
-    bool bGone = false;        // no longer in the registry
-};
-using RecordPtr = std::shared_ptr<CWindowRecord>;
 
 struct CRegistry {
     std::unordered_map<HWND, RecordPtr> windows;
@@ -47,12 +34,7 @@ CRegistry& Registry() {
     return *registry;
 }
 
-RecordPtr Find(HWND hwnd) {
-    if (!hwnd) return nullptr;
-    auto& windows = Registry().windows;
-    auto it = windows.find(hwnd);
-    return it == windows.end() ? nullptr : it->second;
-}
+RecordPtr Find(HWND hwnd) { return FindRecord(hwnd); }
 
 // The record of a window whose backend exists, or null.
 RecordPtr FindWithBackend(HWND hwnd) {
@@ -60,26 +42,11 @@ RecordPtr FindWithBackend(HWND hwnd) {
     return rec && rec->pBackend ? rec : nullptr;
 }
 
-HWND NewHandle() {
-    uintptr_t n = Registry().nNextHandle++;
-    return reinterpret_cast<HWND>(n);
-}
+void Unregister(HWND hwnd) { UnregisterRecord(hwnd); }
 
-// Takes the record out of the registry. The record itself (and its backend) goes when the last
-// pin is released, which is never inside the map's own erase.
-void Unregister(HWND hwnd) {
-    auto& windows = Registry().windows;
-    auto it = windows.find(hwnd);
-    if (it == windows.end()) return;
-    RecordPtr rec = std::move(it->second);
-    windows.erase(it);
-    rec->bGone = true;
-    rec->queue.TakeAll();
-    rec->timers.clear();
-}
-
+// A child control has no handler: messages to it are answered with 0.
 LRESULT Deliver(const RecordPtr& rec, UINT message, WPARAM wParam, LPARAM lParam) {
-    return rec->pHandler->WindowProc(rec->hwnd, message, wParam, lParam);
+    return rec->pHandler ? rec->pHandler->WindowProc(rec->hwnd, message, wParam, lParam) : 0;
 }
 
 LPARAM SizeParam(const RECT& rc) {
@@ -100,6 +67,41 @@ std::vector<HWND> ChildrenOf(HWND hwnd) {
 
 }  // namespace
 
+RecordPtr FindRecord(HWND hwnd) {
+    if (!hwnd) return nullptr;
+    auto& windows = Registry().windows;
+    auto it = windows.find(hwnd);
+    return it == windows.end() ? nullptr : it->second;
+}
+
+RecordPtr FindLiveRecord(HWND hwnd) {
+    RecordPtr rec = FindRecord(hwnd);
+    return rec && rec->pBackend && !rec->bDestroying ? rec : nullptr;
+}
+
+RecordPtr RegisterRecord(HWND parent, IMessageHandler* handler) {
+    auto rec = std::make_shared<CWindowRecord>();
+    rec->hwnd = reinterpret_cast<HWND>(Registry().nNextHandle++);
+    rec->parent = parent;
+    rec->pHandler = handler;
+    Registry().windows.emplace(rec->hwnd, rec);
+    return rec;
+}
+
+// The record itself (and its backend) goes when the last pin is released, which is never inside
+// the map's own erase.
+void UnregisterRecord(HWND hwnd) {
+    auto& windows = Registry().windows;
+    auto it = windows.find(hwnd);
+    if (it == windows.end()) return;
+    RecordPtr rec = std::move(it->second);
+    windows.erase(it);
+    rec->bGone = true;
+    rec->queue.TakeAll();
+    rec->timers.clear();
+    CaretOwnerGone(hwnd);
+}
+
 IPlatformBackend* SetPlatformBackend(IPlatformBackend* backend) {
     return std::exchange(Registry().pPlatform, backend);
 }
@@ -115,12 +117,7 @@ HWND CreateWindowFor(IMessageHandler* handler, HWND parent, const RECT& rc) {
         RecordPtr parentRec = Find(parent);
         if (!parentRec || parentRec->bDestroying) return nullptr;
     }
-    auto rec = std::make_shared<CWindowRecord>();
-    rec->hwnd = NewHandle();
-    rec->parent = parent;
-    rec->pHandler = handler;
-    Registry().windows.emplace(rec->hwnd, rec);
-
+    RecordPtr rec = RegisterRecord(parent, handler);
     rec->pBackend = platform->CreateWindowBackend(rec->hwnd, parent, rc);
     if (!rec->pBackend) {
         Unregister(rec->hwnd);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/testing/testplatform.h"
+#include "platform/window/paint.h"
 #include "tests/platform/recorder.h"
 
 namespace {
@@ -121,10 +122,14 @@ TEST_F(TestBackendTest, InvalidationIsRecordedAndUpdatePaintsThePendingPart) {
     EXPECT_EQ(window->PendingUpdate(), (RECT{0, 10, 200, 100}));  // the union, within the client
 
     std::vector<RECT> painted;
-    scope->SetPaintHook([&](HWND h, const RECT& rc) {
-        painted.push_back(rc);
-        SendMessage(h, WM_PAINT, 0, 0);
-    });
+    handler.react = [&](HWND h, UINT msg, WPARAM, LPARAM) -> LRESULT {
+        if (msg != WM_PAINT) return 0;
+        PAINTSTRUCT ps;
+        BeginPaint(h, &ps);
+        painted.push_back(ps.rcPaint);
+        EndPaint(h, &ps);
+        return 0;
+    };
     UpdateWindow(hwnd);
     UpdateWindow(hwnd);  // nothing left to paint
     EXPECT_EQ(window->UpdateCount(), 2);

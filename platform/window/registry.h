@@ -1,0 +1,43 @@
+// The handle registry of the window layer: one record per window, shared by the files of this
+// folder. Not for code outside platform/window.
+#pragma once
+#include <memory>
+#include <set>
+#include <string>
+
+#include "platform/window/controls.h"
+#include "platform/window/messagequeue.h"
+#include "platform/window/scrollbar.h"
+#include "platform/window/window.h"
+
+struct CWindowRecord {
+    HWND hwnd = nullptr;
+    HWND parent = nullptr;
+    IMessageHandler* pHandler = nullptr;  // null for a child control: it handles nothing itself
+    std::unique_ptr<IWindowBackend> pBackend;
+    CMessageQueue queue;
+    std::set<UINT> timers;
+    bool bDestroying = false;  // WM_DESTROY has been sent or is on its way
+    bool bGone = false;        // no longer in the registry
+
+    // Child controls: what they are and what they show.
+    bool bControl = false;
+    ChildControlKind kind = ChildControlKind::Static;
+    int nId = 0;
+    UINT nAnimation = 0;  // the resource opened in an animation, 0 before AnimateOpen
+    std::string text;
+    bool bVisible = true;  // child controls start hidden
+    ScrollBarState bars[2];  // SB_HORZ, SB_VERT
+};
+using RecordPtr = std::shared_ptr<CWindowRecord>;
+
+RecordPtr FindRecord(HWND hwnd);
+// The record of a window whose backend exists and that is not on its way out, or null.
+RecordPtr FindLiveRecord(HWND hwnd);
+// Enters a new record under a fresh handle; the caller gives it a backend.
+RecordPtr RegisterRecord(HWND parent, IMessageHandler* handler);
+// Takes the record out of the registry (see window.cpp).
+void UnregisterRecord(HWND hwnd);
+
+// Called as a window leaves the registry, so that the caret it owns goes with it.
+void CaretOwnerGone(HWND hwnd);
