@@ -118,11 +118,14 @@ struct CZentrelCtrl::RunPainter {
     void Paint() {
         const long lineEnd = lp.nStart + lp.nLength;
         const long update = lp.pPaint->prcUpdate->right;
+        // A line that starts with its line end shows nothing: the background stands.
+        const unsigned char first = text.At(lp.nStart);
+        if (first == kLF || (first == kCR && !(options & OPT_DISPLAYALL) && !InSelection(lp.nStart))) return;
         CharFormat nxt;
-        long size = view.GetCharFormat(text.At(lp.nStart), lp.nStart, options, &nxt);
+        long size = view.GetCharFormat(first, lp.nStart, options, &nxt);
         Apply(nxt, true);
         long runStart = lp.nStart, scan = lp.nStart + size;
-        bool tabRun = text.At(lp.nStart) == kTab;
+        bool tabRun = first == kTab;
         bool last = false;
         while (scan <= lineEnd) {
             bool flush = true;

@@ -1,5 +1,5 @@
-// The screen's side of painting: what kind of picture a paint wants, the off-screen bitmap that
-// keeps it from flickering, and invalidating the lines of a range.
+// The screen's side of painting: what kind of picture a paint wants, and the off-screen bitmap
+// that keeps it from flickering.
 #include <algorithm>
 
 #include "platform/gdi/fontobject.h"
@@ -80,26 +80,4 @@ void CZentrelCtrl::PaintBuffered(CDC* pDC, long nScrollX, long nScrollY, const R
     ctx.nScrollX = nScrollX;
     ctx.nScrollY = nScrollY;
     PaintLines(&ctx);
-}
-
-void CZentrelCtrl::InvalidateRange(long nFrom, long nTo) {
-    if (nFrom == nTo || !HasWindow()) return;
-    if (nFrom > nTo) std::swap(nFrom, nTo);
-    const long total = m_Lines.m_nTotal;
-    RECT rc = m_rcClient;
-    const long firstLine = nFrom < total ? m_Lines.FindLine(nFrom) : m_Lines.m_nCount - 1;
-    rc.top = static_cast<LONG>((firstLine - m_nTopLine) * m_nLineHeight);
-    if (nTo < total)
-        rc.bottom = static_cast<LONG>((m_Lines.FindLine(nTo) + 1 - m_nTopLine) * m_nLineHeight);
-    else if (nTo != POS_TO_END)
-        rc.bottom = static_cast<LONG>((m_Lines.m_nCount - m_nTopLine) * m_nLineHeight);
-    rc = IntersectRects(rc, m_rcClient);
-    if (!rc.IsEmpty()) InvalidateControl(&rc);
-}
-
-void CZentrelCtrl::InvalidateGutter() {
-    if (m_nIndentSize <= 0 || !HasWindow()) return;
-    RECT rc = m_rcClient;
-    rc.right = std::min<LONG>(rc.right, m_nIndentSize);
-    InvalidateControl(&rc);
 }

@@ -1,0 +1,104 @@
+// The font cache on the test backend, whose fonts follow fixed formulas (testfont.h): a cell of
+// h pixels, an average width of h / 2, narrow and wide bytes, and one more pixel when bold.
+#include "platform/gdi/fontobject.h"
+#include "tests/view/viewfixture.h"
+
+namespace {
+
+class FontCache : public ViewFixture {};
+
+TEST_F(FontCache, TheDefaultStylesMakeFiveRecordsAndTheViewsNumbers) {
+    Open("text");
+    // Font words 0, bold, italic, symbol and gutter; 12 points ask for an 18-pixel cell.
+    EXPECT_EQ(ctrl->m_FontMetrics.size(), 5u);
+    for (DWORD word : {0u, FONT_BOLD, FONT_ITALIC, FONT_ROLE_SYMBOL, FONT_ROLE_GUTTER})
+        ASSERT_NE(ctrl->FindFontMetrics(word), nullptr) << word;
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_tm.tmHeight, 18);
+    EXPECT_EQ(ctrl->m_nLineHeight, 19);
+    EXPECT_EQ(ctrl->m_nAscent, 14);
+    EXPECT_EQ(ctrl->m_nCharWidth, 9);
+    EXPECT_EQ(ctrl->m_nTabPixels, 5 * 9);
+    EXPECT_TRUE(ctrl->FindFontMetrics(0)->m_bHasABC);
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_aWidth[static_cast<unsigned char>('a')], 9);
+    EXPECT_EQ(ctrl->FindFontMetrics(FONT_BOLD)->m_aWidth[static_cast<unsigned char>('a')], 10);
+}
+
+TEST_F(FontCache, WrapMetricsTakeTheWidestEditFaceAndIgnoreSymbolAndGutterFonts) {
+    // A gutter font far larger than the edit font makes every line higher, but wrapping still
+    // measures in the edit font's faces only.
+    FontDesc big = DefaultGutterFont();
+    big.height = 40 * 10000;
+    Open("text");
+    ctrl->m_fontGutter.InitializeFont(DefaultGutterFont(), &big);
+    ctrl->RebuildFontCache();
+    EXPECT_EQ(ctrl->m_nLineHeight, 47);
+    EXPECT_EQ(ctrl->m_nCharWidth, 23);
+    const auto w = [&](char c) { return ctrl->m_WrapMetrics.m_aWidth[static_cast<unsigned char>(c)]; };
+    EXPECT_EQ(w('a'), 10);  // bold: one more than plain
+    EXPECT_EQ(w('i'), 6);   // narrow, bold
+    EXPECT_EQ(w('m'), 14);  // wide, bold
+}
+
+TEST_F(FontCache, TabStopsFollowTabSizeAndTheAverageWidth) {
+    Open("text");
+    FontDesc small = DefaultEditFont();
+    small.height = 8 * 10000;  // 8 + 6 = a 14-pixel cell, 7 pixels a character
+    small.name = "Courier New";
+    ctrl->m_fontGutter.InitializeFont(DefaultGutterFont(), &small);
+    ctrl->m_fontSymbol.InitializeFont(DefaultSymbolFont(), &small);
+    ctrl->SetEditFont(small);
+    EXPECT_EQ(ctrl->m_nCharWidth, 7);
+    EXPECT_EQ(ctrl->m_nTabPixels, 35);
+    ctrl->SetTabSize(3);
+    EXPECT_EQ(ctrl->m_nTabPixels, 21);  // at once, without a rebuild of the fonts
+}
+
+TEST_F(FontCache, FontsWithoutOutlinesGetMadeUpTriplesThatDoNotWidenSynthesisedStyles) {
+    Open("text");
+    FontDesc raster = DefaultEditFont();
+    raster.name = "Raster Sans";
+    ctrl->SetEditFont(raster);
+    const CFontMetrics* plain = ctrl->FindFontMetrics(0);
+    const CFontMetrics* bold = ctrl->FindFontMetrics(FONT_BOLD);
+    const CFontMetrics* italic = ctrl->FindFontMetrics(FONT_ITALIC);
+    ASSERT_TRUE(plain && bold && italic);
+    EXPECT_FALSE(plain->m_bHasABC);
+    const unsigned char a = 'a';
+    // The device's bold width is 10 with an overhang of 1: the made-up triple takes it back.
+    EXPECT_EQ(bold->m_aABC[a].abcC, -1);
+    EXPECT_EQ(bold->m_aWidth[a], 9);
+    EXPECT_EQ(italic->m_aABC[a].abcA, -1);
+    EXPECT_EQ(italic->m_aWidth[a], 8);
+    EXPECT_EQ(plain->m_aWidth[a], 9);
+}
+
+TEST_F(FontCache, AWordWithoutARecordMeasuresInThePlainFontAndWidthlessFontsUseTheAverage) {
+    Open("text");
+    FontDesc missing = DefaultEditFont();
+    missing.name = "Missing";
+    ctrl->m_fontSymbol.InitializeFont(DefaultSymbolFont(), &missing);
+    ctrl->RebuildFontCache();
+    EXPECT_EQ(ctrl->FindFontMetrics(FONT_ROLE_SYMBOL), nullptr);
+    EXPECT_EQ(ctrl->GetFontMetrics(FONT_ROLE_SYMBOL), ctrl->FindFontMetrics(0));
+
+    FontDesc widthless = DefaultEditFont();
+    widthless.name = "NoWidths";
+    ctrl->SetEditFont(widthless);
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_aWidth[static_cast<unsigned char>('i')], 9);
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_aWidth[static_cast<unsigned char>('m')], 9);
+}
+
+TEST_F(FontCache, AutomationReportsTheGutterFontsAverageWidthAndTheCacheGoesWithTheWindow) {
+    Open("text");
+    // 12 points are a 16-pixel em at 96 pixels an inch: a 20-pixel cell, 10 pixels a character.
+    int32_t width = 0;
+    ASSERT_TRUE(GetProperty(control.Get(), "GutterFontWidth").ToLong(&width));
+    EXPECT_EQ(width, 10);
+    ctrl->DestroyControlWindow();
+    EXPECT_TRUE(ctrl->m_FontMetrics.empty());
+    EXPECT_EQ(ctrl->m_nCharWidth, 1);
+    EXPECT_EQ(ctrl->m_nLineHeight, 1);
+    EXPECT_EQ(ctrl->m_nTabPixels, 40);
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+// A control in a window of the test backend over a reference document, and a document wrapper
+// whose syntax classes a test writes itself.
+#pragma once
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/testing/testplatform.h"
+#include "platform/testing/testwindow.h"
+#include "tests/view/viewtest.h"
+
+// Passes text through to a reference document and answers the syntax interfaces from a script:
+// a class per byte (class 0 where none is set), and tokens that are the runs of one class.
+class CScriptedSyntax final : public IDispatch, public ISourceSyntax, public ISourceTokens {
+public:
+    explicit CScriptedSyntax(CHtmlDocument* doc) : m_doc(doc) {}
+
+    // Gives bytes [start, start + count) the class `k`.
+    void SetClass(long start, long count, long k) {
+        if (static_cast<long>(m_classes.size()) < start + count) m_classes.resize(static_cast<size_t>(start + count), 0);
+        for (long i = 0; i < count; ++i) m_classes[static_cast<size_t>(start + i)] = k;
+    }
+    // The tag name that GetItemAt gives for a tag token starting at `pos`.
+    void SetTagName(long pos, std::string name) { m_tagNames[pos] = std::move(name); }
+
+    HRESULT QueryInterface(REFIID riid, void** ppv) override {
+        if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+        if (riid == IID_ISourceSyntax) return HandOut(static_cast<ISourceSyntax*>(this), ppv);
+        if (riid == IID_ISourceTokens) return HandOut(static_cast<ISourceTokens*>(this), ppv);
+        if (riid == IID_ISourceText) return m_doc->QueryInterface(riid, ppv);
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG AddRef() override { return ++m_refs; }
+    ULONG Release() override { return --m_refs; }
+    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    HRESULT Invoke(DISPID, WORD, std::vector<Variant>&, Variant*, ExcepInfo*) override { return DISP_E_MEMBERNOTFOUND; }
+
+    HRESULT GetSchema(IDispatch** out) override {
+        *out = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT GetItemAt(long pos, long* itemStart, ISourceSyntaxItem** out) override;
+    long GetClassAt(long pos) override {
+        ++classCalls;
+        return pos < static_cast<long>(m_classes.size()) ? m_classes[static_cast<size_t>(pos)] : 0;
+    }
+    HRESULT GetDocItemAt(long, ISourceDocItem** out) override {
+        *out = nullptr;
+        return S_OK;
+    }
+    HRESULT GetToken(long pos, ISourceTokenInfo* out) override {
+        long k = GetClassAt(pos), start = pos, end = pos + 1;
+        while (start > 0 && GetClassAt(start - 1) == k) --start;
+        while (end < static_cast<long>(m_classes.size()) && GetClassAt(end) == k) ++end;
+        *out = {k, start, end - start};
+        return S_OK;
+    }
+
+    long classCalls = 0;
+
+private:
+    CHtmlDocument* m_doc;
+    std::vector<long> m_classes;
+    std::map<long, std::string> m_tagNames;
+    ULONG m_refs = 1;
+};
+
+// A control of the given client size in a test window, with a reference document holding `text`.
+class ViewFixture : public ::testing::Test {
+protected:
+    void Open(const std::string& text, LONG cx = 400, LONG cy = 300, IDispatch* attach = nullptr) {
+        control = MakeControlThroughFactory();
+        ctrl = AsControl(control.Get());
+        ctrl->CreateControlWindow(nullptr, {0, 0, cx, cy});
+        doc = CreateHtmlDocument();
+        doc->SetText(text);
+        ctrl->SetDocument(attach ? attach : static_cast<IDispatch*>(doc.Get()));
+    }
+    void TearDown() override {
+        if (ctrl) ctrl->DestroyControlWindow();
+    }
+    CTestWindowBackend& Window() { return *TestWindow(ctrl->GetSafeHwnd()); }
+    void Focus() { platform->MoveFocus(ctrl->GetSafeHwnd()); }
+    // Paints what is invalid and gives what was drawn.
+    const DrawLog& PaintNow() {
+        Window().ClearDrawn();
+        Window().Paint();
+        return Window().Drawn();
+    }
+
+    CTestPlatformScope platform;
+    ComPtr<IDispatch> control;
+    CZentrelCtrl* ctrl = nullptr;
+    ComPtr<CHtmlDocument> doc;
+};
