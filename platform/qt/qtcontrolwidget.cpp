@@ -16,13 +16,9 @@
 #include "platform/qt/qtkeys.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/qt/qtwindowbackend.h"
+#include "platform/window/scrollbar.h"
 
 namespace {
-
-QtPaintHook& PaintHook() {
-    static QtPaintHook hook;
-    return hook;
-}
 
 // Lines the default wheel handling scrolls per notch.
 constexpr int kWheelLines = 3;
@@ -45,19 +41,7 @@ bool IsTabKey(const QKeyEvent* e) {
 
 }  // namespace
 
-void SetQtPaintHook(QtPaintHook hook) {
-    PaintHook() = std::move(hook);
-}
-
 int CQtControlWidget::s_nDelivering = 0;
-
-class CQtControlWidget::CDelivery {
-public:
-    CDelivery() { ++s_nDelivering; }
-    ~CDelivery() { --s_nDelivering; }
-    CDelivery(const CDelivery&) = delete;
-    CDelivery& operator=(const CDelivery&) = delete;
-};
 
 CQtControlWidget::CQtControlWidget(HWND hwnd, QWidget* parent) : QAbstractScrollArea(parent), m_hwnd(hwnd) {
     setFrameShape(QFrame::NoFrame);
@@ -103,10 +87,6 @@ void CQtControlWidget::InvalidateClient(const RECT* rc) {
     if (area.isEmpty()) return;
     m_rgnPending += area;
     viewport()->update(area);
-}
-
-void CQtControlWidget::PaintPending() {
-    if (!m_rgnPending.isEmpty()) viewport()->repaint(m_rgnPending);
 }
 
 void CQtControlWidget::StartTimer(UINT id, UINT ms) {
@@ -159,16 +139,8 @@ bool CQtControlWidget::viewportEvent(QEvent* e) {
     return QAbstractScrollArea::viewportEvent(e);
 }
 
-void CQtControlWidget::paintEvent(QPaintEvent* e) {
-    m_rgnPending -= e->region();
-    if (!m_hwnd) return;
-    if (const QtPaintHook& hook = PaintHook())
-        hook(m_hwnd, viewport(), e->rect());
-    else
-        Send(WM_PAINT, 0, 0);
-}
-
 void CQtControlWidget::resizeEvent(QResizeEvent*) {
+    EnsureSurface();
     const QSize size = viewport()->size();
     if (size == m_sizeNotified) return;
     m_sizeNotified = size;
@@ -177,11 +149,13 @@ void CQtControlWidget::resizeEvent(QResizeEvent*) {
 
 void CQtControlWidget::focusInEvent(QFocusEvent* e) {
     QAbstractScrollArea::focusInEvent(e);
+    RestartBlink();
     Send(WM_SETFOCUS, 0, 0);
 }
 
 void CQtControlWidget::focusOutEvent(QFocusEvent* e) {
     QAbstractScrollArea::focusOutEvent(e);
+    RestartBlink();
     Send(WM_KILLFOCUS, 0, 0);
 }
 
@@ -294,7 +268,8 @@ void CQtControlWidget::mouseMoveEvent(QMouseEvent* e) {
 }
 
 // WM_MOUSEWHEEL carries the keys and the movement in wParam and the screen point in lParam.
-// A nonzero result asks for the default: the window scrolls by lines, as WM_VSCROLL says.
+// A nonzero result asks for the default: a window whose vertical bar can move scrolls by lines,
+// as WM_VSCROLL says.
 void CQtControlWidget::wheelEvent(QWheelEvent* e) {
     const int delta = e->angleDelta().y();
     if (delta == 0) {
@@ -304,7 +279,9 @@ void CQtControlWidget::wheelEvent(QWheelEvent* e) {
     e->accept();
     const WPARAM keys = MouseKeysFromQt(e->buttons(), e->modifiers());
     const WPARAM wParam = MAKEWPARAM(static_cast<int>(keys), delta);
-    if (Send(WM_MOUSEWHEEL, wParam, PointParam(e->globalPosition())) == 0) return;
+    if (Send(WM_MOUSEWHEEL, wParam, PointParam(e->globalPosition())) == 0 || !m_hwnd) return;
+    ScrollBarState vertical;
+    if (!GetScrollBarState(m_hwnd, SB_VERT, &vertical) || !vertical.visible || !vertical.enabled) return;
     m_nWheelRemainder += delta;
     const int lines = m_nWheelRemainder / WHEEL_DELTA * kWheelLines;
     m_nWheelRemainder %= WHEEL_DELTA;
@@ -313,6 +290,7 @@ void CQtControlWidget::wheelEvent(QWheelEvent* e) {
 }
 
 void CQtControlWidget::timerEvent(QTimerEvent* e) {
+    if (CaretTimerEvent(e)) return;
     for (const auto& [id, qtId] : m_timers) {
         if (qtId != e->timerId()) continue;
         const UINT timerId = id;  // the handler may change m_timers

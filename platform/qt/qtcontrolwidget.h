@@ -1,14 +1,26 @@
 // The Qt widget behind a window: a scroll area whose viewport is the window's client area and
 // which owns both scroll bars. It turns Qt's events into messages to the window's handler.
+//
+// The window's pixels live in a surface image of the client area. Paint and window contexts
+// draw on it, at any time; the viewport's paint event only shows the part Qt asks for, with
+// the caret drawn over it. So drawing outside paint events works, ScrollWindow moves pixels
+// that are really there, and blinking the caret repaints nothing of the window's.
 #pragma once
 #include <QAbstractScrollArea>
+#include <QBasicTimer>
+#include <QImage>
 #include <QRegion>
 #include <QSize>
 #include <map>
+#include <memory>
+#include <vector>
 
+#include "platform/qt/qtdc.h"
 #include "platform/window/window.h"
 
+class CDC;
 class QScrollBar;
+struct ScrollBarState;
 
 class CQtControlWidget : public QAbstractScrollArea {
     Q_OBJECT
@@ -34,6 +46,21 @@ public:
     void StopTimer(UINT id);
     void WakeForPostedMessages();
 
+    // Painting (qtwidgetpaint.cpp).
+    CDC* BeginPaintContext(RECT* rcPaint);
+    void EndPaintContext(CDC* dc);
+    CDC* GetWindowContext();
+    void ReleaseWindowContext(CDC* dc);
+    bool PendingBounds(RECT* rc) const;
+    void ValidateClient(const RECT* rc);
+    void ScrollClient(int dx, int dy, const RECT& scroll, const RECT& clip);
+    void SetCaret(bool shown, const RECT& rc);
+    void SetScrollBar(int bar, const ScrollBarState& state);
+    // The window's pixels, as contexts left them (the caret is not in them).
+    const QImage& Surface() const { return m_surface; }
+    // Whether the caret is drawn now (shown by its count, the window focused, in the blink's on phase).
+    bool CaretVisible() const;
+
 protected:
     bool event(QEvent* e) override;
     bool viewportEvent(QEvent* e) override;
@@ -50,7 +77,14 @@ protected:
     void inputMethodEvent(QInputMethodEvent* e) override;
 
 private:
-    class CDelivery;
+    // Marks the time a Qt event is being delivered to a handler (see IsDelivering).
+    class CDelivery {
+    public:
+        CDelivery() { ++s_nDelivering; }
+        ~CDelivery() { --s_nDelivering; }
+        CDelivery(const CDelivery&) = delete;
+        CDelivery& operator=(const CDelivery&) = delete;
+    };
     LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam);
     bool Pretranslate(QKeyEvent* e, int vk, LPARAM lParam);
     void ShortcutOverride(QKeyEvent* e);
@@ -60,9 +94,32 @@ private:
     void MouseButton(QMouseEvent* e, UINT left, UINT right, UINT middle);
     void ScrollAction(QScrollBar* bar, UINT message, int action);
     void ThumbReleased(QScrollBar* bar, UINT message);
+    void EnsureSurface();
+    QRegion DeliverPaint();
+    void Present(const QRegion& region);
+    void Show(const QRegion& region);
+    CDC* OpenContext(bool paint, const QRegion* system);
+    QRect CloseContext(CDC* dc);
+    bool HasWindowContext() const;
+    void RestartBlink();
+    bool CaretTimerEvent(QTimerEvent* e);
+
+    struct CContext {
+        std::unique_ptr<CQtDC> dc;
+        bool bPaint;  // from BeginPaint, else from GetDC
+    };
 
     HWND m_hwnd;
     QRegion m_rgnPending;             // invalid and not yet painted
+    QImage m_surface;                 // the client area's pixels
+    std::vector<CContext> m_contexts; // paint and window contexts handed out
+    int m_nBeginPaints = 0;
+    bool m_bDelivering = false;       // a WM_PAINT of ours is being handled
+    bool m_bPresentOnly = false;      // a paint event that only shows the surface
+    QRect m_rcCaret;
+    bool m_bCaretShown = false;       // by the caret's count
+    bool m_bCaretOn = true;           // the blink's phase
+    QBasicTimer m_caretTimer;
     std::map<UINT, int> m_timers;     // window timer id to Qt timer id
     bool m_bWakePending = false;
     QSize m_sizeNotified;             // the client size the window last heard of

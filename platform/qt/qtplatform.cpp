@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <utility>
 
+#include "platform/qt/qtchildcontrol.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/qt/qtwindowbackend.h"
@@ -22,21 +23,27 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 
 }  // namespace
 
-CQtPlatform::CQtPlatform() {
+CQtPlatform::CQtPlatform() : m_pPreviousGdi(SetGdiBackend(&m_gdi)) {
     m_clock.start();
 }
 
 CQtPlatform::~CQtPlatform() {
     for (HWND hwnd : m_windows)
-        if (QtBackend(hwnd)) AbandonWindow(hwnd);
+        if (IsWindow(hwnd)) AbandonWindow(hwnd);
+    if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
+}
+
+QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {
+    CQtWindowBackend* backend = QtBackend(hwnd);
+    return backend && backend->Widget() ? backend->Widget()->viewport() : nullptr;
 }
 
 std::unique_ptr<IWindowBackend> CQtPlatform::CreateWindowBackend(HWND hwnd, HWND parent, const RECT& rc) {
     QWidget* parentWidget = nullptr;
     if (std::exchange(m_bParentGiven, false)) {
         parentWidget = std::exchange(m_pGivenParent, nullptr);
-    } else if (CQtWindowBackend* parentBackend = QtBackend(parent)) {
-        if (parentBackend->Widget()) parentWidget = parentBackend->Widget()->viewport();
+    } else {
+        parentWidget = ViewportOf(parent);
     }
     // Handles are never reused, so the list only needs pruning to stay small.
     std::erase_if(m_windows, [](HWND h) { return !IsWindow(h); });
@@ -67,6 +74,21 @@ short CQtPlatform::KeyState(int vk) {
 
 void CQtPlatform::Beep(UINT) {
     QApplication::beep();
+}
+
+std::unique_ptr<IWindowBackend> CQtPlatform::CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
+                                                                const RECT& rc) {
+    QWidget* parentWidget = ViewportOf(parent);
+    if (!parentWidget) return nullptr;
+    m_windows.push_back(hwnd);
+    return std::make_unique<CQtChildControl>(kind, parentWidget, rc);
+}
+
+void CQtPlatform::SetWaitCursor(bool on) {
+    if (on)
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
 }
 
 HWND CQtPlatform::CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc) {

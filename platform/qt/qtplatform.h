@@ -1,8 +1,10 @@
-// The Qt backend: process-wide services from Qt, and windows made of CQtControlWidget.
+// The Qt backend: process-wide services from Qt, windows made of CQtControlWidget, child
+// controls, and the drawing backend (qtgdi.h), which it installs for its lifetime.
 #pragma once
 #include <QElapsedTimer>
 #include <vector>
 
+#include "platform/qt/qtgdi.h"
 #include "platform/window/window.h"
 
 class QWidget;
@@ -22,11 +24,19 @@ public:
     // Shift, Ctrl, Alt and the three mouse buttons, as they are now; other keys read as up.
     short KeyState(int vk) override;
     void Beep(UINT type) override;
+    std::unique_ptr<IWindowBackend> CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
+                                                       const RECT& rc) override;
+    // Each call pushes or pops Qt's override cursor, which nests by itself.
+    void SetWaitCursor(bool on) override;
 
     // CreateWindowFor with a widget as the parent instead of a window.
     HWND CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc);
 
 private:
+    QWidget* ViewportOf(HWND hwnd) const;
+
+    CQtGdiBackend m_gdi;
+    IGdiBackend* m_pPreviousGdi;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/qt/qtcontrolwidget.h"
+#include "platform/qt/qtdc.h"
 
 CQtWindowBackend::CQtWindowBackend(HWND hwnd, QWidget* parent, const RECT& rc)
     : m_pWidget(new CQtControlWidget(hwnd, parent)) {
@@ -53,4 +54,42 @@ void CQtWindowBackend::SetFocus() {
 
 bool CQtWindowBackend::HasFocus() const {
     return m_pWidget && m_pWidget->hasFocus();
+}
+
+CDC* CQtWindowBackend::BeginPaint(RECT* rcPaint) { return m_pWidget ? m_pWidget->BeginPaintContext(rcPaint) : nullptr; }
+
+void CQtWindowBackend::EndPaint(CDC* dc) {
+    if (m_pWidget) m_pWidget->EndPaintContext(dc);
+}
+
+CDC* CQtWindowBackend::GetDC() { return m_pWidget ? m_pWidget->GetWindowContext() : nullptr; }
+
+void CQtWindowBackend::ReleaseDC(CDC* dc) {
+    if (m_pWidget) m_pWidget->ReleaseWindowContext(dc);
+}
+
+bool CQtWindowBackend::GetUpdateRect(RECT* rc) const { return m_pWidget && m_pWidget->PendingBounds(rc); }
+
+void CQtWindowBackend::Validate(const RECT* rc) {
+    if (m_pWidget) m_pWidget->ValidateClient(rc);
+}
+
+void CQtWindowBackend::Scroll(int dx, int dy, const RECT& scroll, const RECT& clip) {
+    if (m_pWidget) m_pWidget->ScrollClient(dx, dy, scroll, clip);
+}
+
+void CQtWindowBackend::CaretChanged(bool shown, const RECT& rc) {
+    if (m_pWidget) m_pWidget->SetCaret(shown, rc);
+}
+
+void CQtWindowBackend::ScrollBarChanged(int bar, const ScrollBarState& state) {
+    if (m_pWidget) m_pWidget->SetScrollBar(bar, state);
+}
+
+void CQtWindowBackend::Move(const RECT& rc) {
+    if (m_pWidget) m_pWidget->setGeometry(QRectFromRect(rc));
+}
+
+void CQtWindowBackend::Show(bool show) {
+    if (m_pWidget) m_pWidget->setVisible(show);
 }

@@ -20,6 +20,17 @@ public:
     void PostedMessageWaiting() override;
     void SetFocus() override;
     bool HasFocus() const override;
+    CDC* BeginPaint(RECT* rcPaint) override;
+    void EndPaint(CDC* dc) override;
+    CDC* GetDC() override;
+    void ReleaseDC(CDC* dc) override;
+    bool GetUpdateRect(RECT* rc) const override;
+    void Validate(const RECT* rc) override;
+    void Scroll(int dx, int dy, const RECT& scroll, const RECT& clip) override;
+    void CaretChanged(bool shown, const RECT& rc) override;
+    void ScrollBarChanged(int bar, const ScrollBarState& state) override;
+    void Move(const RECT& rc) override;
+    void Show(bool show) override;
 
     // Null once Qt has deleted the widget (with its parent, say) ahead of the window.
     CQtControlWidget* Widget() const { return m_pWidget; }

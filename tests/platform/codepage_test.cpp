@@ -4,6 +4,7 @@
 #include "platform/codepage/codepage.h"
 #include "platform/codepage/convert.h"
 #include "platform/codepage/leadbyte.h"
+#include "platform/codepage/symbol.h"
 
 namespace {
 
@@ -226,6 +227,25 @@ TEST(Conversion, LongTextCrossesTheConverterBuffer) {
     std::string sjis = MbFromUtf8(932, text);
     EXPECT_EQ(sjis.size(), 5000u * 9);
     EXPECT_EQ(Utf8FromMb(932, sjis), text);
+}
+
+}  // namespace
+
+namespace {
+
+TEST(SymbolEncoding, ArrowsGreekAndGapsMapAsTheEncodingHasThem) {
+    EXPECT_EQ(UnicodeFromSymbolByte(0xAB), U'\u2194');  // left right arrow: a tab shown
+    EXPECT_EQ(UnicodeFromSymbolByte(0xBF), U'\u21B5');  // return arrow: a CR shown
+    EXPECT_EQ(UnicodeFromSymbolByte('7'), U'7');
+    EXPECT_EQ(UnicodeFromSymbolByte(0x1F), 0u);
+    EXPECT_EQ(UnicodeFromSymbolByte(0x90), 0u);
+    EXPECT_EQ(UnicodeFromSymbolByte(0xFF), 0u);
+    // The Greek capitals and small letters stand 0x20 apart in both encodings, except where the
+    // small row has a variant form (theta and phi symbols, final sigma, pi symbol).
+    for (BYTE b = 0x41; b <= 0x5A; ++b) {
+        if (b == 0x4A || b == 0x56) continue;
+        EXPECT_EQ(UnicodeFromSymbolByte(b + 0x20), UnicodeFromSymbolByte(b) + 0x20) << int(b);
+    }
 }
 
 }  // namespace

@@ -16,6 +16,8 @@
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/window/keys.h"
+#include "platform/window/paint.h"
+#include "platform/window/scrollbar.h"
 #include "tests/platform/recorder.h"
 
 namespace {
@@ -255,12 +257,24 @@ TEST_F(QtWindowTest, WheelGoesToTheWindowAndScrollsByLinesWhenLeftToTheDefault) 
     EXPECT_TRUE(handler.Of(WM_VSCROLL).empty());  // handled: nothing more
 
     answer = 1;
+    wheel(-120);  // the default scrolls only a window whose vertical bar can move
+    EXPECT_TRUE(handler.Of(WM_VSCROLL).empty());
+    SCROLLINFO si;
+    si.fMask = SIF_ALL | SIF_DISABLENOSCROLL;
+    si.nMax = 99;
+    si.nPage = 10;
+    SetScrollInfo(hwnd, SB_VERT, &si, TRUE);
     wheel(-60);  // half a notch: no whole step yet
     EXPECT_TRUE(handler.Of(WM_VSCROLL).empty());
     wheel(-60);
     auto scrolls = handler.Of(WM_VSCROLL);
     ASSERT_EQ(scrolls.size(), 3u);
     EXPECT_EQ(LOWORD(scrolls[0].wParam), SB_LINEDOWN);
+
+    si.nPage = 100;  // disabled: nothing to scroll
+    SetScrollInfo(hwnd, SB_VERT, &si, TRUE);
+    wheel(-120);
+    EXPECT_EQ(handler.Of(WM_VSCROLL).size(), 3u);
 }
 
 TEST_F(QtWindowTest, ScrollBarActionsBecomeScrollMessagesWithoutMovingTheBar) {
@@ -282,25 +296,29 @@ TEST_F(QtWindowTest, ScrollBarActionsBecomeScrollMessagesWithoutMovingTheBar) {
     EXPECT_EQ(LOWORD(handler.Of(WM_HSCROLL)[0].wParam), SB_RIGHT);
 }
 
-TEST_F(QtWindowTest, UpdatePaintsWhatIsInvalidThroughTheHook) {
+TEST_F(QtWindowTest, UpdatePaintsWhatIsInvalidAtOnceAndTheEventLoopPaintsTheRest) {
     HWND hwnd = Create();
     QtWidgetFromHwnd(hwnd)->show();
     ProcessPending();
-    std::vector<QRect> painted;
-    SetQtPaintHook([&](HWND h, QWidget*, const QRect& rc) {
-        if (h == hwnd) painted.push_back(rc);
-    });
+    std::vector<RECT> painted;
+    handler.react = [&](HWND h, UINT msg, WPARAM, LPARAM) -> LRESULT {
+        if (msg != WM_PAINT) return 0;
+        PAINTSTRUCT ps;
+        if (BeginPaint(h, &ps)) painted.push_back(ps.rcPaint);
+        EndPaint(h, &ps);
+        return 0;
+    };
     RECT band{0, 40, 320, 60};
     InvalidateRect(hwnd, &band, FALSE);
     UpdateWindow(hwnd);
-    SetQtPaintHook(nullptr);
     ASSERT_EQ(painted.size(), 1u);
-    EXPECT_EQ(painted[0], QRect(0, 40, 320, 20));
+    EXPECT_EQ(painted[0], band);
 
     handler.log.clear();
     InvalidateRect(hwnd, nullptr, FALSE);
     ASSERT_TRUE(ProcessUntil([&] { return !handler.Of(WM_PAINT).empty(); }));
     EXPECT_EQ(handler.Of(WM_PAINT)[0].wParam, 0u);
+    EXPECT_EQ(painted.back(), kRect);
 }
 
 TEST_F(QtWindowTest, WindowDestroyedByItsOwnKeyHandlerIsSafe) {

@@ -1,0 +1,79 @@
+// The device context of the Qt backend: a QPainter on a QImage (a window's surface or a
+// memory bitmap). Text is drawn as glyph runs at exactly the integer positions the base laid
+// out; nothing is shaped or kerned. Drawing code sees only the painter, so a context over
+// another paint device (a printer) can derive from this class and give its own device.
+#pragma once
+#include <QGlyphRun>
+#include <QImage>
+#include <QPainter>
+#include <memory>
+
+#include "platform/gdi/dc.h"
+
+// A bitmap's pixels. Pixels of a released bitmap go back to a small pool, so that the
+// off-screen bitmap of every paint does not allocate (and fault in) megabytes anew.
+class CQtBitmap : public CBitmapImpl {
+public:
+    CQtBitmap(int cx, int cy);
+    ~CQtBitmap() override;
+    CQtBitmap(const CQtBitmap&) = delete;
+    CQtBitmap& operator=(const CQtBitmap&) = delete;
+    SIZE Size() const override { return {m_image.width(), m_image.height()}; }
+    QImage& Image() { return m_image; }
+
+private:
+    QImage m_image;
+};
+
+class CQtDC : public CDC {
+public:
+    // Draws on `image` (which must outlive the context); null makes a memory context that
+    // draws on nothing until a bitmap is selected.
+    explicit CQtDC(QImage* image);
+    // A context of the screen: measuring only, drawing reaches nothing.
+    static std::unique_ptr<CQtDC> Screen();
+    ~CQtDC() override;
+
+    QImage* Image() const { return m_pImage; }
+    // Bounds of the pixels drawn since the last call; for windows, what needs showing.
+    QRect TakeDrawn();
+
+    std::unique_ptr<CDC> CreateCompatibleDC() override;
+    BOOL CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) override;
+
+protected:
+    RECT DeviceRect() const override;
+    void ClipChanged(const CRgn&) override { m_bClipDirty = true; }
+    void FillPrimitive(const RECT& rc, COLORREF color) override;
+    void TextPrimitive(const TextRunPrimitive& run) override;
+    void LinePrimitive(POINT from, POINT to, const CPen& pen) override;
+    BOOL BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) override;
+    void InvertPrimitive(const RECT& rc) override;
+    void BitmapSelected(CBitmapImpl* bitmap) override;
+    const CFontImpl* DefaultFont() const override;
+
+private:
+    // The painter with the clip of the moment; null when nothing can be drawn.
+    QPainter* Painter();
+    void Start(QImage* image);
+    void Drew(const QRect& rc);
+    void DrawGlyphs(const TextRunPrimitive& run, QPainter& painter);
+    void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);
+
+    QImage* m_pImage;
+    const bool m_bMemory;  // draws on the bitmap selected into it
+    RECT m_rcScreen{};
+    QPainter m_painter;
+    bool m_bClipDirty = true;
+    bool m_bNothingVisible = false;
+    QRect m_rcDrawn;
+    // Kept between runs so that drawing a run allocates nothing.
+    QGlyphRun m_run;
+    QList<quint32> m_glyphs;
+    QList<QPointF> m_positions;
+};
+
+// Colours of the drawing layer as Qt has them.
+inline QColor QColorFromColorRef(COLORREF c) { return QColor(c & 0xFF, (c >> 8) & 0xFF, (c >> 16) & 0xFF); }
+inline QRect QRectFromRect(const RECT& rc) { return QRect(rc.left, rc.top, rc.Width(), rc.Height()); }
+inline RECT RectFromQRect(const QRect& rc) { return {rc.left(), rc.top(), rc.right() + 1, rc.bottom() + 1}; }
