@@ -19,13 +19,18 @@ namespace {
 
 constexpr unsigned char kTab = '\t', kCR = '\r', kLF = '\n';
 
-// What the breaker does with a byte value.
+// What the breaker does with a byte value. The first two are the common ones.
 enum ByteKind : unsigned char { kPlain, kBreakAfter, kLineFeed, kTabStop, kNoWidth, kLead };
 
 struct ByteKinds {
     ByteKind kind[256];
+    bool multiByte = false;
     void Build() {
-        for (int c = 0; c < 256; ++c) kind[c] = IsLeadByte(static_cast<BYTE>(c)) ? kLead : kPlain;
+        multiByte = false;
+        for (int c = 0; c < 256; ++c) {
+            kind[c] = IsLeadByte(static_cast<BYTE>(c)) ? kLead : kPlain;
+            multiByte |= kind[c] == kLead;
+        }
         kind[' '] = kind['-'] = kBreakAfter;
         kind[kLF] = kLineFeed;
         kind[kTab] = kTabStop;
@@ -135,37 +140,41 @@ struct LineScanner {
         ScannedLine out;
         long scan = lineStart, breakPos = lineStart, x = 0;
         const long charWidth = view.m_nCharWidth, tabPixels = view.m_nTabPixels;
+        // Without a width limit in a single-byte code page only a line feed ends a line.
+        const bool lineFeedsOnly = nWidth == WIDTH_UNLIMITED && !kinds.multiByte;
         while (scan < docLen) {
             if (scan >= nextBlock && EndsAtBlock(lineStart, scan, &out)) return out;
             long avail = 0;
-            const auto* base = reinterpret_cast<const unsigned char*>(text.Span(scan, &avail)) - scan;
+            const auto* p = reinterpret_cast<const unsigned char*>(text.Span(scan, &avail));
+            const long spanStart = scan;
             // The bytes that can be scanned with no look at a collapsed block and no new span.
             const long stop = std::min({scan + avail, nextBlock, docLen});
+            if (lineFeedsOnly) {
+                const void* lf = std::memchr(p, kLF, static_cast<size_t>(stop - scan));
+                if (!lf) {
+                    scan = stop;
+                    continue;
+                }
+                return EndedByLineFeed(lineStart, spanStart + (static_cast<const unsigned char*>(lf) - p), &out);
+            }
             while (scan < stop) {
-                const unsigned char c = base[scan];
+                const unsigned char c = p[scan - spanStart];
+                const ByteKind kind = kinds.kind[c];
                 long size = 1;
-                switch (kinds.kind[c]) {
-                    case kPlain: x += widths[c]; break;
-                    case kBreakAfter:
-                        x += widths[c];
-                        breakPos = scan + 1;
-                        break;
-                    case kLineFeed:
-                        out.scan = scan + 1;
-                        out.newLen = out.scan - lineStart;
-                        out.endedByLF = true;
-                        return out;
-                    case kTabStop:
-                        breakPos = scan + 1;
-                        x += tabPixels - (x % tabPixels);
-                        break;
-                    case kNoWidth: break;
-                    case kLead:
-                        // A line may break in front of any double-byte character.
-                        breakPos = scan;
-                        size = 2;
-                        x += 2 * charWidth;
-                        break;
+                if (kind <= kBreakAfter) {
+                    // The common bytes, with no branch on which of the two they are.
+                    x += widths[c];
+                    breakPos = kind == kBreakAfter ? scan + 1 : breakPos;
+                } else if (kind == kLineFeed) {
+                    return EndedByLineFeed(lineStart, scan, &out);
+                } else if (kind == kTabStop) {
+                    breakPos = scan + 1;
+                    x += tabPixels - (x % tabPixels);
+                } else if (kind == kLead) {
+                    // A line may break in front of any double-byte character.
+                    breakPos = scan;
+                    size = 2;
+                    x += 2 * charWidth;
                 }
                 scan += size;
                 if (x >= nWidth) {
@@ -178,6 +187,13 @@ struct LineScanner {
             }
         }
         return Ended(lineStart, scan, &out);
+    }
+
+    ScannedLine& EndedByLineFeed(long lineStart, long lf, ScannedLine* out) {
+        out->scan = lf + 1;
+        out->newLen = out->scan - lineStart;
+        out->endedByLF = true;
+        return *out;
     }
 
     // At a collapsed block: true, with the line in *out, if the line ends here.

@@ -1,0 +1,222 @@
+// The view in a real window (Qt, offscreen without a display), 1000 x 800 pixels with the
+// default fonts, over generated HTML of each size given in megabytes (default 1 10 100):
+//   - a whole layout (Reformat) with word wrap on and off, best of 3 (MB/s);
+//   - a typed character in the middle of the wrapped document through the whole path: edit,
+//     notification, rewrap, invalidation, and the repaint of what was invalidated; and the same
+//     with a full repaint (us, median and p99 over 200);
+//   - a full repaint of the window (ms, median and p99 over 100);
+//   - the line table's memory per line, and the process's memory per byte of text;
+// and once:
+//   - a click at the end of a 5000-byte line (PositionFromClientPoint, us);
+//   - a minified page (one 10 MB line) attached, wrapped and painted (ms).
+// Built with QScintilla, the same workloads run on a QScintilla widget of the same size, font
+// and wrap mode in the same process, and each figure gets its ratio to the peer's
+// (peer time / our time: above 1 means faster than the peer).
+// Usage: bench_view [MEGABYTES...]   (ZENTREL_BENCH_NO_PEER=1 leaves the peer out)
+#include <QApplication>
+#include <QWidget>
+#include <cstdlib>
+#include <malloc.h>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "bench/benchtools.h"
+#include "bench/htmlgen.h"
+#include "htmldoc/htmldocument.h"
+#include "platform/qt/qtplatform.h"
+#include "platform/qt/qtwindow.h"
+#include "platform/window/paint.h"
+#include "src/layout/lineblockpool.h"
+#include "src/view/zentrelctrl.h"
+#ifdef ZENTREL_HAVE_QSCINTILLA
+#include "bench/qscipeer.h"
+#endif
+
+namespace {
+
+using namespace bench;
+
+constexpr LONG kWidth = 1000, kHeight = 800;
+constexpr int kTypedCharacters = 200;
+constexpr int kRepaints = 100;
+
+// Figures of ours by name, for the ratios to the peer.
+std::map<std::string, double>& Ours() {
+    static std::map<std::string, double> figures;
+    return figures;
+}
+
+void Report(const std::string& name, double value, const char* unit) {
+    Ours()[name] = value;
+    Print(name, value, unit);
+}
+
+// The peer's figure for the same workload, with its ratio to ours, put so that above 1 is better
+// for us: the peer's time or memory over ours, or our throughput over the peer's.
+void ReportPeer(const std::string& name, double value, const char* unit) {
+    Print("peer_" + name, value, unit);
+    auto it = Ours().find(name);
+    if (it == Ours().end() || it->second <= 0 || value <= 0) return;
+    const bool throughput = std::string(unit) == "MB/s";
+    Print("ratio_" + name, throughput ? it->second / value : value / it->second, "x");
+}
+
+void ReportMedianAndP99(const std::string& name, const std::vector<double>& samples, const char* unit) {
+    Report(name + "_median", Percentile(samples, 0.5), unit);
+    Report(name + "_p99", Percentile(samples, 0.99), unit);
+}
+
+// The control in a top-level window of its own, over a document.
+class CView {
+public:
+    explicit CView(CHtmlDocument* doc, bool wrap) {
+        m_pCtrl = CreateZentrelCtrl();
+        m_pCtrl->SetOption(OPT_WORDWRAP, wrap);
+        m_hwnd = CreateQtChildWindow(m_pCtrl, nullptr, {0, 0, kWidth, kHeight});
+        QtWidgetFromHwnd(m_hwnd)->show();
+        QApplication::processEvents();
+        m_pCtrl->SetDocument(static_cast<IDispatch*>(doc));
+        QApplication::processEvents();
+    }
+    ~CView() {
+        m_pCtrl->SetDocument(nullptr);
+        m_pCtrl->DestroyControlWindow();
+        m_pCtrl->Release();
+        QApplication::processEvents();
+    }
+    CZentrelCtrl* operator->() const { return m_pCtrl; }
+    HWND Hwnd() const { return m_hwnd; }
+    void RepaintAll() {
+        InvalidateRect(m_hwnd, nullptr, FALSE);
+        UpdateWindow(m_hwnd);
+    }
+
+private:
+    CZentrelCtrl* m_pCtrl;
+    HWND m_hwnd;
+};
+
+double LineTableBytes(const CLineIndex& table) {
+    const CLineBlockPool& pool = CLineBlock::Pool();
+    const double blocks = double(pool.GetUsedCount()) * double(pool.GetSlotSize());
+    const double nodes = double(CLineIndex::GetChildArrayCount()) * 2.0 * sizeof(CLineIndex);
+    return blocks + nodes;
+}
+
+void MeasureLayout(CView& view, bool wrap, double megabytes, const std::string& tag) {
+    view->SetOption(OPT_WORDWRAP, wrap);
+    double best = 1e9;
+    for (int i = 0; i < 3; ++i) {
+        const auto t0 = Clock::now();
+        view->Reformat(FALSE);
+        best = std::min(best, SecondsSince(t0));
+    }
+    Report("reformat_" + std::string(wrap ? "wrap" : "nowrap") + "_" + tag, megabytes / best, "MB/s");
+}
+
+// Types characters in the middle, each repainted before the next.
+void MeasureTyping(CView& view, CHtmlDocument* doc, const std::string& tag, bool fullRepaint) {
+    const long mid = doc->GetLength() / 2;
+    view->SetSelection(mid, mid);
+    view->ScrollRangeIntoView(mid, mid);
+    UpdateWindow(view.Hwnd());
+    std::vector<double> micros;
+    for (int i = 0; i < kTypedCharacters; ++i) {
+        const auto t0 = Clock::now();
+        view->m_pSelection->ReplaceText("x", 1, &view->m_xTextSink);
+        if (fullRepaint) InvalidateRect(view.Hwnd(), nullptr, FALSE);
+        UpdateWindow(view.Hwnd());
+        micros.push_back(MicrosSince(t0));
+    }
+    ReportMedianAndP99((fullRepaint ? "type_full_repaint_" : "type_") + tag, micros, "us");
+}
+
+void MeasureRepaint(CView& view, const std::string& tag) {
+    std::vector<double> millis;
+    for (int i = 0; i < kRepaints; ++i) {
+        const auto t0 = Clock::now();
+        view.RepaintAll();
+        millis.push_back(1e3 * SecondsSince(t0));
+    }
+    ReportMedianAndP99("repaint_" + tag, millis, "ms");
+}
+
+void MeasureSize(double megabytes) {
+    const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
+    malloc_trim(0);
+    const double before = ResidentBytes();
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    {
+        std::string text = htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6));
+        doc->SetText(text);
+    }
+    const double bytes = doc->GetLength();
+    {
+        CView view(doc.Get(), true);
+        const double after = ResidentBytes();
+        Report("memory_per_text_byte_" + tag, (after - before) / bytes, "bytes");
+        Report("linetable_bytes_per_line_" + tag, LineTableBytes(view->Lines()) / view->GetLineCount(), "bytes");
+        MeasureLayout(view, false, megabytes, tag);
+        MeasureLayout(view, true, megabytes, tag);
+        MeasureTyping(view, doc.Get(), tag, false);
+        MeasureTyping(view, doc.Get(), tag, true);
+        MeasureRepaint(view, tag);
+    }
+}
+
+void MeasureClickOnLongLine() {
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    std::string line;
+    while (line.size() < 5000) line += "<td class=\"cell\">value</td>";
+    line.resize(5000);
+    doc->SetText(line + "\n" + htmlgen::GenerateHtml(100000));
+    CView view(doc.Get(), false);
+    // The point where the line's last character ends.
+    long x = 0, y = 0;
+    view->FindPointFromPosition(5000, &x, &y);
+    std::vector<double> micros;
+    for (int i = 0; i < 1000; ++i) {
+        const auto t0 = Clock::now();
+        const long pos = view->PositionFromClientPoint(x, y + 5);
+        micros.push_back(MicrosSince(t0));
+        if (pos != 5000) std::fprintf(stderr, "click gave %ld\n", pos);
+    }
+    Report("click_end_of_5000_byte_line", Percentile(micros, 0.5), "us");
+}
+
+void MeasureMinified() {
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    std::string text;
+    {
+        std::string page = htmlgen::GenerateHtml(10'000'000);
+        for (char c : page)
+            if (c != '\n' && c != '\r' && c != '\t') text += c;
+    }
+    doc->SetText(text);
+    const auto t0 = Clock::now();
+    CView view(doc.Get(), true);
+    view.RepaintAll();
+    Report("minified_10mb_wrap_and_paint", 1e3 * SecondsSince(t0), "ms");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (!std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    QApplication app(argc, argv);
+    CQtPlatform platform;
+    IPlatformBackend* previous = SetPlatformBackend(&platform);
+    std::vector<double> sizes;
+    for (int i = 1; i < argc; ++i) sizes.push_back(std::atof(argv[i]));
+    if (sizes.empty()) sizes = {1, 10, 100};
+
+    MeasureClickOnLongLine();
+    MeasureMinified();
+    for (double megabytes : sizes) MeasureSize(megabytes);
+#ifdef ZENTREL_HAVE_QSCINTILLA
+    if (!std::getenv("ZENTREL_BENCH_NO_PEER")) RunPeer(sizes, ReportPeer);
+#endif
+    SetPlatformBackend(previous);
+    return 0;
+}
