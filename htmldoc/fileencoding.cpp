@@ -136,8 +136,9 @@ HRESULT DecodeFileBytes(std::string_view bytes, const CDecodeOptions& options, s
             return S_OK;
         }
     }
-    const CTranscodeResult result = Transcode(*found.encoding, ProcessEncoding(), bytes, &converted, AppendCharacterReference);
+    CTranscodeResult result = Transcode(*found.encoding, ProcessEncoding(), bytes, &converted, AppendCharacterReference);
     if (!result.Ok()) {
+        if (result.nBadOffset != CTranscodeResult::npos) result.nBadOffset += bom.nLength;  // an offset in the file
         if (reason) *reason = ReasonOf(result, "the file", *found.encoding);
         return HrOf(result);
     }

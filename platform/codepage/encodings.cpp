@@ -114,6 +114,10 @@ bool CEncodingInfo::IsUnicode() const {
     return this == &Utf8Encoding() || this == &Utf16LeEncoding() || this == &Utf16BeEncoding();
 }
 
+bool CEncodingInfo::IsAsciiCompatible() const {
+    return this != &Utf16LeEncoding() && this != &Utf16BeEncoding();
+}
+
 const CEncodingInfo* FindEncoding(std::string_view label) {
     const std::string wanted = NormalizedLabel(label);
     if (wanted.empty() || wanted.find(' ') != std::string::npos) return nullptr;

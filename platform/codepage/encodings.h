@@ -18,6 +18,8 @@ struct CEncodingInfo {
     UINT nCodePage;        // the process code page whose text is exactly this encoding's, or 0
     EncodingForm form;
     bool IsUnicode() const;  // UTF-8 or UTF-16: a byte order mark may introduce it
+    // ASCII text is the same bytes in this encoding (not so in UTF-16).
+    bool IsAsciiCompatible() const;
 };
 
 // The encoding a label names: surrounding ASCII white space is ignored and case does not matter.

@@ -36,7 +36,6 @@ size_t AsciiLength(const char* p, size_t n) {
 // ASCII stretch of kMinAsciiStretch bytes follows, or at the end. A lead byte of a double-byte
 // encoding takes the byte after it along, whatever that byte is.
 size_t RunEnd(const CEncodingInfo& enc, std::string_view in, size_t pos) {
-    if (enc.form == EncodingForm::Opaque) return in.size();
     while (pos < in.size()) {
         const auto b = static_cast<unsigned char>(in[pos]);
         if (b < 0x80) {
@@ -54,17 +53,21 @@ size_t RunEnd(const CEncodingInfo& enc, std::string_view in, size_t pos) {
 class CTranscoder {
 public:
     CTranscoder(const CEncodingInfo& from, const CEncodingInfo& to, const UnmappableHandler& handler)
-        : m_from(from), m_to(to), m_handler(handler), m_bCopy(&from == &to) {}
+        : m_from(from),
+          m_to(to),
+          m_handler(handler),
+          m_bCopy(&from == &to),
+          m_bAsciiThrough(from.form != EncodingForm::Opaque && to.IsAsciiCompatible()) {}
 
     CTranscodeResult Run(std::string_view in, std::string& out) {
         out.reserve(out.size() + in.size() + in.size() / 8);
         size_t pos = 0;
         while (pos < in.size() && m_result.Ok()) {
-            const size_t ascii = m_from.form == EncodingForm::Opaque ? 0 : AsciiLength(in.data() + pos, in.size() - pos);
+            const size_t ascii = m_bAsciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
             out.append(in.data() + pos, ascii);
             pos += ascii;
             if (pos == in.size()) break;
-            const size_t end = RunEnd(m_from, in, pos);
+            const size_t end = m_bAsciiThrough ? RunEnd(m_from, in, pos) : in.size();
             m_result.bNonAscii = true;
             ConvertRun(in.substr(pos, end - pos), pos, out);
             pos = end;
@@ -107,6 +110,7 @@ private:
     const CEncodingInfo& m_to;
     const UnmappableHandler& m_handler;
     const bool m_bCopy;
+    const bool m_bAsciiThrough;  // ASCII stretches are copied as they are, between runs of the rest
     std::u32string m_chars;  // the current run, decoded
     CTranscodeResult m_result;
 };

@@ -20,7 +20,7 @@ struct CTranscodeResult {
     TranscodeStatus status = TranscodeStatus::Ok;
     size_t nBadOffset = npos;  // BadInput, Truncated: offset in the input of the character
     size_t nUnmappable = 0;    // characters handed to the handler
-    bool bNonAscii = false;    // the input held more than ASCII (always so for UTF-16 and the like)
+    bool bNonAscii = false;  // more than ASCII was met (always so where either side is UTF-16 or the like)
     bool Ok() const { return status == TranscodeStatus::Ok; }
 };
 
