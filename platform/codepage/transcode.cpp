@@ -69,20 +69,20 @@ public:
             if (pos == in.size()) break;
             const size_t end = m_bAsciiThrough ? RunEnd(m_from, in, pos) : in.size();
             m_result.bNonAscii = true;
-            ConvertRun(in.substr(pos, end - pos), pos, out);
+            ConvertRun(in.substr(pos, end - pos), pos, end == in.size(), out);
             pos = end;
         }
         return m_result;
     }
 
 private:
-    void ConvertRun(std::string_view run, size_t runOffset, std::string& out) {
+    void ConvertRun(std::string_view run, size_t runOffset, bool last, std::string& out) {
         if (m_bCopy && IsBuiltIn1252(m_from)) {
             out.append(run);
             return;
         }
         m_chars.clear();
-        if (!Decode(run, runOffset)) return;
+        if (!Decode(run, runOffset, last)) return;
         if (m_bCopy) {
             out.append(run);
             return;
@@ -91,14 +91,15 @@ private:
             m_result.status = TranscodeStatus::NoConverter;
     }
 
-    bool Decode(std::string_view run, size_t runOffset) {
+    // A character cut off at the end of a run that is not the last is cut off by what follows it.
+    bool Decode(std::string_view run, size_t runOffset, bool last) {
         if (IsBuiltIn1252(m_from)) {
             for (char c : run) m_chars += Cp1252ToUnicode(static_cast<uint8_t>(c));
             return true;
         }
         const bool ok = IconvDecode(m_from.pszIconv, run, &m_chars, [&](size_t offset, bool incomplete) {
             if (m_result.Ok()) {
-                m_result.status = incomplete ? TranscodeStatus::Truncated : TranscodeStatus::BadInput;
+                m_result.status = incomplete && last ? TranscodeStatus::Truncated : TranscodeStatus::BadInput;
                 m_result.nBadOffset = runOffset + offset;
             }
         });
