@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "platform/codepage/cp1252.h"
 #include "platform/codepage/iconvcodec.h"
@@ -124,6 +125,53 @@ void Unmappable(const UnmappableHandler& handler, char32_t ch, std::string& out,
         out += '?';
 }
 
+// Appends the encoding of `in` if every character of it comes back as itself when the bytes are
+// read again. The C library's converters also write some characters that they read back as
+// others (U+2014 goes to the pair that CP932 reads as U+2015); such a character counts as one the
+// encoding does not hold, so that it travels as a reference and nothing changes on the way.
+bool EncodeExact(const char* name, std::u32string_view in, std::string* out) {
+    std::string bytes;
+    bool refused = false;
+    IconvEncode(name, in, &bytes, [&](size_t) { refused = true; });
+    if (refused) return false;
+    std::u32string back;
+    IconvDecode(name, bytes, &back, [&](size_t, bool) { refused = true; });
+    if (refused || back != in) return false;
+    out->append(bytes);
+    return true;
+}
+
+// Collects the indices of the characters that do not encode exactly, halving the text around
+// them, so that a long run with one such character costs a few conversions, not one per character.
+void FindInexact(const char* name, std::u32string_view in, size_t offset, std::vector<size_t>& found) {
+    std::string scratch;
+    if (in.empty() || EncodeExact(name, in, &scratch)) return;
+    if (in.size() == 1) return found.push_back(offset);
+    const size_t half = in.size() / 2;
+    FindInexact(name, in.substr(0, half), offset, found);
+    FindInexact(name, in.substr(half), offset + half, found);
+}
+
+void EncodeIconv(const char* name, std::u32string_view in, std::string* out, const UnmappableHandler& handler,
+                 size_t* unmappable) {
+    if (EncodeExact(name, in, out)) return;
+    std::vector<size_t> inexact;
+    FindInexact(name, in, 0, inexact);
+    // The stretches between go in one piece each, so that a shifting encoding shifts once.
+    const auto stretch = [&](size_t from, size_t to) {
+        const std::u32string_view part = in.substr(from, to - from);
+        if (!part.empty() && !EncodeExact(name, part, out))
+            IconvEncode(name, part, out, [&](size_t index) { Unmappable(handler, part[index], *out, unmappable); });
+    };
+    size_t from = 0;
+    for (size_t index : inexact) {
+        stretch(from, index);
+        Unmappable(handler, in[index], *out, unmappable);
+        from = index + 1;
+    }
+    stretch(from, in.size());
+}
+
 }  // namespace
 
 CTranscodeResult Transcode(const CEncodingInfo& from, const CEncodingInfo& to, std::string_view in,
@@ -150,7 +198,9 @@ bool EncodeCodePoints(const CEncodingInfo& to, std::u32string_view in, std::stri
         for (char32_t ch : in) AppendUtf8(*out, ch);
         return true;
     }
-    return IconvEncode(to.pszIconv, in, out, [&](size_t index) { Unmappable(onUnmappable, in[index], *out, unmappable); });
+    if (!IconvAvailable(to.pszIconv)) return false;
+    EncodeIconv(to.pszIconv, in, out, onUnmappable, unmappable);
+    return true;
 }
 
 bool CanEncode(const CEncodingInfo& to, char32_t ch) {
