@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "platform/codepage/codepage.h"
+#include "tests/codepagescope.h"
 #include "tests/htmldoc/recordingsink.h"
 
 namespace {
@@ -31,15 +32,6 @@ const std::string kCp1252Page =
 const std::string kShiftJisPage =
     "<html><head><meta charset=\"Shift_JIS\"></head>\n"
     "<p>\x93\xFA\x96\x7B\x8C\xEA \x83\x5C\x83\x61 \xB1 C:\\path</p></html>\n";
-
-class CodePageScope {
-public:
-    explicit CodePageScope(UINT cp) : m_nSaved(GetProcessCodePage()) { EXPECT_TRUE(SetProcessCodePage(cp)); }
-    ~CodePageScope() { SetProcessCodePage(m_nSaved); }
-
-private:
-    UINT m_nSaved;
-};
 
 class EncodedFiles : public ::testing::TestWithParam<UINT> {
 protected:
