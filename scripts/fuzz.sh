@@ -10,7 +10,7 @@ dir=build-fuzz
 targets=(loader classifier)
 
 cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DCMAKE_C_COMPILER=clang -DCMAKE_CXX_COMPILER=clang++ \
+  -DCMAKE_CXX_COMPILER=clang++ \
   -DZENTREL_FUZZ=ON -DZENTREL_QT=OFF -DZENTREL_BENCH=OFF >/dev/null
 ninja -C "$dir" "${targets[@]/#/fuzz_}"
 
