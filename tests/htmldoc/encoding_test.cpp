@@ -33,6 +33,12 @@ const std::string kShiftJisPage =
     "<html><head><meta charset=\"Shift_JIS\"></head>\n"
     "<p>\x93\xFA\x96\x7B\x8C\xEA \x83\x5C\x83\x61 \xB1 C:\\path</p></html>\n";
 
+// 中文 in GBK and in Big5, 한국 in EUC-KR; the first two also hold a Latin-1 character (é, º)
+// that code page 932 lacks.
+const std::string kGbkPage = "<meta charset=gb2312><p>\xD6\xD0\xCE\xC4 \xA8\xA6</p>";
+const std::string kEucKrPage = "<meta charset=ks_c_5601-1987><p>\xC7\xD1\xB1\xB9 \xA8\xAC</p>";
+const std::string kBig5Page = "<meta charset=big5><p>\xA4\xA4\xA4\xE5</p>";
+
 class EncodedFiles : public ::testing::TestWithParam<UINT> {
 protected:
     void SetUp() override {
@@ -68,7 +74,8 @@ TEST_P(EncodedFiles, SaveGivesBackTheBytesThatWereLoaded) {
     struct Case {
         const std::string* bytes;
         const char* encoding;
-    } cases[] = {{&kUtf8Page, "UTF-8"}, {&kCp1252Page, "windows-1252"}, {&kShiftJisPage, "Shift_JIS"}};
+    } cases[] = {{&kUtf8Page, "UTF-8"}, {&kCp1252Page, "windows-1252"}, {&kShiftJisPage, "Shift_JIS"},
+                 {&kGbkPage, "GBK"},      {&kEucKrPage, "EUC-KR"},         {&kBig5Page, "Big5"}};
     for (const Case& c : cases) {
         auto doc = CreateHtmlDocument();
         EXPECT_EQ(RoundTrip(*c.bytes, doc.Get()), *c.bytes) << c.encoding;
