@@ -33,7 +33,7 @@ const std::string kShiftJisPage =
     "<html><head><meta charset=\"Shift_JIS\"></head>\n"
     "<p>\x93\xFA\x96\x7B\x8C\xEA \x83\x5C\x83\x61 \xB1 C:\\path</p></html>\n";
 
-// 中文 in GBK and in Big5, 한국 in EUC-KR; the first two also hold a Latin-1 character (é, º)
+// 中文 in GBK and in Big5, 한국 in EUC-KR; the GBK and EUC-KR pages also hold a Latin-1 character (é, º)
 // that code page 932 lacks.
 const std::string kGbkPage = "<meta charset=gb2312><p>\xD6\xD0\xCE\xC4 \xA8\xA6</p>";
 const std::string kEucKrPage = "<meta charset=ks_c_5601-1987><p>\xC7\xD1\xB1\xB9 \xA8\xAC</p>";
