@@ -69,7 +69,10 @@ bool CEditorWindow::OpenFile(const QString& path) {
         return false;
     }
     setWindowTitle(path + " - zentrel-edit");
-    ShowEvent(QString("%1 bytes, %2 lines").arg(m_doc->GetLength()).arg(m_pCtrl->GetLineCount()));
+    ShowEvent(QString("%1 bytes, %2 lines, %3")
+                  .arg(m_doc->GetLength())
+                  .arg(m_pCtrl->GetLineCount())
+                  .arg(QString::fromStdString(m_doc->Encoding())));
     return true;
 }
 

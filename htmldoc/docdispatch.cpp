@@ -6,7 +6,8 @@
 namespace {
 
 enum DocDispId : DISPID { kDocText = 1, kDocLength, kDocPathName, kDocModified, kDocLineCount,
-                          kDocUndo, kDocRedo, kDocLoad, kDocSave };
+                          kDocUndo, kDocRedo, kDocLoad, kDocSave, kDocEncoding, kDocDefaultEncoding,
+                          kDocByteOrderMark };
 enum RangeDispId : DISPID { kRangeStart = 1, kRangeEnd, kRangeActive, kRangeAnchor, kRangeText };
 
 using Args = std::vector<Variant>;
@@ -38,6 +39,16 @@ const CDispatchTable<CHtmlDocument>& DocumentTable() {
         t.Property(kDocModified, "Modified", [](D& d, const Args&) { return Variant::Bool(d.IsModified()); },
                    [](D& d, const Args&, const Variant& v) { d.SetModified(BoolValue(v)); });
         t.Property(kDocLineCount, "LineCount", [](D& d, const Args&) { return Variant::Long(d.LineCount()); });
+        t.Property(kDocEncoding, "Encoding", [](D& d, const Args&) { return Variant::Str(d.Encoding()); },
+                   [](D& d, const Args&, const Variant& v) {
+                       if (FAILED(d.SetEncoding(StrValue(v)))) throw AutomationError::InvalidValue();
+                   });
+        t.Property(kDocDefaultEncoding, "DefaultEncoding", [](D& d, const Args&) { return Variant::Str(d.DefaultEncoding()); },
+                   [](D& d, const Args&, const Variant& v) {
+                       if (FAILED(d.SetDefaultEncoding(StrValue(v)))) throw AutomationError::InvalidValue();
+                   });
+        t.Property(kDocByteOrderMark, "ByteOrderMark", [](D& d, const Args&) { return Variant::Bool(d.ByteOrderMark()); },
+                   [](D& d, const Args&, const Variant& v) { d.SetByteOrderMark(BoolValue(v)); });
         t.Method(kDocUndo, "Undo", 0, [](D& d, Args&) { return Variant::Bool(SUCCEEDED(d.Undo(nullptr, nullptr))); });
         t.Method(kDocRedo, "Redo", 0, [](D& d, Args&) { return Variant::Bool(SUCCEEDED(d.Redo(nullptr, nullptr))); });
         t.Method(kDocLoad, "Load", 1, [](D& d, Args& a) {

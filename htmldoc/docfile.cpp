@@ -6,6 +6,7 @@
 
 #include "htmldoc/htmldocument.h"
 #include "htmldoc/sourcerange.h"
+#include "platform/codepage/encodings.h"
 
 namespace {
 
@@ -98,12 +99,26 @@ HRESULT CHtmlDocument::SetText(std::string_view text) {
     return hr;
 }
 
-HRESULT CHtmlDocument::LoadFile(const std::string& path, std::string* error) {
+HRESULT CHtmlDocument::LoadFile(const std::string& path, std::string* error, std::string_view encoding) {
+    CDecodeOptions options{nullptr, m_pDefaultEncoding};
+    if (!encoding.empty() && !(options.forced = FindEncoding(encoding))) {
+        if (error) *error = "Unknown encoding \"" + std::string(encoding) + "\"";
+        return E_INVALIDARG;
+    }
     std::string bytes;
     if (HRESULT hr = ReadFile(path, &bytes, error); FAILED(hr)) return hr;
-    HRESULT hr = ResetText(bytes, "Loading document");
+    std::string text, reason;
+    CFileEncoding found;
+    if (HRESULT hr = DecodeFileBytes(bytes, options, &text, &found, &reason); FAILED(hr)) {
+        if (error) *error = "Cannot load \"" + path + "\": " + reason;
+        return hr;
+    }
+    bytes.clear();
+    bytes.shrink_to_fit();
+    HRESULT hr = ResetText(text, "Loading document");
     if (FAILED(hr)) return hr;
     m_strPath = path;
+    m_fileEncoding = found;
     m_undo.MarkSaved();
     return S_OK;
 }
@@ -114,9 +129,14 @@ HRESULT CHtmlDocument::SaveFile(const std::string& path, std::string* error) {
         if (error) *error = "The document has no file name to save to";
         return E_INVALIDARG;
     }
+    std::string bytes, reason;
+    const std::string_view text(m_text.Contiguous(), static_cast<size_t>(m_text.Length()));
+    if (HRESULT hr = EncodeFileText(text, m_fileEncoding, &bytes, &reason); FAILED(hr)) {
+        if (error) *error = "Cannot save \"" + target + "\": " + reason;
+        return hr;
+    }
     std::string temp = target + ".saving~";
-    const char* data = m_text.Contiguous();
-    if (HRESULT hr = WriteFile(temp, data, static_cast<size_t>(m_text.Length()), error); FAILED(hr)) {
+    if (HRESULT hr = WriteFile(temp, bytes.data(), bytes.size(), error); FAILED(hr)) {
         std::remove(temp.c_str());
         return hr;
     }
@@ -127,5 +147,35 @@ HRESULT CHtmlDocument::SaveFile(const std::string& path, std::string* error) {
     }
     m_strPath = target;
     m_undo.MarkSaved();
+    return S_OK;
+}
+
+HRESULT CHtmlDocument::SetEncoding(std::string_view label) {
+    const CEncodingInfo* found = FindEncoding(label);
+    if (!found) return E_INVALIDARG;
+    const CEncodingInfo& current = m_fileEncoding.Resolved();
+    if (found == &current) return S_OK;
+    // UTF-16 needs its mark to be found again; UTF-8 reads as well without one.
+    const CFileEncoding next{found, found->IsUnicode() && found != &Utf8Encoding()};
+    m_fileEncoding = next;
+    SetModified(true);
+    return S_OK;
+}
+
+void CHtmlDocument::SetByteOrderMark(bool on) {
+    // UTF-16 is always written with one, and other encodings have none.
+    if (&m_fileEncoding.Resolved() != &Utf8Encoding() || on == m_fileEncoding.bByteOrderMark) return;
+    m_fileEncoding.bByteOrderMark = on;
+    SetModified(true);
+}
+
+HRESULT CHtmlDocument::SetDefaultEncoding(std::string_view label) {
+    if (label.empty()) {
+        m_pDefaultEncoding = nullptr;
+        return S_OK;
+    }
+    const CEncodingInfo* found = FindEncoding(label);
+    if (!found) return E_INVALIDARG;
+    m_pDefaultEncoding = found;
     return S_OK;
 }

@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "htmldoc/fileencoding.h"
 #include "htmldoc/gapbuffer.h"
 #include "htmldoc/hardlines.h"
 #include "htmldoc/undostack.h"
@@ -67,7 +68,8 @@ public:
     HRESULT GetTextLine(long pos, long* line) override;
     HRESULT GetTextLineStart(long line, long* pos) override;
 
-    // IDispatch: Text, Length, PathName, Modified, LineCount; Undo, Redo, Load, Save.
+    // IDispatch: Text, Length, PathName, Modified, LineCount, Encoding, DefaultEncoding,
+    // ByteOrderMark; Undo, Redo, Load, Save.
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
     HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) override;
@@ -77,12 +79,28 @@ public:
     // Replaces all of the text as one reset; the undo history goes, and the document counts as
     // modified.
     HRESULT SetText(std::string_view text);
-    // Reads the file's bytes as they are. On failure the document keeps its text and `error`
-    // says why.
-    HRESULT LoadFile(const std::string& path, std::string* error = nullptr);
-    // Writes the bytes through a temporary file beside the target, so that a failed save leaves
-    // the old file whole. An empty path saves to the document's own path.
+    // Reads the file in its encoding: a byte order mark, else `encoding` if one is given, else
+    // what the page declares, else the default encoding. On failure (the file cannot be read, or
+    // its bytes are no text of that encoding) the document keeps its text, path, modified flag
+    // and history, and `error` says why.
+    HRESULT LoadFile(const std::string& path, std::string* error = nullptr, std::string_view encoding = {});
+    // Writes the text in the document's encoding through a temporary file beside the target, so
+    // that a failed save leaves the old file whole. An empty path saves to the document's own path.
     HRESULT SaveFile(const std::string& path, std::string* error = nullptr);
+    // The canonical name of the encoding the file was read in and will be written in ("UTF-8",
+    // "windows-1252", "Shift_JIS", ...); before any load, the process code page's.
+    std::string Encoding() const { return m_fileEncoding.Resolved().pszName; }
+    // Changes the encoding of the next save (the document then counts as modified); E_INVALIDARG
+    // for a label that names no encoding. UTF-16 is written with a byte order mark, others without.
+    HRESULT SetEncoding(std::string_view label);
+    // Whether the file begins with a byte order mark; only UTF-8 can do without one of the
+    // encodings that have one.
+    bool ByteOrderMark() const { return m_fileEncoding.bByteOrderMark; }
+    void SetByteOrderMark(bool on);
+    // The encoding of files that declare none; empty: UTF-8 for files that read as UTF-8, else
+    // the process code page's. An empty label sets that; E_INVALIDARG for an unknown one.
+    std::string DefaultEncoding() const { return m_pDefaultEncoding ? m_pDefaultEncoding->pszName : ""; }
+    HRESULT SetDefaultEncoding(std::string_view label);
     bool IsModified() const { return !m_undo.IsAtSaved(); }
     void SetModified(bool modified);
     const std::string& PathName() const { return m_strPath; }
@@ -146,6 +164,8 @@ private:
     CHardLines m_lines;
     CUndoStack m_undo;
     std::string m_strPath;
+    CFileEncoding m_fileEncoding;
+    const CEncodingInfo* m_pDefaultEncoding = nullptr;
     std::vector<ComPtr<ISourceTextSink>> m_sinks;
     std::vector<ComPtr<CSourceRange>> m_ranges;  // the tracking references
     CSourceRange* m_pSelection = nullptr;        // not counted; the range clears it when it goes

@@ -25,7 +25,8 @@ bool DecodeToUtf32(UINT codePage, std::string_view in, std::u32string* out, Conv
         for (char c : in) *out += Cp1252ToUnicode(static_cast<uint8_t>(c));
         return true;
     }
-    return IconvDecode(codePage, in, out, [&](size_t offset) { CountUnmappable(result, offset); });
+    return IconvDecode(IconvNameOfCodePage(codePage), in, out,
+                       [&](size_t offset, bool) { CountUnmappable(result, offset); });
 }
 
 class CEncoder {
@@ -74,7 +75,7 @@ private:
     }
 
     bool FlushRun(std::u32string_view run, size_t runStart) {
-        return IconvEncode(m_nCodePage, run, &m_out, [&](size_t index) { Unmappable(runStart + index); });
+        return IconvEncode(IconvNameOfCodePage(m_nCodePage), run, &m_out, [&](size_t index) { Unmappable(runStart + index); });
     }
 
     UINT m_nCodePage;

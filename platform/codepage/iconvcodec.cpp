@@ -11,16 +11,6 @@
 
 namespace {
 
-const char* IconvName(UINT codePage) {
-    switch (codePage) {
-    case 932: return "CP932";
-    case 936: return "CP936";
-    case 949: return "CP949";
-    case 950: return "CP950";
-    default: return nullptr;
-    }
-}
-
 // Code points travel to and from the converter as UTF-32 in little-endian order, spelled out
 // here byte by byte so that the host's order does not matter.
 constexpr const char* kUnicodeName = "UTF-32LE";
@@ -46,13 +36,12 @@ private:
     iconv_t m_cd;
 };
 
-// One converter per code page and direction and thread: a descriptor must not be shared between
+// One converter per name and direction and thread: a descriptor must not be shared between
 // threads, and opening one for every call would cost more than most conversions.
-CConverter* Converter(UINT codePage, bool toUnicode) {
-    thread_local std::map<std::pair<UINT, bool>, std::unique_ptr<CConverter>> cache;
-    const char* name = IconvName(codePage);
+CConverter* Converter(const char* name, bool toUnicode) {
+    thread_local std::map<std::pair<std::string, bool>, std::unique_ptr<CConverter>> cache;
     if (!name) return nullptr;
-    auto& slot = cache[{codePage, toUnicode}];
+    auto& slot = cache[{name, toUnicode}];
     if (!slot)
         slot = toUnicode ? std::make_unique<CConverter>(kUnicodeName, name)
                          : std::make_unique<CConverter>(name, kUnicodeName);
@@ -74,9 +63,21 @@ std::string ToUtf32Le(std::u32string_view in) {
     return bytes;
 }
 
+// Brings the converter back to its initial shift state, handing any bytes that this takes (the
+// escape back to ASCII of a shifting encoding) to `emit`.
+template <class Emit>
+void Unshift(iconv_t cd, Emit emit) {
+    char chunk[64];
+    char* outp = chunk;
+    size_t outLeft = sizeof chunk;
+    iconv(cd, nullptr, nullptr, &outp, &outLeft);
+    emit(chunk, static_cast<size_t>(outp - chunk));
+}
+
 // Runs the converter over `in`, handing each piece of output to `emit`. At an input position that
-// the converter refuses, `refused(offset)` is called and `skip` bytes are stepped over. False on
-// any other error.
+// the converter refuses, the shift state is closed, `refused(offset, incomplete)` is called and
+// `skip` bytes are stepped over. The output ends in the initial shift state. False on any other
+// error.
 template <class Emit, class Refused>
 bool Run(iconv_t cd, std::string_view in, size_t skip, Emit emit, Refused refused) {
     char chunk[4096];
@@ -86,49 +87,59 @@ bool Run(iconv_t cd, std::string_view in, size_t skip, Emit emit, Refused refuse
         char* outp = chunk;
         size_t outLeft = sizeof chunk;
         const size_t r = iconv(cd, &inp, &inLeft, &outp, &outLeft);
+        const int err = errno;
         emit(chunk, static_cast<size_t>(outp - chunk));
-        if (r != static_cast<size_t>(-1)) continue;
-        if (errno == E2BIG) continue;
-        if (errno != EILSEQ && errno != EINVAL) return false;
-        refused(static_cast<size_t>(inp - in.data()));
+        if (r != static_cast<size_t>(-1) || err == E2BIG) continue;
+        if (err != EILSEQ && err != EINVAL) return false;
+        Unshift(cd, emit);
+        refused(static_cast<size_t>(inp - in.data()), err == EINVAL);
         const size_t step = std::min(skip, inLeft);
         inp += step;
         inLeft -= step;
-        iconv(cd, nullptr, nullptr, nullptr, nullptr);
     }
+    Unshift(cd, emit);
     return true;
 }
 
 }  // namespace
 
-bool IconvAvailable(UINT codePage) {
-    return Converter(codePage, true) && Converter(codePage, false);
+const char* IconvNameOfCodePage(UINT codePage) {
+    switch (codePage) {
+    case 932: return "CP932";
+    case 936: return "CP936";
+    case 949: return "CP949";
+    case 950: return "CP950";
+    default: return nullptr;
+    }
 }
 
-bool IconvDecode(UINT codePage, std::string_view in, std::u32string* out,
-                 const std::function<void(size_t offset)>& bad) {
-    CConverter* conv = Converter(codePage, true);
+bool IconvAvailable(const char* name) {
+    return Converter(name, true) && Converter(name, false);
+}
+
+bool IconvDecode(const char* name, std::string_view in, std::u32string* out, const IconvBadInput& bad) {
+    CConverter* conv = Converter(name, true);
     if (!conv || !out) return false;
     const size_t before = out->size();
     const bool ok = Run(
         conv->Reset(), in, 1, [&](const char* bytes, size_t n) { AppendUtf32Le(*out, bytes, n); },
-        [&](size_t offset) {
+        [&](size_t offset, bool incomplete) {
             *out += U'\uFFFD';
-            if (bad) bad(offset);
+            if (bad) bad(offset, incomplete);
         });
     if (!ok) out->resize(before);
     return ok;
 }
 
-bool IconvEncode(UINT codePage, std::u32string_view in, std::string* out,
+bool IconvEncode(const char* name, std::u32string_view in, std::string* out,
                  const std::function<void(size_t index)>& unmappable) {
-    CConverter* conv = Converter(codePage, false);
+    CConverter* conv = Converter(name, false);
     if (!conv || !out) return false;
     const size_t before = out->size();
     const std::string bytes = ToUtf32Le(in);
     const bool ok = Run(
         conv->Reset(), bytes, 4, [&](const char* chunk, size_t n) { out->append(chunk, n); },
-        [&](size_t offset) {
+        [&](size_t offset, bool) {
             if (unmappable) unmappable(offset / 4);
         });
     if (!ok) out->resize(before);

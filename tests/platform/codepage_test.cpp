@@ -5,20 +5,11 @@
 #include "platform/codepage/convert.h"
 #include "platform/codepage/leadbyte.h"
 #include "platform/codepage/symbol.h"
+#include "tests/codepagescope.h"
 
 namespace {
 
 constexpr UINT kDoubleBytePages[] = {932, 936, 949, 950};
-
-// Restores the process code page that a test changes.
-class CodePageScope {
-public:
-    explicit CodePageScope(UINT cp) : m_nSaved(GetProcessCodePage()) { EXPECT_TRUE(SetProcessCodePage(cp)); }
-    ~CodePageScope() { SetProcessCodePage(m_nSaved); }
-
-private:
-    UINT m_nSaved;
-};
 
 std::string Utf8FromMb(UINT cp, std::string_view text) {
     std::string out;

@@ -1,0 +1,213 @@
+#include "platform/codepage/transcode.h"
+
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "platform/codepage/cp1252.h"
+#include "platform/codepage/iconvcodec.h"
+#include "platform/codepage/leadbyte.h"
+#include "platform/codepage/unicode.h"
+
+namespace {
+
+// ASCII stretches shorter than this stay inside the run of other text around them, so that
+// text with a space between every few words goes to the converter in one call, not in one per
+// word; longer stretches are copied straight through.
+constexpr size_t kMinAsciiStretch = 32;
+
+bool IsBuiltIn1252(const CEncodingInfo& enc) { return enc.pszIconv == nullptr; }
+
+bool IsAscii(char c) { return (static_cast<unsigned char>(c) & 0x80) == 0; }
+
+// Length of the ASCII stretch at the start of `p`, eight bytes at a time.
+size_t AsciiLength(const char* p, size_t n) {
+    constexpr uint64_t kHighBits = 0x8080808080808080ULL;
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t word;
+        std::memcpy(&word, p + i, 8);
+        if (word & kHighBits) break;
+    }
+    while (i < n && IsAscii(p[i])) ++i;
+    return i;
+}
+
+// Where the run of non-ASCII text that starts at `pos` ends: at a character boundary that an
+// ASCII stretch of kMinAsciiStretch bytes follows, or at the end. A lead byte of a double-byte
+// encoding takes the byte after it along, whatever that byte is.
+size_t RunEnd(const CEncodingInfo& enc, std::string_view in, size_t pos) {
+    while (pos < in.size()) {
+        const auto b = static_cast<unsigned char>(in[pos]);
+        if (b < 0x80) {
+            const size_t ascii = AsciiLength(in.data() + pos, in.size() - pos);
+            if (ascii >= kMinAsciiStretch || pos + ascii == in.size()) return pos;
+            pos += ascii;
+            continue;
+        }
+        const bool lead = enc.form == EncodingForm::DoubleByte && IsDBCSLeadByteEx(enc.nCodePage, b);
+        pos += lead && pos + 1 < in.size() ? 2 : 1;
+    }
+    return pos;
+}
+
+class CTranscoder {
+public:
+    CTranscoder(const CEncodingInfo& from, const CEncodingInfo& to, const UnmappableHandler& handler)
+        : m_from(from),
+          m_to(to),
+          m_handler(handler),
+          m_bCopy(&from == &to),
+          m_bAsciiThrough(from.form != EncodingForm::Opaque && to.IsAsciiCompatible()) {}
+
+    CTranscodeResult Run(std::string_view in, std::string& out) {
+        out.reserve(out.size() + in.size() + in.size() / 8);
+        size_t pos = 0;
+        while (pos < in.size() && m_result.Ok()) {
+            const size_t ascii = m_bAsciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
+            out.append(in.data() + pos, ascii);
+            pos += ascii;
+            if (pos == in.size()) break;
+            const size_t end = m_bAsciiThrough ? RunEnd(m_from, in, pos) : in.size();
+            m_result.bNonAscii = true;
+            ConvertRun(in.substr(pos, end - pos), pos, end == in.size(), out);
+            pos = end;
+        }
+        return m_result;
+    }
+
+private:
+    void ConvertRun(std::string_view run, size_t runOffset, bool last, std::string& out) {
+        if (m_bCopy && IsBuiltIn1252(m_from)) {
+            out.append(run);
+            return;
+        }
+        m_chars.clear();
+        if (!Decode(run, runOffset, last)) return;
+        if (m_bCopy) {
+            out.append(run);
+            return;
+        }
+        if (!EncodeCodePoints(m_to, m_chars, &out, m_handler, &m_result.nUnmappable))
+            m_result.status = TranscodeStatus::NoConverter;
+    }
+
+    // A character cut off at the end of a run that is not the last is cut off by what follows it.
+    bool Decode(std::string_view run, size_t runOffset, bool last) {
+        if (IsBuiltIn1252(m_from)) {
+            for (char c : run) m_chars += Cp1252ToUnicode(static_cast<uint8_t>(c));
+            return true;
+        }
+        const bool ok = IconvDecode(m_from.pszIconv, run, &m_chars, [&](size_t offset, bool incomplete) {
+            if (m_result.Ok()) {
+                m_result.status = incomplete && last ? TranscodeStatus::Truncated : TranscodeStatus::BadInput;
+                m_result.nBadOffset = runOffset + offset;
+            }
+        });
+        if (!ok) m_result.status = TranscodeStatus::NoConverter;
+        return m_result.Ok();
+    }
+
+    const CEncodingInfo& m_from;
+    const CEncodingInfo& m_to;
+    const UnmappableHandler& m_handler;
+    const bool m_bCopy;
+    const bool m_bAsciiThrough;  // ASCII stretches are copied as they are, between runs of the rest
+    std::u32string m_chars;  // the current run, decoded
+    CTranscodeResult m_result;
+};
+
+void Unmappable(const UnmappableHandler& handler, char32_t ch, std::string& out, size_t* count) {
+    if (count) ++*count;
+    if (handler)
+        handler(ch, out);
+    else
+        out += '?';
+}
+
+// Appends the encoding of `in` if every character of it comes back as itself when the bytes are
+// read again. The C library's converters also write some characters that they read back as
+// others (U+2014 goes to the pair that CP932 reads as U+2015); such a character counts as one the
+// encoding does not hold, so that it travels as a reference and nothing changes on the way.
+bool EncodeExact(const char* name, std::u32string_view in, std::string* out) {
+    std::string bytes;
+    bool refused = false;
+    IconvEncode(name, in, &bytes, [&](size_t) { refused = true; });
+    if (refused) return false;
+    std::u32string back;
+    IconvDecode(name, bytes, &back, [&](size_t, bool) { refused = true; });
+    if (refused || back != in) return false;
+    out->append(bytes);
+    return true;
+}
+
+// Collects the indices of the characters that do not encode exactly, halving the text around
+// them, so that a long run with one such character costs a few conversions, not one per character.
+void FindInexact(const char* name, std::u32string_view in, size_t offset, std::vector<size_t>& found) {
+    std::string scratch;
+    if (in.empty() || EncodeExact(name, in, &scratch)) return;
+    if (in.size() == 1) return found.push_back(offset);
+    const size_t half = in.size() / 2;
+    FindInexact(name, in.substr(0, half), offset, found);
+    FindInexact(name, in.substr(half), offset + half, found);
+}
+
+void EncodeIconv(const char* name, std::u32string_view in, std::string* out, const UnmappableHandler& handler,
+                 size_t* unmappable) {
+    if (EncodeExact(name, in, out)) return;
+    std::vector<size_t> inexact;
+    FindInexact(name, in, 0, inexact);
+    // The stretches between go in one piece each, so that a shifting encoding shifts once.
+    const auto stretch = [&](size_t from, size_t to) {
+        const std::u32string_view part = in.substr(from, to - from);
+        if (!part.empty() && !EncodeExact(name, part, out))
+            IconvEncode(name, part, out, [&](size_t index) { Unmappable(handler, part[index], *out, unmappable); });
+    };
+    size_t from = 0;
+    for (size_t index : inexact) {
+        stretch(from, index);
+        Unmappable(handler, in[index], *out, unmappable);
+        from = index + 1;
+    }
+    stretch(from, in.size());
+}
+
+}  // namespace
+
+CTranscodeResult Transcode(const CEncodingInfo& from, const CEncodingInfo& to, std::string_view in,
+                           std::string* out, const UnmappableHandler& onUnmappable) {
+    const size_t before = out->size();
+    CTranscodeResult result = CTranscoder(from, to, onUnmappable).Run(in, *out);
+    if (!result.Ok()) out->resize(before);
+    return result;
+}
+
+bool EncodeCodePoints(const CEncodingInfo& to, std::u32string_view in, std::string* out,
+                      const UnmappableHandler& onUnmappable, size_t* unmappable) {
+    if (IsBuiltIn1252(to)) {
+        for (char32_t ch : in) {
+            const int b = UnicodeToCp1252(ch);
+            if (b >= 0)
+                *out += static_cast<char>(b);
+            else
+                Unmappable(onUnmappable, ch, *out, unmappable);
+        }
+        return true;
+    }
+    if (&to == &Utf8Encoding()) {
+        for (char32_t ch : in) AppendUtf8(*out, ch);
+        return true;
+    }
+    if (!IconvAvailable(to.pszIconv)) return false;
+    EncodeIconv(to.pszIconv, in, out, onUnmappable, unmappable);
+    return true;
+}
+
+bool CanEncode(const CEncodingInfo& to, char32_t ch) {
+    if (ch > 0x10FFFF || (ch >= 0xD800 && ch <= 0xDFFF)) return false;
+    size_t unmappable = 0;
+    std::string scratch;
+    const char32_t one[1] = {ch};
+    return EncodeCodePoints(to, std::u32string_view(one, 1), &scratch, [](char32_t, std::string&) {}, &unmappable) &&
+           unmappable == 0;
+}

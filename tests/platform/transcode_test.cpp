@@ -1,0 +1,138 @@
+// Encoding labels and the file transcoder: exact offsets across the ASCII fast path, double-byte
+// characters whose second byte looks like ASCII, and a model comparison over random text.
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "platform/codepage/transcode.h"
+#include "platform/codepage/unicode.h"
+
+namespace {
+
+const CEncodingInfo& Enc(const char* label) {
+    const CEncodingInfo* found = FindEncoding(label);
+    EXPECT_NE(found, nullptr) << label;
+    return found ? *found : Utf8Encoding();
+}
+
+std::string Reference(char32_t ch) { return "&#" + std::to_string(static_cast<uint32_t>(ch)) + ";"; }
+
+const UnmappableHandler kReference = [](char32_t ch, std::string& out) { out += Reference(ch); };
+
+TEST(EncodingLabels, LabelsAsBrowsersReadThem) {
+    EXPECT_STREQ(Enc("  LATIN1\t").pszName, "windows-1252");
+    EXPECT_STREQ(Enc("US-ASCII").pszName, "windows-1252");
+    EXPECT_STREQ(Enc("x-sjis").pszName, "Shift_JIS");
+    EXPECT_STREQ(Enc("GB2312").pszName, "GBK");
+    EXPECT_STREQ(Enc("ks_c_5601-1987").pszName, "EUC-KR");
+    EXPECT_STREQ(Enc("big5-hkscs").pszName, "Big5");
+    EXPECT_STREQ(Enc("utf-16").pszName, "UTF-16LE");
+    EXPECT_STREQ(Enc("iso-8859-9").pszName, "windows-1254");
+    for (const char* unknown : {"", "utf-7", "utf 8", "latin", "shift_jis2"}) EXPECT_EQ(FindEncoding(unknown), nullptr) << unknown;
+    // Each code page has its encoding, and every encoding with a converter has one here.
+    for (UINT cp : {1252u, 932u, 936u, 949u, 950u}) ASSERT_EQ(EncodingOfCodePage(cp)->nCodePage, cp);
+    EXPECT_EQ(EncodingOfCodePage(437), nullptr);
+}
+
+TEST(EncodingLabels, EveryEncodingConvertsBothWays) {
+    for (const char* label : {"utf-8", "utf-16le", "utf-16be", "windows-1252", "shift_jis", "gbk", "euc-kr", "big5",
+                              "gb18030", "euc-jp", "iso-2022-jp", "ibm866", "iso-8859-2", "iso-8859-8-i",
+                              "iso-8859-16", "koi8-u", "macintosh", "x-mac-cyrillic", "windows-874", "windows-1258"}) {
+        std::string out, back;
+        const CEncodingInfo& enc = Enc(label);
+        ASSERT_TRUE(Transcode(Utf8Encoding(), enc, "<p>A</p>", &out).Ok()) << label;
+        ASSERT_TRUE(Transcode(enc, Utf8Encoding(), out, &back).Ok()) << label;
+        EXPECT_EQ(back, "<p>A</p>") << label;
+    }
+}
+
+TEST(Transcoder, FailuresGiveTheOffsetOfTheCharacterAndLeaveTheOutput) {
+    const std::string ascii(100, 'a');
+    struct Case {
+        std::string in;
+        TranscodeStatus status;
+        size_t offset;
+    } cases[] = {
+        {ascii + "\xC3\xA9\xC0", TranscodeStatus::BadInput, 102},
+        {ascii + "\xC3\xA9 x \xE6\x97", TranscodeStatus::Truncated, 105},
+        {"\xE6\x97\xA5" + ascii + "\xF8x", TranscodeStatus::BadInput, 103},
+    };
+    for (const Case& c : cases) {
+        std::string out = "kept";
+        const CTranscodeResult r = Transcode(Utf8Encoding(), Enc("windows-1252"), c.in, &out, kReference);
+        EXPECT_EQ(r.status, c.status) << c.offset;
+        EXPECT_EQ(r.nBadOffset, c.offset);
+        EXPECT_EQ(out, "kept");
+    }
+}
+
+TEST(Transcoder, DoubleByteTrailsThatLookLikeAsciiStayWithTheirLead) {
+    // 0x83 0x5C is a katakana whose second byte is a backslash; the long ASCII stretch between
+    // the two makes the fast path copy it, and it must not start inside the character.
+    const std::string stretch(40, '\\');
+    const std::string sjis = "\x83\x5C" + stretch + "\x83\x5C\x83";
+    std::string utf8;
+    const CTranscodeResult r = Transcode(Enc("shift_jis"), Utf8Encoding(), sjis.substr(0, sjis.size() - 1), &utf8);
+    ASSERT_TRUE(r.Ok());
+    EXPECT_EQ(utf8, "\xE3\x82\xBD" + stretch + "\xE3\x82\xBD");
+    std::string copy;
+    EXPECT_EQ(Transcode(Enc("shift_jis"), Enc("shift_jis"), sjis, &copy).status, TranscodeStatus::Truncated);
+    EXPECT_TRUE(Transcode(Enc("shift_jis"), Enc("sjis"), sjis.substr(0, sjis.size() - 1), &copy).Ok());
+    EXPECT_EQ(copy, sjis.substr(0, sjis.size() - 1));
+}
+
+TEST(Transcoder, Cp1252RoundTripsEveryByte) {
+    std::string all;
+    for (int b = 0; b < 256; ++b) all += static_cast<char>(b);
+    for (const char* via : {"utf-8", "utf-16be"}) {
+        std::string mid, back;
+        ASSERT_TRUE(Transcode(Enc("windows-1252"), Enc(via), all, &mid).Ok()) << via;
+        const CTranscodeResult r = Transcode(Enc(via), Enc("windows-1252"), mid, &back, kReference);
+        ASSERT_TRUE(r.Ok()) << via;
+        EXPECT_EQ(r.nUnmappable, 0u);
+        EXPECT_EQ(back, all) << via;
+    }
+}
+
+TEST(Transcoder, CanEncodeAsksTheTargetEncoding) {
+    EXPECT_TRUE(CanEncode(Enc("windows-1252"), 0x20AC));
+    EXPECT_FALSE(CanEncode(Enc("windows-1252"), 0x65E5));
+    EXPECT_TRUE(CanEncode(Enc("shift_jis"), 0x65E5));
+    EXPECT_FALSE(CanEncode(Enc("shift_jis"), 0xE9));
+    EXPECT_TRUE(CanEncode(Utf8Encoding(), 0x1F600));
+    EXPECT_FALSE(CanEncode(Utf8Encoding(), 0xD800));
+    EXPECT_FALSE(CanEncode(Utf8Encoding(), 0x110000));
+}
+
+// Random text of ASCII stretches of every length around the fast path's limit and characters
+// of one, two, three and four UTF-8 bytes, against a model built a character at a time.
+TEST(Transcoder, RandomTextAgreesWithAModel) {
+    struct Char {
+        char32_t ch;
+        const char* sjis;  // nullptr: Shift_JIS lacks it
+    };
+    const Char kChars[] = {{U'\u00E9', nullptr}, {U'\u65E5', "\x93\xFA"}, {U'\u30BD', "\x83\x5C"},
+                           {U'\uFF71', "\xB1"},  {U'\U0001F600', nullptr}, {U'\u00A7', "\x81\x98"}};
+    const unsigned seed = std::random_device{}();
+    std::mt19937 rng(seed);
+    for (int round = 0; round < 200; ++round) {
+        std::string utf8, sjis;
+        const int pieces = std::uniform_int_distribution<int>(0, 12)(rng);
+        for (int i = 0; i < pieces; ++i) {
+            if (rng() % 2) {
+                const std::string ascii(std::uniform_int_distribution<size_t>(0, 70)(rng), static_cast<char>('A' + rng() % 26));
+                utf8 += ascii;
+                sjis += ascii;
+                continue;
+            }
+            const Char& c = kChars[rng() % std::size(kChars)];
+            AppendUtf8(utf8, c.ch);
+            sjis += c.sjis ? std::string(c.sjis) : Reference(c.ch);
+        }
+        std::string out;
+        ASSERT_TRUE(Transcode(Utf8Encoding(), Enc("shift_jis"), utf8, &out, kReference).Ok()) << "seed " << seed;
+        ASSERT_EQ(out, sjis) << "seed " << seed << " round " << round;
+    }
+}
+
+}  // namespace
