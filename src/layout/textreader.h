@@ -1,18 +1,17 @@
-// Reads the document's bytes for layout, mapping and painting. Most readers look at a few lines,
-// so the reader copies small windows of the text: asking for the pointer to the whole text would
-// make the document close its gap, a move of half the text on every keystroke. A reader that may
-// take the pointer (a whole layout) switches to it once it has read so far that copying would
-// cost more than that move.
+// Reads the document's bytes for layout, mapping and painting through copies of windows of the
+// text. The reader never asks for the pointer to the whole text: that would make the document
+// close its gap, and the next keystroke would move it back, a move of half the text. Most readers
+// look at a few lines and copy a window or two; a reader that goes on (a whole layout) copies
+// ever larger windows, so that the cost of copying stays that of one memcpy of what it reads.
 #pragma once
 #include <algorithm>
+#include <memory>
 
 #include "src/document/sourcetext.h"
 
 class CTextReader {
 public:
-    // `mayTakePointer`: false for readers that must never make the document close its gap.
-    explicit CTextReader(ISourceText* doc, bool mayTakePointer = true)
-        : m_pDoc(doc), m_nLength(doc->GetLength()), m_bMayTakePointer(mayTakePointer) {}
+    explicit CTextReader(ISourceText* doc) : m_pDoc(doc), m_nLength(doc->GetLength()) {}
 
     long Length() const { return m_nLength; }
 
@@ -38,37 +37,32 @@ public:
     }
 
 private:
-    // Bytes per copy; a repair of a few lines fits in one or two.
-    static constexpr long kWindow = 4096;
+    // The first windows are small: a repair of a few lines fits in one or two.
+    static constexpr long kSmallWindow = 4096;
+    // Windows of a long read grow up to this, where a copy costs little more than its memcpy.
+    static constexpr long kLargeWindow = 256 * 1024;
     // A window starts a little before the byte asked for, as readers look a byte or two back.
     static constexpr long kLookBehind = 64;
-    // Windows copied before the reader takes the pointer instead: 256 KB is far beyond any
-    // repair of a few lines, and far below what closing the gap of a large text costs.
-    static constexpr int kWindowsBeforePointer = 64;
 
     void Fill(long pos) {
-        if (m_bMayTakePointer && ++m_nFills > kWindowsBeforePointer) {
-            char* text = nullptr;
-            m_pDoc->GetTextPointer(&text);
-            if (text) {
-                m_pWin = text;
-                m_nWinStart = 0;
-                m_nWinLen = m_nLength;
-                return;
-            }
+        long size = kSmallWindow;
+        if (++m_nFills > 2) {
+            size = std::min(kLargeWindow, kSmallWindow << std::min(m_nFills - 2, 6));
+            if (!m_pLarge) m_pLarge = std::make_unique<char[]>(kLargeWindow);
         }
         m_nWinStart = std::max(0L, pos - kLookBehind);
-        m_nWinLen = std::min(kWindow, m_nLength - m_nWinStart);
-        m_pDoc->CopyText(m_aWindow, m_nWinStart, m_nWinLen);
-        m_pWin = m_aWindow;
+        m_nWinLen = std::min(size, m_nLength - m_nWinStart);
+        char* window = size > kSmallWindow ? m_pLarge.get() : m_aSmall;
+        m_pDoc->CopyText(window, m_nWinStart, m_nWinLen);
+        m_pWin = window;
     }
 
     ISourceText* m_pDoc;
     long m_nLength;
-    bool m_bMayTakePointer;
     const char* m_pWin = nullptr;
     long m_nWinStart = 0;
     long m_nWinLen = 0;
     int m_nFills = 0;
-    char m_aWindow[kWindow];
+    char m_aSmall[kSmallWindow];
+    std::unique_ptr<char[]> m_pLarge;
 };
