@@ -243,6 +243,10 @@ A	size	9	1		Size of the element; for fonts a size from 1 to 7, or relative with 
 T	bdi	2	The bdi element represents a span of text that is to be isolated from its surroundings for the purposes of bidirectional text formatting. [BIDI]
 T	bdo	2	The bdo element represents explicit text directionality formatting control for its children. It allows authors to override the Unicode bidirectional algorithm by explicitly specifying a direction override. [BIDI]
 T	bgsound	3	Plays a background sound while the page is open (a vendor extension).
+A	balance	2	3		Balance of the sound between the left and right speakers (a vendor extension).
+A	loop	3	3		How often the sound is played; -1 or infinite plays it without end.
+A	src	13	3		The image URL. This attribute is mandatory for the <img> element. On browsers supporting srcset, src is treated like a candidate image with a pixel density descriptor 1x unless an image with this pixel density descriptor is already defined in srcset, or unless srcset contains 'w' descriptors.
+A	volume	2	3		Volume of the sound (a vendor extension).
 T	big	1	Renders its text one font size larger.
 T	blink	3	Makes its text blink (a vendor extension).
 T	blockquote	2	The blockquote element represents content that is quoted from another source, optionally with a citation which must be within a footer or cite element, and optionally with in-line changes such as annotations and abbreviations.
@@ -420,12 +424,12 @@ A	frameborder	1	1	frameborder	Whether a border is drawn around the frame.
 A	height	8	2		The height of the frame in CSS pixels. Default is 150.
 A	importance	2	2		The download priority of the resource in the <iframe>'s src attribute. Allowed values:
 A	loading	2	2		Indicates how the browser should load the image.
-A	longdesc	4	1		URL of a long description of the element.
+)ZSCHEMA"
+R"ZSCHEMA(A	longdesc	4	1		URL of a long description of the element.
 A	marginheight	8	1		Margin in pixels above and below the content of the frame.
 A	marginwidth	8	1		Margin in pixels to the left and right of the content of the frame.
 A	name	2	2		A targetable name for the embedded browsing context.
-)ZSCHEMA"
-R"ZSCHEMA(A	referrerpolicy	2	2		Indicates which referrer to send when fetching the frame's resource:
+A	referrerpolicy	2	2		Indicates which referrer to send when fetching the frame's resource:
 A	sandbox	1	2	~sb	Applies extra restrictions to the content in the frame. The value of the attribute can either be empty to apply all restrictions, or space-separated tokens to lift particular restrictions:
 A	scrolling	1	1	scrolling	Whether the frame shows scroll bars.
 A	seamless	0	2		Renders the frame as part of the page (dropped from the standard).
@@ -555,6 +559,9 @@ A	min	2	2		The lower numeric bound of the measured range. This must be less than
 A	optimum	2	2		This attribute indicates the optimal numeric value. It must be within the range (as defined by the min attribute and max attribute). When used with the low attribute and high attribute, it gives an indication where along the range is considered preferable.
 A	value	2	2		The current numeric value. This must be between the minimum and maximum values (min attribute and max attribute) if they are specified. If unspecified or malformed, the value is 0.
 T	multicol	3	Lays its content out in several columns (a vendor extension).
+A	cols	3	3		The number of columns, or for a frameset the widths of its columns.
+A	gutter	2	3		Space in pixels between the columns (a vendor extension).
+A	width	8	3		Width of the element, in pixels or as a percentage.
 T	nav	2	The nav element represents a section of a page that links to other pages or to parts within the page: a section with navigation links.
 T	nextid	3	Gave the next free identifier for generated anchors in early HTML.
 T	nobr	3	Keeps its text on one line (a vendor extension).
@@ -661,6 +668,11 @@ A	srcset	2	2		A list of one or more strings separated by commas indicating a set
 A	type	2	2		The MIME-type of the resource, optionally with a codecs parameter. See RFC 4281 for information about how to specify codecs.
 A	width	8	2		Width of the element, in pixels or as a percentage.
 T	spacer	3	Inserts blank space of a given size (a vendor extension).
+A	align	1	3	halignJustify	Horizontal (or, for embedded objects, vertical) alignment of the element.
+A	height	8	3		Height of the element, in pixels or as a percentage.
+A	size	3	3		Size of the element; for fonts a size from 1 to 7, or relative with + or -.
+A	type	2	3		The type of the element or of its content.
+A	width	8	3		Width of the element, in pixels or as a percentage.
 T	span	2	The span element doesn't mean anything on its own, but can be useful when used together with the global attributes, e.g. class, lang, or dir. It represents its children.
 T	strike	1	Renders its text struck through; the current standard uses s or del.
 T	strong	2	The strong element represents strong importance, seriousness, or urgency for its contents.
@@ -813,7 +825,8 @@ V	current	location
 V	current	date	
 V	current	time	
 V	current	true	
-V	current	false	
+)ZSCHEMA"
+R"ZSCHEMA(V	current	false	
 V	d	ltr	
 V	d	rtl	
 V	d	auto	
@@ -825,8 +838,7 @@ V	dropeffect	move
 V	dropeffect	link	
 V	dropeffect	execute	
 V	dropeffect	popup	
-)ZSCHEMA"
-R"ZSCHEMA(V	dropeffect	none	
+V	dropeffect	none	
 V	enterkeyhint	enter	
 V	enterkeyhint	done	
 V	enterkeyhint	go	
@@ -1214,7 +1226,8 @@ C	darkblue	00008b
 C	darkcyan	008b8b
 C	darkgoldenrod	b8860b
 C	darkgray	a9a9a9
-C	darkgreen	006400
+)ZSCHEMA"
+R"ZSCHEMA(C	darkgreen	006400
 C	darkgrey	a9a9a9
 C	darkkhaki	bdb76b
 C	darkmagenta	8b008b
@@ -1226,8 +1239,7 @@ C	darksalmon	e9967a
 C	darkseagreen	8fbc8f
 C	darkslateblue	483d8b
 C	darkslategray	2f4f4f
-)ZSCHEMA"
-R"ZSCHEMA(C	darkslategrey	2f4f4f
+C	darkslategrey	2f4f4f
 C	darkturquoise	00ced1
 C	darkviolet	9400d3
 C	deeppink	ff1493
@@ -1615,7 +1627,8 @@ E	LongRightArrow	27F6
 E	Longleftarrow	27F8
 E	Longleftrightarrow	27FA
 E	Longrightarrow	27F9
-E	Lopf	1D543
+)ZSCHEMA"
+R"ZSCHEMA(E	Lopf	1D543
 E	LowerLeftArrow	2199
 E	LowerRightArrow	2198
 E	Lscr	2112
@@ -1627,8 +1640,7 @@ E	Mcy	41C
 E	MediumSpace	205F
 E	Mellintrf	2133
 E	Mfr	1D510
-)ZSCHEMA"
-R"ZSCHEMA(E	MinusPlus	2213
+E	MinusPlus	2213
 E	Mopf	1D544
 E	Mscr	2133
 E	Mu	39C
@@ -2016,7 +2028,8 @@ E	because	2235
 E	bemptyv	29B0
 E	bepsi	3F6
 E	bernou	212C
-E	beta	3B2
+)ZSCHEMA"
+R"ZSCHEMA(E	beta	3B2
 E	beth	2136
 E	between	226C
 E	bfr	1D51F
@@ -2028,8 +2041,7 @@ E	bigoplus	2A01
 E	bigotimes	2A02
 E	bigsqcup	2A06
 E	bigstar	2605
-)ZSCHEMA"
-R"ZSCHEMA(E	bigtriangledown	25BD
+E	bigtriangledown	25BD
 E	bigtriangleup	25B3
 E	biguplus	2A04
 E	bigvee	22C1
@@ -2417,7 +2429,8 @@ E	gt	3E	l
 E	gtcc	2AA7
 E	gtcir	2A7A
 E	gtdot	22D7
-E	gtlPar	2995
+)ZSCHEMA"
+R"ZSCHEMA(E	gtlPar	2995
 E	gtquest	2A7C
 E	gtrapprox	2A86
 E	gtrarr	2978
@@ -2429,8 +2442,7 @@ E	gtrsim	2273
 E	gvertneqq	2269,FE00
 E	gvnE	2269,FE00
 E	hArr	21D4
-)ZSCHEMA"
-R"ZSCHEMA(E	hairsp	200A
+E	hairsp	200A
 E	half	BD
 E	hamilt	210B
 E	hardcy	44A
@@ -2818,7 +2830,8 @@ E	npreceq	2AAF,338
 E	nrArr	21CF
 E	nrarr	219B
 E	nrarrc	2933,338
-E	nrarrw	219D,338
+)ZSCHEMA"
+R"ZSCHEMA(E	nrarrw	219D,338
 E	nrightarrow	219B
 E	nrtri	22EB
 E	nrtrie	22ED
@@ -2830,8 +2843,7 @@ E	nshortmid	2224
 E	nshortparallel	2226
 E	nsim	2241
 E	nsime	2244
-)ZSCHEMA"
-R"ZSCHEMA(E	nsimeq	2244
+E	nsimeq	2244
 E	nsmid	2224
 E	nspar	2226
 E	nsqsube	22E2
@@ -3219,7 +3231,8 @@ E	subset	2282
 E	subseteq	2286
 E	subseteqq	2AC5
 E	subsetneq	228A
-E	subsetneqq	2ACB
+)ZSCHEMA"
+R"ZSCHEMA(E	subsetneqq	2ACB
 E	subsim	2AC7
 E	subsub	2AD5
 E	subsup	2AD3
@@ -3231,8 +3244,7 @@ E	succnapprox	2ABA
 E	succneqq	2AB6
 E	succnsim	22E9
 E	succsim	227F
-)ZSCHEMA"
-R"ZSCHEMA(E	sum	2211
+E	sum	2211
 E	sung	266A
 E	sup	2283
 E	sup1	B9	l

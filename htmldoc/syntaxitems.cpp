@@ -116,24 +116,19 @@ public:
     HRESULT GetDescription(std::string* out) override { return FillString(out, Description()); }
     long GetChildCount() override { return static_cast<long>(Children().size()); }
     HRESULT GetChildName(std::string* out, long index) override {
-        std::vector<ComPtr<CSchemaNode>> children = Children();
         if (!out) return E_POINTER;
-        if (index < 0 || index >= static_cast<long>(children.size())) return E_INVALIDARG;
-        *out = children[static_cast<size_t>(index)]->Name();
+        if (index < 0 || index >= static_cast<long>(Children().size())) return E_INVALIDARG;
+        *out = ChildAt(static_cast<size_t>(index))->Name();
         return S_OK;
     }
     long FindChild(const char* name, ISourceSchema** out) override {
         if (!out) return E_POINTER;
         *out = nullptr;
         if (!name) return E_INVALIDARG;
-        std::string wanted = Upper(name);
-        for (auto& child : Children()) {
-            if (child->Name() == wanted || (child->m_level == Level::Value && child->Name() == name)) {
-                *out = child.Detach();
-                return 0;
-            }
-        }
-        return 1;
+        ComPtr<CSchemaNode> child = Find(name);
+        if (!child) return 1;
+        *out = child.Detach();
+        return 0;
     }
     long GetRed() override { return Color().r; }
     long GetGreen() override { return Color().g; }
@@ -179,29 +174,55 @@ private:
         }
         return {};
     }
-    std::vector<ComPtr<CSchemaNode>> Children() const {
+    // Indexes of the children: tags, attributes, values or colours.
+    const std::vector<int>& Children() {
+        if (m_bChildrenKnown) return m_children;
+        m_bChildrenKnown = true;
         const CHtmlSchema& s = Schema();
-        std::vector<ComPtr<CSchemaNode>> out;
         if (m_level == Level::Root) {
             for (size_t t = 0; t < s.Tags().size(); ++t)
-                if (s.Tags()[t].name != "*") out.emplace_back(new CSchemaNode(Level::Tag, static_cast<int>(t)));
+                if (s.Tags()[t].name != "*") m_children.push_back(static_cast<int>(t));
         } else if (m_level == Level::Tag) {
-            for (int a : s.AllAttrsOf(m_nIndex)) out.emplace_back(new CSchemaNode(Level::Attr, a, m_nIndex));
+            m_children = s.AllAttrsOf(m_nIndex);
         } else if (m_level == Level::Attr) {
             const CSchemaAttr& attr = s.Attrs()[m_nIndex];
-            if (attr.valueSet >= 0) {
-                for (size_t v = 0; v < s.ValueSets()[attr.valueSet].values.size(); ++v)
-                    out.emplace_back(new CSchemaNode(Level::Value, static_cast<int>(v), m_nIndex));
-            } else if (attr.type == ST_COLOR) {
-                for (size_t c = 0; c < s.Colors().size(); ++c) out.emplace_back(new CSchemaNode(Level::Color, static_cast<int>(c)));
-            }
+            size_t count = attr.valueSet >= 0 ? s.ValueSets()[attr.valueSet].values.size() : attr.type == ST_COLOR ? s.Colors().size() : 0;
+            for (size_t i = 0; i < count; ++i) m_children.push_back(static_cast<int>(i));
         }
-        return out;
+        return m_children;
+    }
+    Level ChildLevel() const {
+        if (m_level == Level::Root) return Level::Tag;
+        if (m_level == Level::Tag) return Level::Attr;
+        return Schema().Attrs()[m_nIndex].valueSet >= 0 ? Level::Value : Level::Color;
+    }
+    ComPtr<CSchemaNode> ChildAt(size_t i) {
+        Level level = ChildLevel();
+        int parent = m_level == Level::Root ? -1 : m_nIndex;
+        return ComPtr<CSchemaNode>(new CSchemaNode(level, Children()[i], parent));
+    }
+    ComPtr<CSchemaNode> Find(const std::string& name) {
+        const CHtmlSchema& s = Schema();
+        int found = -1;
+        if (m_level == Level::Root) {
+            found = s.FindTag(name);
+        } else if (m_level == Level::Tag) {
+            found = s.FindAttr(m_nIndex, name);
+        } else if (m_level == Level::Attr && ChildLevel() == Level::Value) {
+            found = s.FindValue(m_nIndex, name);
+        } else if (m_level == Level::Attr) {
+            for (int c : Children())
+                if (Upper(s.Colors()[c].name) == Upper(name)) found = c;
+        }
+        if (found < 0 || (m_level == Level::Attr && Children().empty())) return nullptr;
+        return ComPtr<CSchemaNode>(new CSchemaNode(ChildLevel(), found, m_level == Level::Root ? -1 : m_nIndex));
     }
 
     Level m_level;
     int m_nIndex;
     int m_nParent;
+    bool m_bChildrenKnown = false;
+    std::vector<int> m_children;
 };
 
 class CSchemaDispatch final : public CUnknownImpl<IDispatch, IID_IDispatch> {

@@ -130,7 +130,8 @@ function build(d) {
     if (!description) missing.push(name);
     const attrs = new Map();
     for (const a of web?.attributes ?? []) if (!globals.has(a.name)) attrs.set(a.name, attrRecord(name, a.name, a));
-    for (const a of d.elementAttributes[name] ?? []) if (!attrs.has(a) && !globals.has(a)) attrs.set(a, attrRecord(name, a, null));
+    for (const a of [...(d.elementAttributes[name] ?? []), ...(extra.extraAttributes[name] ?? [])])
+      if (!attrs.has(a) && !globals.has(a)) attrs.set(a, attrRecord(name, a, null));
     tags.push([name, tagSource(name), description, [...attrs.values()].sort((x, y) => x[0].localeCompare(y[0]))]);
   }
   if (missing.length) throw new Error(`no description for: ${missing.join(' ')}`);

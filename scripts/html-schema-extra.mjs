@@ -110,6 +110,13 @@ export const legacyFlags = ['nowrap', 'noshade', 'compact', 'ismap', 'declare', 
 export const openValueSets = ['target', 'sb', 'inputautocomplete', 'autocomplete', 'roles', 'metanames',
   'relevant', 'dropeffect', 'et', 'scriptLanguage', 'im'];
 
+// Attributes of vendor tags that no data set lists.
+export const extraAttributes = {
+  bgsound: ['src', 'loop', 'balance', 'volume'],
+  spacer: ['type', 'size', 'width', 'height', 'align'],
+  multicol: ['cols', 'gutter', 'width'],
+};
+
 export const tagDescriptions = {
   acronym: 'Marks an acronym; the current standard uses abbr instead.',
   applet: 'Embeds a Java applet; replaced by object.',
@@ -151,6 +158,10 @@ export const tagDescriptions = {
 };
 
 export const attrDescriptions = {
+  balance: 'Balance of the sound between the left and right speakers (a vendor extension).',
+  volume: 'Volume of the sound (a vendor extension).',
+  gutter: 'Space in pixels between the columns (a vendor extension).',
+  'bgsound.loop': 'How often the sound is played; -1 or infinite plays it without end.',
   role: 'The ARIA role of the element, for assistive technology.',
   onformchange: 'Script run when a control of the form changes (dropped from the standard).',
   onforminput: 'Script run when a control of the form gets input (dropped from the standard).',
