@@ -106,6 +106,7 @@ void CSyntaxState::OnReplace(long pos, long oldCount, long newCount) {
     m_store.Replace(pos, oldCount, newCount);
     ShiftCheckpoints(pos, oldCount, newCount);
     bool inStale = pos < m_nStaleEnd;
+    bool hadStale = m_nValidEnd < m_nStaleEnd;
     long oldValidEnd = m_nValidEnd;
     m_nStaleEnd = MapEnd(m_nStaleEnd, pos, oldCount, newCount);
     m_nDirtyEnd = MapEnd(m_nDirtyEnd, pos, oldCount, newCount);
@@ -126,7 +127,7 @@ void CSyntaxState::OnReplace(long pos, long oldCount, long newCount) {
             m_resume = CLexState{};
         }
         m_nStaleEnd = std::max(m_nStaleEnd, MapEnd(oldValidEnd, pos, oldCount, newCount));
-        m_nDirtyEnd = std::max(m_nDirtyEnd, pos + newCount);
+        m_nDirtyEnd = hadStale ? std::max(m_nDirtyEnd, pos + newCount) : pos + newCount;
         m_bFinished = false;
     } else if (inStale) {
         m_nDirtyEnd = std::max(m_nDirtyEnd, pos + newCount);
