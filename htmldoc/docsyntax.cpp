@@ -10,6 +10,7 @@
 #include "htmldoc/htmldocument.h"
 #include "htmldoc/syntaxitems.h"
 #include "platform/codepage/convert.h"
+#include "platform/codepage/unicode.h"
 
 namespace {
 
@@ -17,32 +18,13 @@ constexpr size_t kMaxItemName = 64;
 
 bool IsNameEnd(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f' || c == '>' || c == '/'; }
 
-std::string Utf8Of(char32_t cp) {
-    std::string out;
-    if (cp < 0x80) {
-        out += static_cast<char>(cp);
-    } else if (cp < 0x800) {
-        out += static_cast<char>(0xC0 | (cp >> 6));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else if (cp < 0x10000) {
-        out += static_cast<char>(0xE0 | (cp >> 12));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    } else {
-        out += static_cast<char>(0xF0 | (cp >> 18));
-        out += static_cast<char>(0x80 | ((cp >> 12) & 0x3F));
-        out += static_cast<char>(0x80 | ((cp >> 6) & 0x3F));
-        out += static_cast<char>(0x80 | (cp & 0x3F));
-    }
-    return out;
-}
-
 // The character in the process code page, or empty when it has none or is a control character.
 std::string CharInCodePage(char32_t cp) {
     if (cp < 0x20 || (cp >= 0x7F && cp < 0xA0) || (cp >= 0xD800 && cp < 0xE000)) return {};
-    std::string out;
+    std::string utf8, out;
+    AppendUtf8(utf8, cp);
     bool lost = false;
-    Utf8ToMultiByte(CP_ACP, Utf8Of(cp), &out, [&](char32_t, std::string&) { lost = true; });
+    Utf8ToMultiByte(CP_ACP, utf8, &out, [&](char32_t, std::string&) { lost = true; });
     return lost ? std::string() : out;
 }
 

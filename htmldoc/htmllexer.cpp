@@ -176,16 +176,19 @@ long CHtmlLexer::Open(const char* bytes, long i) {
     return i;
 }
 
-long CHtmlLexer::TagName(const char* bytes, long i, long n) {
-    for (; i < n; ++i) {
-        auto c = static_cast<unsigned char>(bytes[i]);
-        if (IsSpace(c) || c == '/' || c == '>') {
-            m_nPos = At(i);
-            ResolveTagName();
-            m_state.mode = M_IN_TAG;
-            return i;
-        }
+bool CHtmlLexer::HoldNameUpTo(const char* bytes, long* i, long n, bool stopAtEquals) {
+    for (; *i < n; ++*i) {
+        auto c = static_cast<unsigned char>(bytes[*i]);
+        if (IsSpace(c) || c == '/' || c == '>' || (stopAtEquals && c == '=')) return true;
         HoldName(Lower(c));
+    }
+    return false;
+}
+
+long CHtmlLexer::TagName(const char* bytes, long i, long n) {
+    if (HoldNameUpTo(bytes, &i, n, false)) {
+        ResolveTagName();
+        m_state.mode = M_IN_TAG;
     }
     return i;
 }
@@ -247,14 +250,9 @@ long CHtmlLexer::InTag(const char* bytes, long i) {
 }
 
 long CHtmlLexer::AttrName(const char* bytes, long i, long n) {
-    for (; i < n; ++i) {
-        auto c = static_cast<unsigned char>(bytes[i]);
-        if (IsSpace(c) || c == '/' || c == '>' || c == '=') {
-            ResolveAttrName();
-            m_state.mode = M_AFTER_ATTR;
-            return i;
-        }
-        HoldName(Lower(c));
+    if (HoldNameUpTo(bytes, &i, n, true)) {
+        ResolveAttrName();
+        m_state.mode = M_AFTER_ATTR;
     }
     return i;
 }

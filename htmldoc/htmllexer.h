@@ -120,6 +120,8 @@ private:
     void EndOfTag();
     void StartValue(long pos, uint8_t quote);
     void HoldName(char c);
+    // Holds the bytes of a tag or attribute name; true when its end was reached.
+    bool HoldNameUpTo(const char* bytes, long* i, long n, bool stopAtEquals);
     long At(long i) const { return m_nBase + i; }
 
     ISyntaxCodeSink& m_sink;
