@@ -25,6 +25,7 @@ void CHtmlDocument::Apply(long pos, long oldCount, std::string_view text) {
     // The lines read the new text before the buffer changes, in case it points into it.
     m_lines.Replace(pos, oldCount, text);
     m_text.Replace(pos, oldCount, text.data(), static_cast<long>(text.size()));
+    m_syntax.OnReplace(pos, oldCount, static_cast<long>(text.size()));
     for (auto& range : m_ranges) range->AdjustForEdit(pos, oldCount, static_cast<long>(text.size()));
 }
 

@@ -91,4 +91,5 @@ void CGapBuffer::Assign(std::string_view text) {
     m_nLength = length;
     m_nGapStart = length;
     m_bPointerAsked = false;
+    ++m_nGeneration;
 }

@@ -2,6 +2,7 @@
 // shifting the whole text, and the gap is closed (moved to the end) only when someone asks for
 // the text as one contiguous array.
 #pragma once
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,15 @@ public:
     // The byte at pos, for 0 <= pos < Length().
     char At(long pos) const { return pos < m_nGapStart ? m_pBuf[pos] : m_pBuf[pos + GapSize()]; }
     void Copy(char* dst, long pos, long count) const;
+    // The bytes from `pos` up to the gap or the end, at most `count` of them, read in place.
+    // Valid until the next change.
+    std::string_view Piece(long pos, long count) const {
+        long end = pos < m_nGapStart ? std::min(m_nGapStart, pos + count) : pos + count;
+        const char* p = pos < m_nGapStart ? m_pBuf.get() + pos : m_pBuf.get() + pos + GapSize();
+        return {p, static_cast<size_t>(end - pos)};
+    }
+    // Counts the texts that Assign put in, so that a reader can tell a new text from an edited one.
+    unsigned long Generation() const { return m_nGeneration; }
     std::string Substr(long pos, long count) const;
 
     // The whole text as one array, followed by a readable NUL. Valid until the next change.
@@ -39,4 +49,5 @@ private:
     long m_nLength = 0;
     long m_nGapStart = 0;  // the gap is [m_nGapStart, m_nGapStart + GapSize())
     bool m_bPointerAsked = false;  // the text was asked for as one array since the last edit
+    unsigned long m_nGeneration = 0;
 };

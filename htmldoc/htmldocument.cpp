@@ -8,7 +8,10 @@
 
 ComPtr<CHtmlDocument> CreateHtmlDocument() { return ComPtr<CHtmlDocument>(new CHtmlDocument); }
 
-CHtmlDocument::CHtmlDocument() = default;
+CHtmlDocument::CHtmlDocument() {
+    m_syntax.SetRepaint([this](long start, long end) { PostRepaint(start, end); });
+    m_syntax.SetBusy([this](bool busy) { NotifyBusy(busy, "Classifying text"); });
+}
 
 CHtmlDocument::~CHtmlDocument() {
     // Ranges that callers still hold outlive the document: they stop following it.
@@ -20,6 +23,8 @@ HRESULT CHtmlDocument::QueryInterface(REFIID riid, void** ppv) {
     if (!ppv) return E_POINTER;
     if (riid == IID_IUnknown || riid == IID_ISourceText) return HandOut(static_cast<ISourceText*>(this), ppv);
     if (riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+    if (riid == IID_ISourceSyntax) return HandOut(static_cast<ISourceSyntax*>(this), ppv);
+    if (riid == IID_ISourceTokens) return HandOut(static_cast<ISourceTokens*>(this), ppv);
     *ppv = nullptr;
     return E_NOINTERFACE;
 }

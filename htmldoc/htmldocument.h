@@ -8,6 +8,10 @@
 // Action codes: 1 for InsertText (the new span), 2 for DeleteText (the old span), 5 for any
 // ReplaceText (the new span); SetText and a load report 3 (all the text gone) and then, for a
 // text that is not empty, 1 for the new text.
+//
+// The document also classifies its text as HTML (ISourceSyntax, ISourceTokens; the rules are in
+// htmllexer.h, the incremental bookkeeping in syntaxstate.h): lazily, and in the background
+// through a hidden window of its own where a window backend is installed.
 #pragma once
 #include <functional>
 #include <string>
@@ -17,12 +21,13 @@
 #include "htmldoc/fileencoding.h"
 #include "htmldoc/gapbuffer.h"
 #include "htmldoc/hardlines.h"
+#include "htmldoc/syntaxstate.h"
 #include "htmldoc/undostack.h"
 #include "src/document/sourcetext.h"
 
 class CSourceRange;
 
-class CHtmlDocument final : public ISourceText, public IDispatch {
+class CHtmlDocument final : public ISourceText, public ISourceSyntax, public ISourceTokens, public IDispatch {
 public:
     // Texts above this size announce their load through OnBusy.
     static constexpr long kBusyBytes = 1 << 20;
@@ -67,6 +72,14 @@ public:
     HRESULT NextWord(long pos, long* out) override;
     HRESULT GetTextLine(long pos, long* line) override;
     HRESULT GetTextLineStart(long line, long* pos) override;
+
+    // ISourceSyntax
+    HRESULT GetSchema(IDispatch** out) override;
+    HRESULT GetItemAt(long pos, long* itemStart, ISourceSyntaxItem** out) override;
+    long GetClassAt(long pos) override { return kClassOfCode[m_syntax.CodeAt(pos)]; }
+    HRESULT GetDocItemAt(long pos, ISourceDocItem** out) override;
+    // ISourceTokens
+    HRESULT GetToken(long pos, ISourceTokenInfo* out) override;
 
     // IDispatch: Text, Length, PathName, Modified, LineCount, Encoding, DefaultEncoding,
     // ByteOrderMark; Undo, Redo, Load, Save.
@@ -136,6 +149,7 @@ public:
     // A range is going away.
     void Forget(CSourceRange* range);
     void NotifyBusy(bool busy, const char* text);
+    CSyntaxState& Syntax() { return m_syntax; }
 
 private:
     ~CHtmlDocument();
@@ -158,6 +172,8 @@ private:
     HRESULT Rewind(bool undo, long* caretPos);
     // Drops tracked ranges that no one but this document can reach any more.
     void PruneRanges();
+    // The token that covers pos, which lies in the text.
+    ISourceTokenInfo FindToken(long pos);
 
     CRefCount m_refs;
     CGapBuffer m_text;
@@ -169,6 +185,9 @@ private:
     std::vector<ComPtr<ISourceTextSink>> m_sinks;
     std::vector<ComPtr<CSourceRange>> m_ranges;  // the tracking references
     CSourceRange* m_pSelection = nullptr;        // not counted; the range clears it when it goes
+    CSyntaxState m_syntax{m_text};
+    ISourceTokenInfo m_lastToken{-1, 0, 0};  // the token found last, while the version holds
+    uint64_t m_nTokenVersion = 0;
 };
 
 ComPtr<CHtmlDocument> CreateHtmlDocument();

@@ -244,11 +244,4 @@ TEST(DocumentContract, PostRepaintPostsAStyleChangeToTheSinksWindow) {
     EXPECT_FALSE(PeekMessage(&msg, hwnd, 0, 0, PM_REMOVE));
 }
 
-TEST(DocumentContract, SyntaxInterfacesAreNotOffered) {
-    auto doc = CreateHtmlDocument();
-    EXPECT_FALSE(QueryAs<IUnknown>(static_cast<ISourceText*>(doc.Get()), IID_ISourceSyntax));
-    EXPECT_FALSE(QueryAs<IUnknown>(static_cast<ISourceText*>(doc.Get()), IID_ISourceTokens));
-    EXPECT_TRUE(QueryAs<IDispatch>(static_cast<ISourceText*>(doc.Get()), IID_IDispatch));
-}
-
 }  // namespace

@@ -1,0 +1,5 @@
+// The generated HTML schema data: records one a line (see schemadata.cpp for the format).
+#pragma once
+
+extern const char kHtmlSchemaData[];
+extern const unsigned long kHtmlSchemaDataSize;
