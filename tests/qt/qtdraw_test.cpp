@@ -23,7 +23,9 @@
 #include "platform/window/controls.h"
 #include "platform/window/paint.h"
 #include "platform/window/scrollbar.h"
+#include "tests/platform/fontrequest.h"
 #include "tests/platform/recorder.h"
+#include "tests/qt/processuntil.h"
 
 namespace {
 
@@ -31,15 +33,6 @@ constexpr COLORREF kWhite = 0xFFFFFF;
 constexpr COLORREF kBlack = 0x000000;
 
 constexpr COLORREF Rgb(int r, int g, int b) { return static_cast<COLORREF>(r | g << 8 | b << 16); }
-
-LOGFONTA Font(const char* face, LONG height, BYTE charset = DEFAULT_CHARSET) {
-    LOGFONTA lf;
-    lf.lfHeight = height;
-    lf.lfWeight = FW_NORMAL;
-    lf.lfCharSet = charset;
-    std::strncpy(lf.lfFaceName, face, LF_FACESIZE - 1);
-    return lf;
-}
 
 bool IsInk(QRgb px) { return qGray(px) < 160; }
 
@@ -50,17 +43,6 @@ int InkIn(const QImage& image, const QRect& rc) {
     for (int y = r.top(); y <= r.bottom(); ++y)
         for (int x = r.left(); x <= r.right(); ++x) n += IsInk(image.pixel(x, y));
     return n;
-}
-
-template <class Pred>
-bool ProcessUntil(Pred done) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < 1000) {
-        QCoreApplication::processEvents();
-        QThread::msleep(1);
-    }
-    return done();
 }
 
 class QtDrawTest : public ::testing::Test {
@@ -90,7 +72,7 @@ protected:
 TEST_F(QtDrawTest, CellHeightIsExactAndAdvancesAreWholeInkBoundTriples) {
     for (LONG height : {12 + 6, 15, 23, 40}) {
         CFont font;
-        LOGFONTA lf = Font("Times New Roman", height);
+        LOGFONTA lf = FontRequest("Times New Roman", height);
         ASSERT_TRUE(font.CreateFontIndirect(&lf));
         const auto* qt = static_cast<const CQtFont*>(font.Impl());
         EXPECT_EQ(qt->RawFont(CQtFont::kPrimary).familyName(), "Liberation Serif");
@@ -106,11 +88,11 @@ TEST_F(QtDrawTest, CellHeightIsExactAndAdvancesAreWholeInkBoundTriples) {
         EXPECT_GT(font.Impl()->Advance('W'), font.Impl()->Advance('i'));
     }
     CFont mono, em;
-    LOGFONTA lf = Font("Courier New", 18);
+    LOGFONTA lf = FontRequest("Courier New", 18);
     ASSERT_TRUE(mono.CreateFontIndirect(&lf));
     EXPECT_EQ(mono.Impl()->Advance('i'), mono.Impl()->Advance('W'));
     EXPECT_EQ(mono.Impl()->Metrics().tmPitchAndFamily & TMPF_FIXED_PITCH, 0);
-    lf = Font("Arial", -20);  // the em size
+    lf = FontRequest("Arial", -20);  // the em size
     ASSERT_TRUE(em.CreateFontIndirect(&lf));
     EXPECT_GT(em.Impl()->Metrics().tmHeight, 20);
 }
@@ -119,7 +101,7 @@ TEST_F(QtDrawTest, TextLandsInTheCellsTheBaseLaidOut) {
     CBitmap bitmap;
     std::unique_ptr<CDC> dc = Canvas(&bitmap, 240, 40);
     CFont font;
-    LOGFONTA lf = Font("Times New Roman", 18);
+    LOGFONTA lf = FontRequest("Times New Roman", 18);
     ASSERT_TRUE(font.CreateFontIndirect(&lf));
     dc->SelectObject(&font);
     dc->SetTextAlign(TA_BASELINE);
@@ -142,7 +124,9 @@ TEST_F(QtDrawTest, TextLandsInTheCellsTheBaseLaidOut) {
     int x = x0;
     for (int i = 0; i < n; ++i) {
         const int advance = font.Impl()->Advance(static_cast<BYTE>(text[i]));
-        if (text[i] != ' ') EXPECT_GT(InkIn(image, QRect(x, cells.top(), advance, tm.tmHeight)), 0) << i;
+        if (text[i] != ' ') {
+            EXPECT_GT(InkIn(image, QRect(x, cells.top(), advance, tm.tmHeight)), 0) << i;
+        }
         x += advance;
     }
 }
@@ -151,7 +135,7 @@ TEST_F(QtDrawTest, ClippedTextStaysInItsRectangle) {
     CBitmap bitmap;
     std::unique_ptr<CDC> dc = Canvas(&bitmap, 120, 40);
     CFont font;
-    LOGFONTA lf = Font("Times New Roman", 30);
+    LOGFONTA lf = FontRequest("Times New Roman", 30);
     font.CreateFontIndirect(&lf);
     dc->SelectObject(&font);
     dc->SetTextAlign(TA_BASELINE);
@@ -167,7 +151,7 @@ TEST_F(QtDrawTest, SymbolFontDrawsTheTabAndReturnArrows) {
     CBitmap bitmap;
     std::unique_ptr<CDC> dc = Canvas(&bitmap, 80, 30);
     CFont font;
-    LOGFONTA lf = Font("Symbol", 18, SYMBOL_CHARSET);
+    LOGFONTA lf = FontRequest("Symbol", 18, FW_NORMAL, 0, SYMBOL_CHARSET);
     ASSERT_TRUE(font.CreateFontIndirect(&lf));
     dc->SelectObject(&font);
     dc->SetTextAlign(TA_BASELINE);
@@ -196,6 +180,11 @@ TEST_F(QtDrawTest, BlitsCopyPixelsExactlyAndInvertIsTheDifferenceWithWhite) {
     // A copy within one bitmap reads the pixels as they were.
     ASSERT_TRUE(dst->BitBlt(12, 20, 16, 16, dst.get(), 10, 20, SRCCOPY));
     EXPECT_EQ(ImageOf(to).pixel(12, 30), ImageOf(from).pixel(0, 5));
+    // A bitmap deleted while selected lives on until its context lets go of it.
+    from.DeleteObject();
+    src->FillSolidRect(RECT{0, 0, 4, 4}, kBlack);
+    EXPECT_TRUE(dst->BitBlt(0, 0, 4, 4, src.get(), 0, 0, SRCCOPY));
+    EXPECT_EQ(ImageOf(to).pixel(1, 1), qRgb(0, 0, 0));
 }
 
 TEST_F(QtDrawTest, WindowContextsDrawOutsidePaintEventsAndScrollWindowMovesPixels) {
