@@ -13,6 +13,8 @@
 // and a paint while the thread is blocked (the control repaints once before a long operation)
 // shows the current frame, the first one at the start.
 class CQtAnimationWidget : public QWidget {
+    Q_OBJECT
+
 public:
     explicit CQtAnimationWidget(QWidget* parent);
     static constexpr int kFrames = 12;

@@ -86,8 +86,11 @@ RECT CQtDC::DeviceRect() const {
 }
 
 void CQtDC::BitmapSelected(CBitmapImpl* bitmap) {
+    if (!m_bMemory) return;
     auto* pixels = dynamic_cast<CQtBitmap*>(bitmap);
-    if (m_bMemory) Start(pixels ? &pixels->Image() : nullptr);
+    std::shared_ptr<CQtBitmap> keep = pixels ? pixels->shared_from_this() : nullptr;
+    Start(keep ? &keep->Image() : nullptr);
+    m_pBitmap = std::move(keep);
 }
 
 const CFontImpl* CQtDC::DefaultFont() const {

@@ -12,7 +12,7 @@
 
 // A bitmap's pixels. Pixels of a released bitmap go back to a small pool, so that the
 // off-screen bitmap of every paint does not allocate (and fault in) megabytes anew.
-class CQtBitmap : public CBitmapImpl {
+class CQtBitmap : public CBitmapImpl, public std::enable_shared_from_this<CQtBitmap> {
 public:
     CQtBitmap(int cx, int cy);
     ~CQtBitmap() override;
@@ -61,6 +61,7 @@ private:
     void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);
 
     QImage* m_pImage;
+    std::shared_ptr<CQtBitmap> m_pBitmap;  // the selected bitmap stays alive while drawn on
     const bool m_bMemory;  // draws on the bitmap selected into it
     RECT m_rcScreen{};
     QPainter m_painter;

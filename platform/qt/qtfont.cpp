@@ -38,6 +38,7 @@ QRawFont RawFontOf(const QString& family, const LOGFONTA& lf, qreal pixelSize,
     font.setStyleStrategy(QFont::StyleStrategy(QFont::NoFontMerging | QFont::PreferOutline));
     font.setWeight(QFont::Weight(std::clamp<int>(lf.lfWeight ? lf.lfWeight : FW_NORMAL, 1, 1000)));
     font.setItalic(lf.lfItalic != 0);
+    font.setHintingPreference(QFont::PreferFullHinting);
     font.setPixelSize(std::max(1, qRound(pixelSize)));
     QRawFont raw = QRawFont::fromFont(font, ws);
     if (raw.isValid()) raw.setPixelSize(pixelSize);

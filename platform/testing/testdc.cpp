@@ -31,7 +31,10 @@ RECT CTestDC::DeviceRect() const { return m_pTarget ? m_pTarget->Bounds() : m_rc
 
 void CTestDC::BitmapSelected(CBitmapImpl* bitmap) {
     // A memory context draws on its bitmap; a window's context keeps its window.
-    if (!m_pOwnSurface) m_pTarget = dynamic_cast<CTestSurface*>(bitmap);
+    if (m_pOwnSurface) return;
+    auto* surface = dynamic_cast<CTestSurface*>(bitmap);
+    m_pBitmap = surface ? surface->shared_from_this() : nullptr;
+    m_pTarget = m_pBitmap.get();
 }
 
 const CFontImpl* CTestDC::DefaultFont() const {

@@ -68,6 +68,7 @@ private:
     void FillVisible(const RECT& rc, COLORREF color);
 
     std::shared_ptr<CTestSurface> m_pOwnSurface;  // a window's surface, kept alive while drawn on
+    std::shared_ptr<CTestSurface> m_pBitmap;      // the selected bitmap, likewise
     CTestSurface* m_pTarget;
     RECT m_rcScreen{};  // the device of a screen context
     std::shared_ptr<DrawLog> m_pLog;

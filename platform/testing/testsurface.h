@@ -2,11 +2,12 @@
 // bitmaps are surfaces. Fills, blits, inverts, lines and scrolls change pixels; text ink is not
 // modelled (the cells of opaque text are, since they are drawn as fills).
 #pragma once
+#include <memory>
 #include <vector>
 
 #include "platform/gdi/gdiobjects.h"
 
-class CTestSurface : public CBitmapImpl {
+class CTestSurface : public CBitmapImpl, public std::enable_shared_from_this<CTestSurface> {
 public:
     // The colour of a pixel that nothing has painted yet; no COLORREF has its top byte set.
     static constexpr COLORREF kUnpainted = 0xFF000000;

@@ -7,6 +7,7 @@
 
 #include "platform/codepage/codepage.h"
 #include "platform/testing/testplatform.h"
+#include "tests/platform/fontrequest.h"
 
 namespace {
 
@@ -14,20 +15,11 @@ constexpr COLORREF kWhite = 0xFFFFFF;
 constexpr COLORREF kBack = 0x00FFFF;
 constexpr COLORREF kInk = 0x800000;
 
-LOGFONTA Font(const char* face, LONG height, LONG weight = FW_NORMAL, BYTE italic = 0) {
-    LOGFONTA lf;
-    lf.lfHeight = height;
-    lf.lfWeight = weight;
-    lf.lfItalic = italic;
-    std::strncpy(lf.lfFaceName, face, LF_FACESIZE - 1);
-    return lf;
-}
-
 class DcTest : public ::testing::Test {
 protected:
     DcTest() : surface(std::make_shared<CTestSurface>(200, 100)), dc(surface, nullptr) {
         dc.FillSolidRect(surface->Bounds(), kWhite);
-        LOGFONTA lf = Font("Times New Roman", 18);
+        LOGFONTA lf = FontRequest("Times New Roman", 18);
         font.CreateFontIndirect(&lf);
         dc.SelectObject(&font);
         dc.SetTextColor(kInk);
@@ -69,20 +61,20 @@ TEST_F(DcTest, TestFontsFollowTheirFormulas) {
     EXPECT_EQ(abc.abcC, 0);
 
     CFont bold, em, fixed, raster, none, missing;
-    LOGFONTA lf = Font("Arial", 18, FW_BOLD);
+    LOGFONTA lf = FontRequest("Arial", 18, FW_BOLD);
     ASSERT_TRUE(bold.CreateFontIndirect(&lf));
     EXPECT_EQ(bold.Impl()->Advance(' '), 6);
-    lf = Font("Arial", -20);
+    lf = FontRequest("Arial", -20);
     ASSERT_TRUE(em.CreateFontIndirect(&lf));
     EXPECT_EQ(em.Impl()->Metrics().tmHeight, 25);
-    lf = Font("Courier New", 0);
+    lf = FontRequest("Courier New", 0);
     ASSERT_TRUE(fixed.CreateFontIndirect(&lf));
     EXPECT_EQ(fixed.Impl()->Metrics().tmHeight, 16);
     EXPECT_EQ(fixed.Impl()->Advance('i'), 8);
     EXPECT_EQ(fixed.Impl()->Advance('W'), 8);
     EXPECT_EQ(fixed.Impl()->Metrics().tmPitchAndFamily & TMPF_FIXED_PITCH, 0);
 
-    lf = Font("Raster Sans", 18, FW_BOLD);
+    lf = FontRequest("Raster Sans", 18, FW_BOLD);
     ASSERT_TRUE(raster.CreateFontIndirect(&lf));
     dc.SelectObject(&raster);
     EXPECT_FALSE(dc.GetCharABCWidths(0, 255, &abc));
@@ -92,12 +84,12 @@ TEST_F(DcTest, TestFontsFollowTheirFormulas) {
     EXPECT_EQ(tm.tmOverhang, 1);
     EXPECT_EQ(tm.tmPitchAndFamily & TMPF_TRUETYPE, 0);
 
-    lf = Font("NoWidths", 18);
+    lf = FontRequest("NoWidths", 18);
     ASSERT_TRUE(none.CreateFontIndirect(&lf));
     dc.SelectObject(&none);
     EXPECT_FALSE(dc.GetCharWidth('a', 'a', w));
     EXPECT_FALSE(dc.GetCharABCWidths('a', 'a', &abc));
-    lf = Font("Missing", 18);
+    lf = FontRequest("Missing", 18);
     EXPECT_FALSE(missing.CreateFontIndirect(&lf));
     EXPECT_FALSE(missing.IsValid());
     dc.SelectObject(&font);

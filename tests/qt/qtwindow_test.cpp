@@ -19,22 +19,11 @@
 #include "platform/window/paint.h"
 #include "platform/window/scrollbar.h"
 #include "tests/platform/recorder.h"
+#include "tests/qt/processuntil.h"
 
 namespace {
 
 const RECT kRect{0, 0, 320, 240};
-
-// Runs the event loop until `done` holds or a second has passed.
-template <class Pred>
-bool ProcessUntil(Pred done) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!done() && clock.elapsed() < 1000) {
-        QCoreApplication::processEvents();
-        QThread::msleep(1);
-    }
-    return done();
-}
 
 void ProcessPending() {
     for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();

@@ -10,10 +10,10 @@ class CharFormats : public ViewFixture {
 protected:
     // "<b>x\ty</b>\r\n" with classes: < and > punctuation (4), b tag element letters (4),
     // text x and y (0), and an attribute-classed tab to show that hidden characters win.
-    void OpenScripted(const std::string& text = "<b>x\ty</b>\r\n") {
+    void OpenScripted(const std::string& text = "<b>x\ty</b>\r\n", bool offersSyntax = true) {
         doc = CreateHtmlDocument();
         doc->SetText(text);
-        syntax = std::make_unique<CScriptedSyntax>(doc.Get());
+        syntax = std::make_unique<CScriptedSyntax>(doc.Get(), offersSyntax);
         control = MakeControlThroughFactory();
         ctrl = AsControl(control.Get());
         ctrl->CreateControlWindow(nullptr, {0, 0, 400, 300});
@@ -54,8 +54,10 @@ TEST_F(CharFormats, SyntaxClassesChooseStylesAndTagPunctuationPaintsAsOperator) 
 }
 
 TEST_F(CharFormats, WithoutSyntaxOrInModesNoneAndThreeEverythingIsStyleZero) {
-    Open("<b>x</b>");
+    OpenScripted("<b>x</b>", false);
     EXPECT_TRUE(Same(At(0), Style(0)));
+    ctrl->SetHighlightStyle(2);
+    EXPECT_TRUE(Same(At(1), Style(0)));
     OpenScripted();
     syntax->SetClass(0, 3, SC_TAG);
     for (SHORT mode : {0, 3}) {

@@ -12,10 +12,11 @@
 #include "tests/view/viewtest.h"
 
 // Passes text through to a reference document and answers the syntax interfaces from a script:
-// a class per byte (class 0 where none is set), and tokens that are the runs of one class.
+// a class per byte (class 0 where none is set), and tokens that are the runs of one class. Made
+// with `offersSyntax` false it is a document that knows nothing of syntax.
 class CScriptedSyntax final : public IDispatch, public ISourceSyntax, public ISourceTokens {
 public:
-    explicit CScriptedSyntax(CHtmlDocument* doc) : m_doc(doc) {}
+    explicit CScriptedSyntax(CHtmlDocument* doc, bool offersSyntax = true) : m_doc(doc), m_bSyntax(offersSyntax) {}
 
     // Gives bytes [start, start + count) the class `k`.
     void SetClass(long start, long count, long k) {
@@ -27,8 +28,8 @@ public:
 
     HRESULT QueryInterface(REFIID riid, void** ppv) override {
         if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
-        if (riid == IID_ISourceSyntax) return HandOut(static_cast<ISourceSyntax*>(this), ppv);
-        if (riid == IID_ISourceTokens) return HandOut(static_cast<ISourceTokens*>(this), ppv);
+        if (riid == IID_ISourceSyntax && m_bSyntax) return HandOut(static_cast<ISourceSyntax*>(this), ppv);
+        if (riid == IID_ISourceTokens && m_bSyntax) return HandOut(static_cast<ISourceTokens*>(this), ppv);
         if (riid == IID_ISourceText) return m_doc->QueryInterface(riid, ppv);
         *ppv = nullptr;
         return E_NOINTERFACE;
@@ -63,6 +64,7 @@ public:
 
 private:
     CHtmlDocument* m_doc;
+    bool m_bSyntax;
     std::vector<long> m_classes;
     std::map<long, std::string> m_tagNames;
     ULONG m_refs = 1;
