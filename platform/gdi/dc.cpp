@@ -148,11 +148,9 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* tex
         top = y - tm.tmHeight;
 
     const RECT* clip = (options & ETO_CLIPPED) && rc ? rc : nullptr;
-    if (m_nBkMode == OPAQUE) {
-        RECT cells{left, top, left + extent, top + tm.tmHeight};
-        if (clip) cells = IntersectRects(cells, *clip);
-        if (!cells.IsEmpty()) FillPrimitive(cells, m_crBack);
-    }
+    RECT cells{left, top, left + extent, top + tm.tmHeight};
+    if (clip) cells = IntersectRects(cells, *clip);
+    if (m_nBkMode == OPAQUE && !cells.IsEmpty()) FillPrimitive(cells, m_crBack);
     TextRunPrimitive run;
     run.origin = {left, top + tm.tmAscent};
     run.text = text;
@@ -161,6 +159,12 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* tex
     run.font = font;
     run.color = m_crText;
     run.clip = clip;
+    // A later fill of the cells lies over the opaque rectangle's: both are the background colour.
+    if ((options & ETO_OPAQUE) && rc)
+        run.filled = *rc;
+    else if (m_nBkMode == OPAQUE)
+        run.filled = cells;
+    run.background = m_crBack;
     TextPrimitive(run);
     return TRUE;
 }

@@ -23,6 +23,10 @@ struct TextRunPrimitive {
     const CFontImpl* font = nullptr;
     COLORREF color = 0;
     const RECT* clip = nullptr;     // ETO_CLIPPED: no ink outside this rectangle; else null
+    // What was just filled with `background` under the text (empty when nothing was): the
+    // opaque rectangle, or the text's cells in the opaque background mode.
+    RECT filled{};
+    COLORREF background = 0;
 };
 
 class CDC {

@@ -29,7 +29,14 @@ long long Area(const std::vector<RECT>& rects) {
 BOOL CRgn::CreateRectRgnIndirect(const RECT& rc) {
     m_rects.clear();
     if (!rc.IsEmpty()) m_rects.push_back(rc);
+    Changed();
     return TRUE;
+}
+
+int CRgn::Changed() {
+    m_bounds = {};
+    for (const RECT& r : m_rects) m_bounds = UnionRects(m_bounds, r);
+    return Kind();
 }
 
 int CRgn::Kind() const {
@@ -45,7 +52,7 @@ int CRgn::Subtract(const RECT& rc) {
     out.reserve(m_rects.size() + 4);
     for (const RECT& r : m_rects) AppendOutside(r, rc, out);
     m_rects = std::move(out);
-    return Kind();
+    return Changed();
 }
 
 int CRgn::Intersect(const RECT& rc) {
@@ -55,7 +62,7 @@ int CRgn::Intersect(const RECT& rc) {
         if (!in.IsEmpty()) out.push_back(in);
     }
     m_rects = std::move(out);
-    return Kind();
+    return Changed();
 }
 
 int CRgn::Intersect(const CRgn& other) {
@@ -66,7 +73,7 @@ int CRgn::Intersect(const CRgn& other) {
             if (!in.IsEmpty()) out.push_back(in);
         }
     m_rects = std::move(out);
-    return Kind();
+    return Changed();
 }
 
 int CRgn::Unite(const RECT& rc) {
@@ -80,12 +87,12 @@ int CRgn::Unite(const RECT& rc) {
         if (pieces.empty()) break;
     }
     m_rects.insert(m_rects.end(), pieces.begin(), pieces.end());
-    return Kind();
+    return Changed();
 }
 
 int CRgn::Offset(LONG dx, LONG dy) {
     for (RECT& r : m_rects) r = OffsetRect(r, dx, dy);
-    return Kind();
+    return Changed();
 }
 
 bool CRgn::Touches(const RECT& rc) const {
@@ -96,10 +103,10 @@ bool CRgn::Contains(POINT pt) const {
     return std::any_of(m_rects.begin(), m_rects.end(), [&](const RECT& r) { return PtInRect(r, pt); });
 }
 
-RECT CRgn::Bounds() const {
-    RECT b{};
-    for (const RECT& r : m_rects) b = UnionRects(b, r);
-    return b;
+bool CRgn::InsideOneRect(const RECT& rc) const {
+    return std::any_of(m_rects.begin(), m_rects.end(), [&](const RECT& r) {
+        return rc.left >= r.left && rc.top >= r.top && rc.right <= r.right && rc.bottom <= r.bottom;
+    });
 }
 
 bool operator==(const CRgn& a, const CRgn& b) {

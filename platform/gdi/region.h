@@ -16,7 +16,10 @@ public:
         return CreateRectRgnIndirect(RECT{left, top, right, bottom});
     }
     BOOL CreateRectRgnIndirect(const RECT& rc);
-    void SetEmpty() { m_rects.clear(); }
+    void SetEmpty() {
+        m_rects.clear();
+        m_bounds = {};
+    }
 
     // Each of these gives the kind of the result: NULLREGION, SIMPLEREGION or COMPLEXREGION.
     int Subtract(const RECT& rc);
@@ -30,11 +33,17 @@ public:
     // True if any pixel of `rc` lies in the region.
     bool Touches(const RECT& rc) const;
     bool Contains(POINT pt) const;
-    RECT Bounds() const;
+    RECT Bounds() const { return m_bounds; }
+    // True if `rc` lies wholly inside one of the region's rectangles.
+    bool InsideOneRect(const RECT& rc) const;
     const std::vector<RECT>& Rects() const { return m_rects; }
 
     friend bool operator==(const CRgn& a, const CRgn& b);
 
 private:
+    // Recomputes the bounds after a change; gives the region's kind.
+    int Changed();
+
     std::vector<RECT> m_rects;  // disjoint, none empty
+    RECT m_bounds{};
 };

@@ -3,11 +3,13 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
 #include "platform/codepage/leadbyte.h"
 #include "platform/qt/qtfont.h"
+#include "platform/qt/qtglyphcells.h"
 
 namespace {
 
@@ -67,6 +69,7 @@ void CQtDC::Start(QImage* image) {
     m_pImage = image && !image->isNull() ? image : nullptr;
     if (m_pImage) m_painter.begin(m_pImage);
     m_bClipDirty = true;
+    m_clipState = ClipState::Unknown;
 }
 
 QRect CQtDC::TakeDrawn() { return std::exchange(m_rcDrawn, QRect()); }
@@ -104,29 +107,32 @@ const CFontImpl* CQtDC::DefaultFont() const {
     return font->get();
 }
 
-QPainter* CQtDC::Painter() {
+QPainter* CQtDC::Painter(const QRect& extent) {
     if (!m_painter.isActive()) return nullptr;
-    if (m_bClipDirty) {
+    const CRgn& visible = Visible();
+    const RECT area = RectFromQRect(extent);
+    if (!visible.Touches(area)) return nullptr;
+    UseClip(visible.InsideOneRect(area) ? ClipState::None : ClipState::Region);
+    return &m_painter;
+}
+
+void CQtDC::UseClip(ClipState state) {
+    if (state == m_clipState && !(state == ClipState::Region && m_bClipDirty)) return;
+    if (state == ClipState::None) {
+        m_painter.setClipping(false);
+    } else {
+        QRegion region;
+        for (const RECT& r : Visible().Rects()) region += QRectFromRect(r);
+        m_painter.setClipRegion(region);
         m_bClipDirty = false;
-        const CRgn& visible = Visible();
-        m_bNothingVisible = visible.IsEmpty();
-        if (visible.Rects().size() == 1 && visible.Rects()[0] == DeviceRect()) {
-            m_painter.setClipping(false);
-        } else if (visible.Rects().size() == 1) {
-            m_painter.setClipRect(QRectFromRect(visible.Rects()[0]));
-        } else if (!m_bNothingVisible) {
-            QRegion region;
-            for (const RECT& r : visible.Rects()) region += QRectFromRect(r);
-            m_painter.setClipRegion(region);
-        }
     }
-    return m_bNothingVisible ? nullptr : &m_painter;
+    m_clipState = state;
 }
 
 void CQtDC::Drew(const QRect& rc) { m_rcDrawn |= rc & QRectFromRect(Visible().Bounds()); }
 
 void CQtDC::FillPrimitive(const RECT& rc, COLORREF color) {
-    QPainter* p = Painter();
+    QPainter* p = Painter(QRectFromRect(rc));
     if (!p) return;
     p->fillRect(QRectFromRect(rc), QColorFromColorRef(color));
     Drew(QRectFromRect(rc));
@@ -165,6 +171,57 @@ void CQtDC::DrawGlyphs(const TextRunPrimitive& run, QPainter& painter) {
     }
 }
 
+bool CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
+    // Only single-byte glyphs of the font's own face whose ink starts inside their cells, in a
+    // run that lies wholly over its filled background and wholly in what is visible.
+    if (!run.clip || !m_pImage || m_pImage->format() != QImage::Format_RGB32) return false;
+    const RECT& clip = *run.clip;
+    const RECT& filled = run.filled;
+    if (clip.IsEmpty() || filled.left > clip.left || filled.top > clip.top || filled.right < clip.right ||
+        filled.bottom < clip.bottom)
+        return false;
+    if (font.LogFont().lfUnderline || font.LogFont().lfStrikeOut) return false;
+    if (!Visible().InsideOneRect(clip)) return false;
+    for (UINT i = 0; i < run.count; ++i) {
+        const auto c = static_cast<BYTE>(run.text[i]);
+        if (font.GlyphOf(c).face != CQtFont::kPrimary || font.Abc(c).abcA < 0 || run.advances[i] <= 0 ||
+            IsDBCSLeadByteEx(CP_ACP, c))
+            return false;
+    }
+    CQtGlyphCells::Key key{font.Serial(), 0, 0, static_cast<quint16>(clip.Height()),
+                           static_cast<qint16>(run.origin.y - clip.top), QColorFromColorRef(run.color).rgb(),
+                           QColorFromColorRef(run.background).rgb()};
+    constexpr int kBytesPerPixel = 4;
+    uchar* bits = m_pImage->bits();
+    const qsizetype stride = m_pImage->bytesPerLine();
+    // Ink that a glyph throws past its cell lands on the next cell once that is copied.
+    const CQtGlyphCells::Cell* pending = nullptr;
+    LONG x = run.origin.x, pendingAt = 0;
+    for (UINT i = 0; i < run.count; ++i) {
+        const auto c = static_cast<BYTE>(run.text[i]);
+        const int advance = run.advances[i];
+        key.glyph = font.GlyphOf(c).index;
+        key.width = static_cast<quint16>(advance);
+        const CQtGlyphCells::Cell& cell = GlyphCells().Get(font, CQtFont::kPrimary, key, std::max(0, -font.Abc(c).abcC));
+        const LONG left = std::max(x, clip.left), right = std::min(x + advance, clip.right);
+        if (left < right) {
+            const uchar* from = cell.block.constBits() + (left - x) * kBytesPerPixel;
+            uchar* to = bits + clip.top * stride + left * kBytesPerPixel;
+            const size_t bytes = static_cast<size_t>(right - left) * kBytesPerPixel;
+            for (LONG y = clip.top; y < clip.bottom; ++y, from += cell.block.bytesPerLine(), to += stride)
+                std::memcpy(to, from, bytes);
+        }
+        if (pending && pendingAt < clip.right)
+            CQtGlyphCells::BlendOverhang(*pending, key.fore, bits + clip.top * stride + pendingAt * kBytesPerPixel, stride,
+                                         static_cast<int>(clip.right - pendingAt));
+        x += advance;
+        pending = cell.overhang > 0 ? &cell : nullptr;
+        pendingAt = x;
+    }
+    Drew(QRectFromRect(clip));
+    return true;
+}
+
 void CQtDC::DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter) {
     const auto& font = static_cast<const CQtFont&>(*run.font);
     const QColor color = QColorFromColorRef(run.color);
@@ -176,9 +233,8 @@ void CQtDC::DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& pai
 }
 
 void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
-    QPainter* p = Painter();
     const auto* font = dynamic_cast<const CQtFont*>(run.font);
-    if (!p || !font || run.count == 0) return;
+    if (!font || run.count == 0) return;
     int extent = 0;
     for (UINT i = 0; i < run.count; ++i) extent += run.advances[i];
     // Only the ends of a run can carry ink beyond its cells: the first glyph's left bearing
@@ -188,17 +244,23 @@ void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
     const auto last = static_cast<BYTE>(run.text[run.count - 1]);
     const QRect ink(QPoint(run.origin.x + std::min(0, font->Abc(first).abcA), run.origin.y - tm.tmAscent),
                     QPoint(run.origin.x + extent + std::max(0, -font->Abc(last).abcC), run.origin.y + tm.tmDescent));
+    if (m_painter.isActive() && CopyGlyphCells(run, *font)) return;
     const bool clip = run.clip && !QRectFromRect(*run.clip).contains(ink);
-    if (clip) p->setClipRect(QRectFromRect(*run.clip), p->hasClipping() ? Qt::IntersectClip : Qt::ReplaceClip);
+    QPainter* p = Painter(clip ? ink & QRectFromRect(*run.clip) : ink);
+    if (!p) return;
+    if (clip) {
+        p->setClipRect(QRectFromRect(*run.clip), m_clipState == ClipState::Region ? Qt::IntersectClip : Qt::ReplaceClip);
+        m_clipState = ClipState::Run;  // the next primitive sets the clip it needs again
+    }
     p->setPen(QColorFromColorRef(run.color));
     DrawGlyphs(run, *p);
     DrawTextLines(run, extent, *p);
-    if (clip) m_bClipDirty = true;  // back to the context's own clip for what comes next
     Drew(run.clip ? (ink & QRectFromRect(*run.clip)) : ink);
 }
 
 void CQtDC::LinePrimitive(POINT from, POINT to, const CPen& pen) {
-    QPainter* p = Painter();
+    const int reach = pen.Width();
+    QPainter* p = Painter(QRect(QPoint(from.x, from.y), QPoint(to.x, to.y)).normalized().adjusted(-reach, -reach, reach, reach));
     if (!p) return;
     const QColor color = QColorFromColorRef(pen.Color());
     const int w = pen.Width();
@@ -225,7 +287,7 @@ void CQtDC::LinePrimitive(POINT from, POINT to, const CPen& pen) {
 BOOL CQtDC::BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) {
     auto* source = dynamic_cast<CQtDC*>(&src);
     if (!source || !source->m_pImage) return FALSE;
-    QPainter* p = Painter();
+    QPainter* p = Painter(QRectFromRect(dst));
     if (!p) return TRUE;
     const QRect target = QRectFromRect(dst);
     const QRect from = QRectFromRect(srcRect);
@@ -244,7 +306,7 @@ BOOL CQtDC::BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) {
 }
 
 void CQtDC::InvertPrimitive(const RECT& rc) {
-    QPainter* p = Painter();
+    QPainter* p = Painter(QRectFromRect(rc));
     if (!p) return;
     p->setCompositionMode(QPainter::CompositionMode_Difference);
     p->fillRect(QRectFromRect(rc), Qt::white);

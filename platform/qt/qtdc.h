@@ -53,11 +53,18 @@ protected:
     const CFontImpl* DefaultFont() const override;
 
 private:
-    // The painter with the clip of the moment; null when nothing can be drawn.
-    QPainter* Painter();
+    // The painter for drawing within `extent`, clipped to what is visible; null when nothing
+    // of `extent` is. A primitive inside one rectangle of the visible region draws with no clip
+    // at all: changing the painter's clip region costs far more than the drawing itself.
+    QPainter* Painter(const QRect& extent);
+    enum class ClipState { Unknown, None, Region, Run };
+    void UseClip(ClipState state);
     void Start(QImage* image);
     void Drew(const QRect& rc);
     void DrawGlyphs(const TextRunPrimitive& run, QPainter& painter);
+    // Copies ready-made glyph cells for a run over an opaque cell of one colour; false, having
+    // drawn nothing, when the run needs the general way (see qtglyphcells.h).
+    bool CopyGlyphCells(const TextRunPrimitive& run, const class CQtFont& font);
     void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);
 
     QImage* m_pImage;
@@ -65,8 +72,8 @@ private:
     const bool m_bMemory;  // draws on the bitmap selected into it
     RECT m_rcScreen{};
     QPainter m_painter;
-    bool m_bClipDirty = true;
-    bool m_bNothingVisible = false;
+    bool m_bClipDirty = true;  // the visible region changed since the painter's clip was set
+    ClipState m_clipState = ClipState::Unknown;
     QRect m_rcDrawn;
     // Kept between runs so that drawing a run allocates nothing.
     QGlyphRun m_run;

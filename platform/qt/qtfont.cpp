@@ -89,6 +89,11 @@ QString CQtFont::FamilyFor(const QString& face) {
     return it != classic.end() ? *it : face;
 }
 
+CQtFont::CQtFont() {
+    static uint64_t serials = 0;
+    m_nSerial = ++serials;
+}
+
 std::shared_ptr<CQtFont> CQtFont::Create(const LOGFONTA& lf) {
     std::shared_ptr<CQtFont> font(new CQtFont);
     if (!font->Realise(lf)) return nullptr;

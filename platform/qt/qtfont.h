@@ -2,6 +2,7 @@
 // process code page, so that what the layout measures is exactly where glyphs are drawn.
 #pragma once
 #include <QRawFont>
+#include <cstdint>
 #include <memory>
 #include <unordered_map>
 
@@ -38,9 +39,11 @@ public:
 
     // The family that a classic face name stands for here (metric-compatible faces).
     static QString FamilyFor(const QString& face);
+    // A number no other font of the process has, for caches keyed by font.
+    uint64_t Serial() const { return m_nSerial; }
 
 private:
-    CQtFont() = default;
+    CQtFont();
     bool Realise(const LOGFONTA& lf);
     void MeasureBytes();
     // The glyph of a character in the face `own`, else in the fallback face.
@@ -54,4 +57,5 @@ private:
     int m_nLineThickness = 1;
     int m_nInkLeft = 0;
     int m_nInkRight = 0;
+    uint64_t m_nSerial;
 };

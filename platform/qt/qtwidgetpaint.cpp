@@ -41,8 +41,8 @@ void ScrollImage(QImage& image, const QRect& from, int dx, int dy) {
 
 }  // namespace
 
-// The surface follows the viewport's size; what both sizes hold is kept. Not while a context
-// draws on it.
+// The surface follows the viewport's size; what both sizes hold is kept, and what a larger size
+// uncovers is invalid, as a window's newly exposed area is. Not while a context draws on it.
 void CQtControlWidget::EnsureSurface() {
     const QSize size = viewport()->size();
     if (m_surface.size() == size || !m_contexts.empty()) return;
@@ -53,7 +53,12 @@ void CQtControlWidget::EnsureSurface() {
         p.setCompositionMode(QPainter::CompositionMode_Source);
         p.drawImage(0, 0, m_surface);
     }
+    const QRegion uncovered = QRegion(surface.rect()) - QRegion(m_surface.rect());
     m_surface = std::move(surface);
+    if (!uncovered.isEmpty()) {
+        m_rgnPending += uncovered;
+        viewport()->update(uncovered);
+    }
 }
 
 CDC* CQtControlWidget::OpenContext(bool paint, const QRegion* system) {
