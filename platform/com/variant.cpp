@@ -58,6 +58,18 @@ Variant Variant::ULong(uint32_t v) { Variant r; r.m_vt = VT_UI4; r.m_ui4 = v; re
 Variant Variant::Bool(bool v) { Variant r; r.m_vt = VT_BOOL; r.m_bool = v ? VARIANT_TRUE : VARIANT_FALSE; return r; }
 Variant Variant::Str(std::string v) { Variant r; r.m_vt = VT_BSTR; r.m_str = std::move(v); return r; }
 Variant Variant::Error(SCODE sc) { Variant r; r.m_vt = VT_ERROR; r.m_scode = sc; return r; }
+Variant Variant::Currency(int64_t tenThousandths) { Variant r; r.m_vt = VT_CY; r.m_cy = tenThousandths; return r; }
+
+bool Variant::ToCurrency(int64_t* out) const {
+    if (m_vt == VT_CY) {
+        *out = m_cy;
+        return true;
+    }
+    int32_t whole;
+    if (!ToLong(&whole)) return false;
+    *out = static_cast<int64_t>(whole) * 10000;
+    return true;
+}
 
 Variant Variant::Dispatch(IDispatch* p) {
     Variant r;

@@ -14,6 +14,7 @@ enum VARENUM : uint16_t {
     VT_NULL = 1,
     VT_I2 = 2,
     VT_I4 = 3,
+    VT_CY = 6,  // currency: a 64-bit count of ten-thousandths, as font sizes in points travel
     VT_BSTR = 8,
     VT_DISPATCH = 9,
     VT_ERROR = 10,
@@ -44,6 +45,7 @@ public:
     static Variant Dispatch(IDispatch* p);  // adds a reference
     static Variant Unknown(IUnknown* p);    // adds a reference
     static Variant Error(SCODE sc);
+    static Variant Currency(int64_t tenThousandths);
     // By-reference arguments of events: the sink writes through them, the firer reads after.
     static Variant RefShort(int16_t* p);
     static Variant RefLong(int32_t* p);
@@ -64,6 +66,8 @@ public:
     bool ToULong(uint32_t* out) const;
     bool ToBool(bool* out) const;
     bool ToStr(std::string* out) const;
+    // A currency as ten-thousandths; whole numbers count as whole units.
+    bool ToCurrency(int64_t* out) const;
     // Gives a dispatch pointer without adding a reference (the variant keeps its own); null
     // for VT_NULL, VT_EMPTY and a null object. False for other types.
     bool ToDispatch(IDispatch** out) const;
@@ -87,6 +91,7 @@ private:
     VARTYPE m_vt = VT_EMPTY;
     union {
         uint64_t m_raw = 0;  // first member, so that the whole union starts zeroed
+        int64_t m_cy;
         int16_t m_i2;
         int32_t m_i4;
         uint32_t m_ui4;

@@ -79,8 +79,7 @@ private:
 
 }  // namespace
 
-// Where a position's line starts, and how far a walk along it goes: to the position itself, or
-// at the document's end to the end of the last line.
+// Where a position's line starts: at the document's end, the last line's.
 long CZentrelCtrl::LineOfPosition(long nPos, long docLen, long* pnStart) const {
     if (nPos != docLen) return m_Lines.FindLineAndStart(nPos, pnStart);
     const long last = m_Lines.m_nCount - 1;
@@ -89,18 +88,20 @@ long CZentrelCtrl::LineOfPosition(long nPos, long docLen, long* pnStart) const {
     return last;
 }
 
-void CZentrelCtrl::DocPointFromPosition(long nPos, POINT* pt) {
+CZentrelCtrl::LinePlace CZentrelCtrl::PlaceOfPosition(long nPos) {
     long blockStart, blockEnd;
-    if (FindCollapse(nPos, &blockStart, &blockEnd)) {
-        *pt = {0, static_cast<LONG>(m_Lines.FindLine(nPos) * m_nLineHeight)};
-        return;
-    }
+    if (FindCollapse(nPos, &blockStart, &blockEnd)) return {m_Lines.FindLine(nPos), 0, 0};
     CTextReader text(m_pDoc);
     long start;
     const long line = LineOfPosition(nPos, text.Length(), &start);
     CWidthWalk walk(*this, text, start);
     walk.WalkTo(nPos);
-    *pt = {static_cast<LONG>(walk.Pixels()), static_cast<LONG>(line * m_nLineHeight)};
+    return {line, walk.Pixels(), walk.Columns()};
+}
+
+void CZentrelCtrl::DocPointFromPosition(long nPos, POINT* pt) {
+    const LinePlace place = PlaceOfPosition(nPos);
+    *pt = {static_cast<LONG>(place.pixels), static_cast<LONG>(place.line * m_nLineHeight)};
 }
 
 void CZentrelCtrl::ClientPointFromPosition(long nPos, POINT* pt) {
@@ -110,18 +111,9 @@ void CZentrelCtrl::ClientPointFromPosition(long nPos, POINT* pt) {
 }
 
 void CZentrelCtrl::ColumnRowFromPosition(long nPos, POINT* pColumnRow) {
-    long blockStart, blockEnd;
-    if (FindCollapse(nPos, &blockStart, &blockEnd)) {
-        *pColumnRow = {0, static_cast<LONG>(m_Lines.FindLine(nPos))};
-        return;
-    }
-    CTextReader text(m_pDoc);
-    long start;
-    const long line = LineOfPosition(nPos, text.Length(), &start);
     // A double-byte character counts two columns, as it is two columns wide on the screen.
-    CWidthWalk walk(*this, text, start);
-    walk.WalkTo(nPos);
-    *pColumnRow = {static_cast<LONG>(walk.Columns()), static_cast<LONG>(line)};
+    const LinePlace place = PlaceOfPosition(nPos);
+    *pColumnRow = {static_cast<LONG>(place.columns), static_cast<LONG>(place.line)};
 }
 
 long CZentrelCtrl::PositionFromDocPoint(long x, long y) {

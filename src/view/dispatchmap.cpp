@@ -89,6 +89,12 @@ void AddSettings(Table& t) {
     t.Property(31, "TagAttrCase", [](CZentrelCtrl&, const Args&) { return Variant::Short(0); },
                [](CZentrelCtrl&, const Args&, const Variant& v) { ArgShort({v}, 0); });
     ShortProperty(t, 32, "HighlightStyle", &CZentrelCtrl::GetHighlightStyle, &CZentrelCtrl::SetHighlightStyle);
+    t.Property(18, "EditFont", [](CZentrelCtrl& c, const Args&) {
+        IDispatch* font = c.GetEditFontDispatch();
+        Variant v = Variant::Dispatch(font);
+        font->Release();
+        return v;
+    }, [](CZentrelCtrl& c, const Args&, const Variant& v) { c.SetEditFontDispatch(ArgDispatch({v}, 0)); });
     t.Property(35, "GutterFont", [](CZentrelCtrl&, const Args&) { return Variant::Dispatch(nullptr); },
                [](CZentrelCtrl& c, const Args&, const Variant&) { c.SetModifiedFlag(); });
     t.Property(45, "BookmarkWidth", [](CZentrelCtrl&, const Args&) { return Variant::Long(10); });

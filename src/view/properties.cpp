@@ -289,6 +289,15 @@ BOOL CZentrelCtrl::PointInGutter(long nClientX, long nClientY) const {
 
 void CZentrelCtrl::SetEditFont(const FontDesc& font) {
     m_fontEdit.InitializeFont(DefaultEditFont(), &font);
+    OnEditFontChanged();
+}
+
+void CZentrelCtrl::SetEditFontDispatch(IDispatch* font) {
+    m_fontEdit.InitializeFont(DefaultEditFont(), font);
+    OnEditFontChanged();
+}
+
+void CZentrelCtrl::OnEditFontChanged() {
     RebuildFontCache();
     if (HasWindow()) Reformat(TRUE);
     SetModifiedFlag();

@@ -141,6 +141,12 @@ public:
     long GetLineEnd(long nPos);
     // The line of a position and its start; at the document's end, the last line.
     long LineOfPosition(long nPos, long docLen, long* pnStart) const;
+    // Where a position shows: its line, and how far along it in pixels and in columns; every
+    // position in a collapsed block shows at its line's left edge.
+    struct LinePlace {
+        long line, pixels, columns;
+    };
+    LinePlace PlaceOfPosition(long nPos);
     long FindPositionFromPoint(long nX, long nY);
     long FindPositionFromCoordinate(long nColumn, long nRow);
     BOOL FindPointFromPosition(long nPosition, long* pnX, long* pnY);
@@ -241,6 +247,10 @@ public:
     BOOL PointInGutter(long nClientX, long nClientY) const;
     const FontDesc& GetEditFont() const { return m_fontEdit.GetFontDesc(); }
     void SetEditFont(const FontDesc& font);
+    // The edit font's object, with a reference for the caller; and taking another font object.
+    IDispatch* GetEditFontDispatch() const { return m_fontEdit.GetFontDispatch(); }
+    void SetEditFontDispatch(IDispatch* font);
+    void OnEditFontChanged();
 
     // Read access for tests and the host.
     const CLineIndex& Lines() const { return m_Lines; }

@@ -1,5 +1,6 @@
 // The font cache on the test backend, whose fonts follow fixed formulas (testfont.h): a cell of
 // h pixels, an average width of h / 2, narrow and wide bytes, and one more pixel when bold.
+#include "platform/gdi/fontdispatch.h"
 #include "platform/gdi/fontobject.h"
 #include "tests/view/viewfixture.h"
 
@@ -99,6 +100,54 @@ TEST_F(FontCache, AutomationReportsTheGutterFontsAverageWidthAndTheCacheGoesWith
     EXPECT_EQ(ctrl->m_nCharWidth, 1);
     EXPECT_EQ(ctrl->m_nLineHeight, 1);
     EXPECT_EQ(ctrl->m_nTabPixels, 40);
+}
+
+}  // namespace
+
+namespace {
+
+class EditFontObject : public ViewFixture {};
+
+TEST_F(EditFontObject, TheHostReadsAndReplacesTheEditFontAsAFontObject) {
+    Open("text");
+    Variant got = GetProperty(control.Get(), "EditFont");
+    IDispatch* font = nullptr;
+    ASSERT_TRUE(got.ToDispatch(&font));
+    ASSERT_NE(font, nullptr);
+    FontDesc desc;
+    ASSERT_TRUE(FontDescFromDispatch(font, &desc));
+    EXPECT_EQ(desc.name, "Times New Roman");
+    EXPECT_EQ(desc.height, 120000);
+
+    // Another font object set on the property: a 14-pixel cell, 7 pixels a character.
+    FontDesc small = DefaultEditFont();
+    small.height = 8 * 10000;
+    ComPtr<CFontDispatch> other;
+    other.Attach(CFontDispatch::Create(small));
+    ASSERT_EQ(PutProperty(control.Get(), "EditFont", Variant::Dispatch(other.Get())), S_OK);
+    EXPECT_EQ(ctrl->GetEditFont().height, 80000);
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_tm.tmHeight, 14);
+    EXPECT_TRUE(ctrl->IsModified());
+    // The holder took a copy: changing the given object later changes nothing.
+    other->Desc().height = 30 * 10000;
+    EXPECT_EQ(ctrl->GetEditFont().height, 80000);
+    // Something that is not a font gives the default font back.
+    ASSERT_EQ(PutProperty(control.Get(), "EditFont", Variant::Dispatch(control.Get())), S_OK);
+    EXPECT_EQ(ctrl->GetEditFont(), DefaultEditFont());
+}
+
+TEST_F(EditFontObject, ChangesThroughTheHandedOutObjectShowAtTheNextRebuild) {
+    Open("text");
+    Variant got = GetProperty(control.Get(), "EditFont");
+    IDispatch* font = nullptr;
+    ASSERT_TRUE(got.ToDispatch(&font));
+    ASSERT_EQ(PutProperty(font, "Size", Variant::Currency(8 * 10000)), S_OK);
+    EXPECT_EQ(ctrl->GetEditFont().height, 80000);
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_tm.tmHeight, 18);  // not measured again yet
+    ctrl->RebuildFontCache();
+    EXPECT_EQ(ctrl->FindFontMetrics(0)->m_tm.tmHeight, 14);
+    ExcepInfo ex;
+    EXPECT_EQ(PutProperty(font, "Size", Variant::Long(-3), &ex), DISP_E_EXCEPTION);
 }
 
 }  // namespace

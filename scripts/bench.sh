@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Sets the machine up, installs the peer component the view's benchmark compares with
+# (QScintilla), builds, and runs every benchmark. Each prints "name value unit" lines.
+# Usage: scripts/bench.sh [MEGABYTES...]   (default 1 10 100)
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/setup.sh
+if ! dpkg-query -W -f='${Status}' libqscintilla2-qt6-dev 2>/dev/null | grep -q "install ok installed"; then
+  SUDO=""
+  [ "$(id -u)" -ne 0 ] && SUDO="sudo"
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install -y -qq --no-install-recommends libqscintilla2-qt6-dev
+fi
+scripts/build.sh release
+sizes=("$@")
+[ ${#sizes[@]} -eq 0 ] && sizes=(1 10 100)
+export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+for program in lineindex htmldoc encodings syntax qtdc; do
+  echo "== bench_$program =="
+  build/bench/bench_$program
+done
+echo "== bench_view ${sizes[*]} =="
+build/bench/bench_view "${sizes[@]}"
