@@ -1,5 +1,5 @@
 // The HTML schema: tags, their attributes with data types, value sets, named colours and
-// character references, parsed once per process from the generated data of schemadata.cpp.
+// character references, parsed once per process from the generated data file schemadata.tsv, which the build embeds.
 // Names are compared without regard to case; the lower-case form is the key.
 #pragma once
 #include <cstdint>

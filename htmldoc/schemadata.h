@@ -1,4 +1,4 @@
-// The generated HTML schema data: records one a line (see schemadata.cpp for the format).
+// The generated HTML schema data: records one a line (see schemadata.tsv for the format).
 #pragma once
 
 extern const char kHtmlSchemaData[];
