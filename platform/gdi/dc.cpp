@@ -57,17 +57,6 @@ CBitmap* CDC::SelectObject(CBitmap* bitmap) {
     return old;
 }
 
-const CFontImpl* CDC::DefaultFont() const {
-    static std::shared_ptr<CFontImpl> font;
-    if (!font && GetGdiBackend()) {
-        LOGFONTA lf;
-        lf.lfHeight = 16;
-        lf.lfWeight = FW_NORMAL;
-        font = GetGdiBackend()->CreateFont(lf);
-    }
-    return font.get();
-}
-
 const CFontImpl* CDC::Font() const {
     if (m_pFont && m_pFont->Impl()) return m_pFont->Impl();
     return DefaultFont();

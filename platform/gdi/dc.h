@@ -119,8 +119,8 @@ protected:
     virtual void InvertPrimitive(const RECT& rc) = 0;
     // A memory context now draws on `bitmap` (null: on nothing). The device rect changes with it.
     virtual void BitmapSelected(CBitmapImpl* bitmap) {}
-    // The font to use when none is selected.
-    virtual const CFontImpl* DefaultFont() const;
+    // The font to use when none is selected: each backend keeps its own.
+    virtual const CFontImpl* DefaultFont() const = 0;
 
     // The region drawing reaches now.
     const CRgn& Visible() const { return m_rgnVisible; }

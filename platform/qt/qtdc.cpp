@@ -123,6 +123,8 @@ void CQtDC::UseClip(ClipState state) {
     } else {
         QRegion region;
         for (const RECT& r : Visible().Rects()) region += QRectFromRect(r);
+        // Qt's raster engine ignores a new clip region while clipping is off: switch it on first.
+        m_painter.setClipping(true);
         m_painter.setClipRegion(region);
         m_bClipDirty = false;
     }

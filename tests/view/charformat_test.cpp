@@ -11,12 +11,10 @@ protected:
     // "<b>x\ty</b>\r\n" with classes: < and > punctuation (4), b tag element letters (4),
     // text x and y (0), and an attribute-classed tab to show that hidden characters win.
     void OpenScripted(const std::string& text = "<b>x\ty</b>\r\n", bool offersSyntax = true) {
+        NewControl(400, 300);
         doc = CreateHtmlDocument();
         doc->SetText(text);
         syntax = std::make_unique<CScriptedSyntax>(doc.Get(), offersSyntax);
-        control = MakeControlThroughFactory();
-        ctrl = AsControl(control.Get());
-        ctrl->CreateControlWindow(nullptr, {0, 0, 400, 300});
         ctrl->SetDocument(syntax.get());
     }
     CharFormat At(long pos) {

@@ -10,13 +10,11 @@ class Painting : public ViewFixture {
 protected:
     // Opens a scripted document; `tags` gives bytes the tag class (bold, blue).
     void OpenText(const std::string& text, long tagStart = 0, long tagCount = 0, LONG cx = 400) {
+        NewControl(cx, 300);
         doc = CreateHtmlDocument();
         doc->SetText(text);
         syntax = std::make_unique<CScriptedSyntax>(doc.Get());
         if (tagCount) syntax->SetClass(tagStart, tagCount, SC_TAG);
-        control = MakeControlThroughFactory();
-        ctrl = AsControl(control.Get());
-        ctrl->CreateControlWindow(nullptr, {0, 0, cx, 300});
         ctrl->SetDocument(syntax.get());
     }
     // The text drawn, in order, on the window or its buffer, after a repaint of everything.

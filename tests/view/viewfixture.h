@@ -74,16 +74,27 @@ private:
 class ViewFixture : public ::testing::Test {
 protected:
     void Open(const std::string& text, LONG cx = 400, LONG cy = 300, IDispatch* attach = nullptr) {
-        control = MakeControlThroughFactory();
-        ctrl = AsControl(control.Get());
-        ctrl->CreateControlWindow(nullptr, {0, 0, cx, cy});
+        NewControl(cx, cy);
         doc = CreateHtmlDocument();
         doc->SetText(text);
         ctrl->SetDocument(attach ? attach : static_cast<IDispatch*>(doc.Get()));
     }
-    void TearDown() override {
-        if (ctrl) ctrl->DestroyControlWindow();
+    // A new control in a window of the given size, with `options` switched on first; the
+    // control before it goes (its window, and with it its document).
+    void NewControl(LONG cx, LONG cy, DWORD options = 0) {
+        Close();
+        control = MakeControlThroughFactory();
+        ctrl = AsControl(control.Get());
+        for (DWORD bit = 1; bit; bit <<= 1)
+            if (options & bit) ctrl->SetOption(bit, TRUE);
+        ctrl->CreateControlWindow(nullptr, {0, 0, cx, cy});
     }
+    void Close() {
+        if (ctrl) ctrl->DestroyControlWindow();
+        ctrl = nullptr;
+        control = nullptr;
+    }
+    void TearDown() override { Close(); }
     CTestWindowBackend& Window() { return *TestWindow(ctrl->GetSafeHwnd()); }
     void Focus() { platform->MoveFocus(ctrl->GetSafeHwnd()); }
     // Paints what is invalid and gives what was drawn.

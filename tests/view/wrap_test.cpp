@@ -18,10 +18,7 @@ std::vector<long> Lengths(const CLineIndex& t) {
 class Wrapping : public ViewFixture {
 protected:
     std::vector<long> Wrap(const std::string& text, LONG cx = 260) {
-        control = MakeControlThroughFactory();
-        ctrl = AsControl(control.Get());
-        ctrl->SetOption(OPT_WORDWRAP, TRUE);
-        ctrl->CreateControlWindow(nullptr, {0, 0, cx, 300});
+        NewControl(cx, 300, OPT_WORDWRAP);
         doc = CreateHtmlDocument();
         doc->SetText(text);
         ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
