@@ -9,115 +9,28 @@
 #include <QStandardPaths>
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
-#include <thread>
-#include <vector>
 
-extern char** environ;
+#include "tests/e2e/childprocess.h"
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr int kServerStartMs = 10000;
 constexpr int kEditorMs = 60000;  // generous: the sanitizer build starts slowly
-constexpr int kDisplayFd = 3;     // where Xvfb writes the display number it chose
-
-// A program run by the test, its output in a log file. It ends with the test at the latest,
-// also when the test process dies.
-class CChild {
-public:
-    CChild() = default;
-    CChild(const CChild&) = delete;
-    CChild& operator=(const CChild&) = delete;
-    ~CChild() { Stop(); }
-
-    // Runs argv[0] from the PATH with the environment `env`; `displayFd`, if given, becomes
-    // descriptor 3 of the child.
-    bool Start(const std::vector<std::string>& argv, const std::vector<std::string>& env, const std::string& log,
-               int displayFd = -1) {
-        std::vector<char*> args, vars;
-        for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
-        for (const std::string& v : env) vars.push_back(const_cast<char*>(v.c_str()));
-        args.push_back(nullptr);
-        vars.push_back(nullptr);
-        const int out = open(log.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-        if (out < 0) return false;
-        m_pid = fork();
-        if (m_pid == 0) {
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            dup2(out, STDOUT_FILENO);
-            dup2(out, STDERR_FILENO);
-            if (displayFd == kDisplayFd)
-                fcntl(kDisplayFd, F_SETFD, 0);
-            else if (displayFd >= 0)
-                dup2(displayFd, kDisplayFd);
-            execvpe(args[0], args.data(), vars.data());
-            _exit(127);
-        }
-        close(out);
-        return m_pid > 0;
-    }
-
-    // The exit code, or -1 if the program is still running after `ms` or did not exit normally.
-    int Wait(int ms) {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(ms);
-        while (m_pid > 0) {
-            int status = 0;
-            if (waitpid(m_pid, &status, WNOHANG) == m_pid) {
-                m_pid = -1;
-                return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-            }
-            if (std::chrono::steady_clock::now() >= end) return -1;
-            std::this_thread::sleep_for(10ms);
-        }
-        return -1;
-    }
-
-    // Asks the program to end, and forces it after a second.
-    void Stop() {
-        if (m_pid <= 0) return;
-        kill(m_pid, SIGTERM);
-        if (Wait(1000) == -1 && m_pid > 0) {
-            kill(m_pid, SIGKILL);
-            waitpid(m_pid, nullptr, 0);
-        }
-        m_pid = -1;
-    }
-
-private:
-    pid_t m_pid = -1;
-};
-
-// The environment of this process with `changes` ("NAME=value") put in.
-std::vector<std::string> EnvironmentWith(const std::vector<std::string>& changes) {
-    std::vector<std::string> env;
-    for (char** v = environ; *v; ++v) {
-        const std::string var = *v;
-        const std::string name = var.substr(0, var.find('=') + 1);
-        bool replaced = false;
-        for (const std::string& c : changes) replaced = replaced || c.compare(0, name.size(), name) == 0;
-        if (!replaced) env.push_back(var);
-    }
-    env.insert(env.end(), changes.begin(), changes.end());
-    return env;
-}
 
 // Reads the display number that Xvfb writes once it accepts clients; -1 on failure or timeout.
 int ReadDisplayNumber(int fd) {
     std::string text;
-    const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(kServerStartMs);
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kServerStartMs);
     while (text.find('\n') == std::string::npos) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
         pollfd p{fd, POLLIN, 0};
         if (left.count() <= 0 || poll(&p, 1, static_cast<int>(left.count())) <= 0) return -1;
         char buffer[32];
@@ -125,7 +38,9 @@ int ReadDisplayNumber(int fd) {
         if (n <= 0) return -1;
         text.append(buffer, static_cast<size_t>(n));
     }
-    return std::stoi(text);
+    char* end = nullptr;
+    const long number = std::strtol(text.c_str(), &end, 10);
+    return end != text.c_str() && number >= 0 ? static_cast<int>(number) : -1;
 }
 
 std::string ReadLog(const std::string& path) {
@@ -212,7 +127,7 @@ protected:
     int StartServer() {
         int fds[2];
         if (pipe2(fds, O_CLOEXEC) != 0) return -1;
-        const bool started = m_server.Start({"Xvfb", "-displayfd", std::to_string(kDisplayFd), "-screen", "0", "1280x1024x24",
+        const bool started = m_server.Start({"Xvfb", "-displayfd", std::to_string(CChild::kKeptFd), "-screen", "0", "1280x1024x24",
                                              "-nolisten", "tcp"},
                                             EnvironmentWith({}), Path("xvfb.log"), fds[1]);
         close(fds[1]);
@@ -230,12 +145,17 @@ TEST_F(EditorOnXDisplay, ShowsTheSamplePageInSyntaxColoursWithGutterAndStatusLin
 
     const std::string shot = Path("zentrel-edit-screenshot.png");
     QFile::remove(QString::fromStdString(shot));
+    // The private display has no session bus: saying so keeps the toolkit from looking for one.
     CChild editor;
     ASSERT_TRUE(editor.Start({ZENTREL_EDIT, "--screenshot", shot},
-                             EnvironmentWith({"DISPLAY=:" + std::to_string(display), "QT_QPA_PLATFORM=xcb"}),
+                             EnvironmentWith({"DISPLAY=:" + std::to_string(display), "QT_QPA_PLATFORM=xcb",
+                                              "DBUS_SESSION_BUS_ADDRESS=disabled:"}),
                              Path("zentrel-edit.log")));
-    const int code = editor.Wait(kEditorMs);
-    ASSERT_EQ(code, 0) << "zentrel-edit failed or hung:\n" << ReadLog(Path("zentrel-edit.log"));
+    const CChild::Ending ending = editor.Wait(kEditorMs);
+    ASSERT_TRUE(ending.finished) << "zentrel-edit did not finish within " << kEditorMs << " ms:\n"
+                                 << ReadLog(Path("zentrel-edit.log"));
+    ASSERT_EQ(ending.signal, 0) << "zentrel-edit ended by signal " << ending.signal << ":\n" << ReadLog(Path("zentrel-edit.log"));
+    ASSERT_EQ(ending.code, 0) << "zentrel-edit failed:\n" << ReadLog(Path("zentrel-edit.log"));
     m_server.Stop();
 
     QImage image(QString::fromStdString(shot));
