@@ -1,9 +1,17 @@
 // zentrel-edit: a host application for the control. It opens an HTML file (the bundled sample
 // page when none is given) in a window with the control, and shows the control's events in the
 // status line. Without a display it renders the window to a PNG and says where it put it.
+//
+// Usage: zentrel-edit [--screenshot PNG] [FILE]
+// With --screenshot the editor shows its window, saves what the screen shows of it to PNG once
+// it is painted, and exits: a picture of the real window on a real display, for tests.
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QPixmap>
+#include <QScreen>
+#include <QWindow>
 #include <cstdio>
 #include <cstdlib>
 
@@ -11,11 +19,69 @@
 
 namespace {
 
+constexpr int kShowTimeoutMs = 10000;
+
 QString DefaultDocument() { return QString::fromUtf8(ZENTREL_SAMPLE_DIR "/sample.html"); }
 
 bool HasDisplay() {
     const QString platform = QGuiApplication::platformName();
     return platform != "offscreen" && platform != "minimal";
+}
+
+struct Arguments {
+    QString file = DefaultDocument();
+    QString screenshot;  // empty: run interactively
+};
+
+// Reads the command line; false, with the reason on stderr, for one that makes no sense.
+bool ParseArguments(const QStringList& args, Arguments* out) {
+    bool haveFile = false;
+    for (qsizetype i = 1; i < args.size(); ++i) {
+        const QString& arg = args[i];
+        if (arg == "--screenshot") {
+            if (i + 1 >= args.size()) {
+                std::fprintf(stderr, "zentrel-edit: --screenshot needs the name of a PNG file\n");
+                return false;
+            }
+            out->screenshot = args[++i];
+        } else if (arg.startsWith("--") || haveFile) {
+            std::fprintf(stderr, "zentrel-edit: unexpected argument %s\nusage: zentrel-edit [--screenshot PNG] [FILE]\n",
+                         qPrintable(arg));
+            return false;
+        } else {
+            out->file = arg;
+            haveFile = true;
+        }
+    }
+    return true;
+}
+
+bool SavePicture(const QPixmap& picture, const QString& png) {
+    if (picture.isNull() || !picture.save(png, "PNG")) {
+        std::fprintf(stderr, "zentrel-edit: cannot write %s\n", qPrintable(png));
+        return false;
+    }
+    return true;
+}
+
+// Shows the window, waits until the display shows it, paints it through to the display, and
+// saves what the screen holds in the window's area.
+int ScreenshotOfShownWindow(CEditorWindow& window, const QString& png) {
+    window.show();
+    QElapsedTimer clock;
+    clock.start();
+    while (!window.windowHandle() || !window.windowHandle()->isExposed()) {
+        if (clock.elapsed() > kShowTimeoutMs) {
+            std::fprintf(stderr, "zentrel-edit: the window was not shown within %d ms\n", kShowTimeoutMs);
+            return 1;
+        }
+        QApplication::processEvents(QEventLoop::AllEvents, 50);
+    }
+    QApplication::processEvents();
+    window.repaint();  // paints now and hands the pixels to the display before the grab is asked for
+    if (!SavePicture(window.screen()->grabWindow(window.winId()), png)) return 1;
+    std::printf("Wrote the screen's picture of the window to %s\n", qPrintable(QFileInfo(png).absoluteFilePath()));
+    return 0;
 }
 
 }  // namespace
@@ -25,16 +91,18 @@ int main(int argc, char** argv) {
     if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM"))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
     QApplication app(argc, argv);
-    QString path = argc > 1 ? QString::fromLocal8Bit(argv[1]) : DefaultDocument();
+    Arguments args;
+    if (!ParseArguments(QApplication::arguments(), &args)) return 2;
     CEditorWindow window;
-    if (!window.OpenFile(path)) return 1;
+    if (!window.OpenFile(args.file)) return 1;
     window.resize(1000, 800);
     if (!HasDisplay()) {
-        QString png = QFileInfo(path).completeBaseName() + "-zentrel.png";
-        window.grab().save(png);
-        std::printf("No display: wrote the view of %s to %s\n", qPrintable(path), qPrintable(QFileInfo(png).absoluteFilePath()));
+        const QString png = args.screenshot.isEmpty() ? QFileInfo(args.file).completeBaseName() + "-zentrel.png" : args.screenshot;
+        if (!SavePicture(window.grab(), png)) return 1;
+        std::printf("No display: wrote the view of %s to %s\n", qPrintable(args.file), qPrintable(QFileInfo(png).absoluteFilePath()));
         return 0;
     }
+    if (!args.screenshot.isEmpty()) return ScreenshotOfShownWindow(window, args.screenshot);
     window.show();
     return app.exec();
 }
