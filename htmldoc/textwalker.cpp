@@ -97,6 +97,10 @@ long CTextWalker::PrevWord(long pos) const {
 }
 
 long CTextWalker::LineBreakBefore(long lineEnd) const {
-    if (lineEnd <= 0 || lineEnd > Length() || m_text.At(lineEnd - 1) != '\n') return lineEnd;
-    return lineEnd >= 2 && m_text.At(lineEnd - 2) == '\r' ? lineEnd - 2 : lineEnd - 1;
+    if (lineEnd <= 0 || lineEnd > Length()) return lineEnd;
+    if (m_text.At(lineEnd - 1) == '\n') return lineEnd >= 2 && m_text.At(lineEnd - 2) == '\r' ? lineEnd - 2 : lineEnd - 1;
+    // The end of the text ends its last row. Any other place is a wrap point, where a view broke
+    // a long line: the wrap point starts the next row, and the last character in front of it is
+    // still on the row that ends there.
+    return lineEnd == Length() ? lineEnd : PrevChar(lineEnd);
 }

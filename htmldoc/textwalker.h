@@ -23,8 +23,9 @@ public:
     long NextWord(long pos) const;
     long PrevWord(long pos) const;
 
-    // The line break just before `lineEnd` (two back for CR LF, one for LF), or `lineEnd` itself
-    // when no break stands in front of it, as at a wrap point inside a line.
+    // The line break just before `lineEnd` (two back for CR LF, one for LF). At a wrap point
+    // inside a line, the start of the character in front of it, which is on the row the wrap
+    // point ends; at the end of the text, the end itself.
     long LineBreakBefore(long lineEnd) const;
 
 private:

@@ -92,8 +92,8 @@ TEST(RangeMoves, LineMovesKeepTheByteColumnAndEndAtTheTextEnds) {
     EXPECT_EQ(brk, 14);
     d.doc->PrevLineBreak(17, &brk);
     EXPECT_EQ(brk, 16);
-    d.doc->PrevLineBreak(5, &brk);  // a wrap point: a position on that row
-    EXPECT_EQ(brk, 5);
+    d.doc->PrevLineBreak(5, &brk);  // a wrap point: the last character of the row it ends
+    EXPECT_EQ(brk, 4);
 }
 
 TEST(RangeMatch, TagsMatchTheirPartnersAcrossNestingOfTheSameName) {

@@ -122,3 +122,26 @@ TEST_F(Wrapping, ReformatAtAnUnchangedWidthDoesNothingAndKeepsTheTopText) {
 }
 
 }  // namespace
+
+namespace {
+
+class WrappedRows : public ViewFixture {};
+
+TEST_F(WrappedRows, EndAndFarRightClicksStayOnTheRowTheyAreOn) {
+    NewControl(260, 300, OPT_WORDWRAP);
+    doc = CreateHtmlDocument();
+    doc->SetText("aaaa aaaa aaaa aaaa aaaa aaaa\nb");
+    ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    ASSERT_EQ(ctrl->Lines().GetAt(0), 20);  // the first row ends at a wrap point behind a space
+    // In front of the row's last character, the space: the wrap point itself starts row 1.
+    EXPECT_EQ(ctrl->GetLineEnd(3), 19);
+    EXPECT_EQ(ctrl->FindPositionFromCoordinate(1000, 5), 19);
+    POINT pt;
+    ctrl->DocPointFromPosition(19, &pt);
+    EXPECT_EQ(pt.y, 0);
+    // A row that ends at a line feed ends in front of it.
+    EXPECT_EQ(ctrl->GetLineEnd(22), 29);
+    EXPECT_EQ(ctrl->FindPositionFromCoordinate(1000, 19 + 5), 29);
+}
+
+}  // namespace
