@@ -106,8 +106,10 @@ SIZE CDC::GetTextExtent(const char* text, int count) const {
 BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* text, UINT count) {
     const CFontImpl* font = Font();
     if (!font) return FALSE;
-    if ((options & ETO_OPAQUE) && rc) FillPrimitive(*rc, m_crBack);
-    if (!text || count == 0) return TRUE;
+    if (!text || count == 0) {
+        if ((options & ETO_OPAQUE) && rc) FillPrimitive(*rc, m_crBack);
+        return TRUE;
+    }
 
     // Per-byte advances: a double-byte character carries its advance on its first byte.
     m_advances.assign(count, 0);
@@ -139,7 +141,6 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* tex
     const RECT* clip = (options & ETO_CLIPPED) && rc ? rc : nullptr;
     RECT cells{left, top, left + extent, top + tm.tmHeight};
     if (clip) cells = IntersectRects(cells, *clip);
-    if (m_nBkMode == OPAQUE && !cells.IsEmpty()) FillPrimitive(cells, m_crBack);
     TextRunPrimitive run;
     run.origin = {left, top + tm.tmAscent};
     run.text = text;
@@ -154,6 +155,12 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* tex
     else if (m_nBkMode == OPAQUE)
         run.filled = cells;
     run.background = m_crBack;
+    // A backend that paints every pixel of the clip with the text on its background needs
+    // neither fill first.
+    if (!(clip && run.filled == *clip && TextCoversClip(run))) {
+        if ((options & ETO_OPAQUE) && rc) FillPrimitive(*rc, m_crBack);
+        if (m_nBkMode == OPAQUE && !cells.IsEmpty()) FillPrimitive(cells, m_crBack);
+    }
     TextPrimitive(run);
     return TRUE;
 }

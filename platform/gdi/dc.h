@@ -113,6 +113,9 @@ protected:
     virtual void ClipChanged(const CRgn& visible) = 0;
     virtual void FillPrimitive(const RECT& rc, COLORREF color) = 0;
     virtual void TextPrimitive(const TextRunPrimitive& run) = 0;
+    // True if TextPrimitive will paint every pixel of `run.clip`, text and background both, so
+    // that the background need not be filled first.
+    virtual bool TextCoversClip(const TextRunPrimitive& run) const { return false; }
     virtual void LinePrimitive(POINT from, POINT to, const CPen& pen) = 0;
     // Copies pixels of `src` (which the caller has checked is a context of the same backend).
     virtual BOOL BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) = 0;

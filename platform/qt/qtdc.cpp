@@ -173,10 +173,10 @@ void CQtDC::DrawGlyphs(const TextRunPrimitive& run, QPainter& painter) {
     }
 }
 
-bool CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
+bool CQtDC::GlyphCellsApply(const TextRunPrimitive& run, const CQtFont& font) const {
     // Only single-byte glyphs of the font's own face whose ink starts inside their cells, in a
     // run that lies wholly over its filled background and wholly in what is visible.
-    if (!run.clip || !m_pImage || m_pImage->format() != QImage::Format_RGB32) return false;
+    if (!run.clip || !m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32) return false;
     const RECT& clip = *run.clip;
     const RECT& filled = run.filled;
     if (clip.IsEmpty() || filled.left > clip.left || filled.top > clip.top || filled.right < clip.right ||
@@ -190,6 +190,19 @@ bool CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
             IsDBCSLeadByteEx(CP_ACP, c))
             return false;
     }
+    return true;
+}
+
+bool CQtDC::TextCoversClip(const TextRunPrimitive& run) const {
+    const auto* font = dynamic_cast<const CQtFont*>(run.font);
+    if (!font || !GlyphCellsApply(run, *font)) return false;
+    LONG extent = 0;
+    for (UINT i = 0; i < run.count; ++i) extent += run.advances[i];
+    return run.origin.x <= run.clip->left && run.origin.x + extent >= run.clip->right;
+}
+
+void CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
+    const RECT& clip = *run.clip;
     CQtGlyphCells::Key key{font.Serial(), 0, 0, static_cast<quint16>(clip.Height()),
                            static_cast<qint16>(run.origin.y - clip.top), QColorFromColorRef(run.color).rgb(),
                            QColorFromColorRef(run.background).rgb()};
@@ -221,7 +234,6 @@ bool CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
         pendingAt = x;
     }
     Drew(QRectFromRect(clip));
-    return true;
 }
 
 void CQtDC::DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter) {
@@ -246,7 +258,10 @@ void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
     const auto last = static_cast<BYTE>(run.text[run.count - 1]);
     const QRect ink(QPoint(run.origin.x + std::min(0, font->Abc(first).abcA), run.origin.y - tm.tmAscent),
                     QPoint(run.origin.x + extent + std::max(0, -font->Abc(last).abcC), run.origin.y + tm.tmDescent));
-    if (m_painter.isActive() && CopyGlyphCells(run, *font)) return;
+    if (GlyphCellsApply(run, *font)) {
+        CopyGlyphCells(run, *font);
+        return;
+    }
     const bool clip = run.clip && !QRectFromRect(*run.clip).contains(ink);
     QPainter* p = Painter(clip ? ink & QRectFromRect(*run.clip) : ink);
     if (!p) return;
@@ -289,6 +304,7 @@ void CQtDC::LinePrimitive(POINT from, POINT to, const CPen& pen) {
 BOOL CQtDC::BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) {
     auto* source = dynamic_cast<CQtDC*>(&src);
     if (!source || !source->m_pImage) return FALSE;
+    if (CopyPixels(dst, *source->m_pImage, srcRect)) return TRUE;
     QPainter* p = Painter(QRectFromRect(dst));
     if (!p) return TRUE;
     const QRect target = QRectFromRect(dst);
@@ -305,6 +321,23 @@ BOOL CQtDC::BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) {
     p->setCompositionMode(QPainter::CompositionMode_SourceOver);
     Drew(target);
     return TRUE;
+}
+
+bool CQtDC::CopyPixels(const RECT& dst, const QImage& from, const RECT& srcRect) {
+    // Rows are copied as they are when nothing is scaled, converted or clipped, which is how an
+    // off-screen picture reaches its window.
+    if (!m_pImage || &from == m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32 ||
+        from.format() != QImage::Format_RGB32 || dst.Width() != srcRect.Width() || dst.Height() != srcRect.Height())
+        return false;
+    if (!QRect(QPoint(0, 0), from.size()).contains(QRectFromRect(srcRect)) || !Visible().InsideOneRect(dst)) return false;
+    constexpr int kBytesPerPixel = 4;
+    const size_t bytes = static_cast<size_t>(dst.Width()) * kBytesPerPixel;
+    const uchar* in = from.constBits() + srcRect.top * from.bytesPerLine() + srcRect.left * kBytesPerPixel;
+    uchar* out = m_pImage->bits() + dst.top * m_pImage->bytesPerLine() + dst.left * kBytesPerPixel;
+    for (LONG y = 0; y < dst.Height(); ++y, in += from.bytesPerLine(), out += m_pImage->bytesPerLine())
+        std::memcpy(out, in, bytes);
+    Drew(QRectFromRect(dst));
+    return true;
 }
 
 void CQtDC::InvertPrimitive(const RECT& rc) {

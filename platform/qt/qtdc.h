@@ -46,6 +46,7 @@ protected:
     void ClipChanged(const CRgn&) override { m_bClipDirty = true; }
     void FillPrimitive(const RECT& rc, COLORREF color) override;
     void TextPrimitive(const TextRunPrimitive& run) override;
+    bool TextCoversClip(const TextRunPrimitive& run) const override;
     void LinePrimitive(POINT from, POINT to, const CPen& pen) override;
     BOOL BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) override;
     void InvertPrimitive(const RECT& rc) override;
@@ -62,9 +63,12 @@ private:
     void Start(QImage* image);
     void Drew(const QRect& rc);
     void DrawGlyphs(const TextRunPrimitive& run, QPainter& painter);
-    // Copies ready-made glyph cells for a run over an opaque cell of one colour; false, having
-    // drawn nothing, when the run needs the general way (see qtglyphcells.h).
-    bool CopyGlyphCells(const TextRunPrimitive& run, const class CQtFont& font);
+    // Whether a run is drawn by copying ready-made glyph cells (see qtglyphcells.h): text over
+    // an opaque cell of one colour, wholly visible, its ink inside its cells; and the copying.
+    bool GlyphCellsApply(const TextRunPrimitive& run, const class CQtFont& font) const;
+    void CopyGlyphCells(const TextRunPrimitive& run, const class CQtFont& font);
+    // Copies pixels of another image row by row; false when the copy needs the painter.
+    bool CopyPixels(const RECT& dst, const QImage& from, const RECT& srcRect);
     void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);
 
     QImage* m_pImage;
