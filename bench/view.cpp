@@ -5,6 +5,7 @@
 //     notification, rewrap, invalidation, and the repaint of what was invalidated; and the same
 //     with a full repaint (us, median and p99 over 200);
 //   - a full repaint of the window (ms, median and p99 over 100);
+//   - a text put into a document that the view shows, as a host's file load is (MB/s);
 //   - the line table's memory per line, and the process's memory per byte of text after the
 //     load and layout, and again once the whole text is classified;
 // and once:
@@ -143,6 +144,17 @@ void MeasureRepaint(CView& view, const std::string& tag) {
     ReportMedianAndP99("repaint_" + tag, millis, "ms");
 }
 
+// A text put into a document that a view shows, as a host's file load is: the view lays out
+// what arrives (MB/s).
+void MeasureLoadIntoView(const std::string& text, double megabytes, const std::string& tag) {
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    CView view(doc.Get(), true);
+    const auto t0 = Clock::now();
+    doc->SetText(text);
+    UpdateWindow(view.Hwnd());
+    Report("load_into_view_" + tag, megabytes / SecondsSince(t0), "MB/s");
+}
+
 void MeasureSize(double megabytes) {
     const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
     malloc_trim(0);
@@ -150,6 +162,8 @@ void MeasureSize(double megabytes) {
     ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
     {
         std::string text = htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6));
+        MeasureLoadIntoView(text, megabytes, tag);
+        malloc_trim(0);
         doc->SetText(text);
     }
     const double bytes = doc->GetLength();

@@ -1,10 +1,16 @@
 // Keeping the line table in step with the document's changes. Each handler keeps the table's
 // total equal to the document's length; the line breaker then puts the boundaries right.
 #include <algorithm>
+#include <cstdlib>
 
 #include "src/view/zentrelctrl.h"
 
 namespace {
+
+// A change that moves more bytes than this is laid out anew in one pass over the whole text, as
+// a Reformat does: breaking a long run of new text into lines one insertion into the table at a
+// time (a loaded file arrives as one insertion) costs far more than a whole layout.
+constexpr long kWholeLayoutBytes = 1 << 20;
 
 // The line that receives bytes inserted at `pos`: the last line for an insert at the very end.
 long ReceivingLine(const CLineIndex& lines, long pos) {
@@ -38,34 +44,39 @@ void TakeBytes(CLineIndex& lines, long pos, long count, long end, LayoutRange* r
 void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
     LayoutRange range{std::min(nFirst, nSecond), std::max(nFirst, nSecond)};
     m_CollapseRoot.RemoveEmpty(m_pDoc);
-    switch (nAction) {
-        case SA_INSERT:
-            range.nEnd = nSecond;
-            m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
-            if (HasWindow()) RewrapLines(nFirst, &range, 2);
-            break;
-        case SA_DELETE: {
-            range.nEnd = nFirst;
-            long first = m_Lines.GetLineStart(std::max(0L, m_Lines.FindLine(nFirst) - 1));
-            TakeBytes(m_Lines, nFirst, nSecond - nFirst, nSecond, &range);
-            if (HasWindow()) RewrapLines(first, &range, 3);
-            break;
+    const bool textChanged = nAction == SA_INSERT || nAction == SA_DELETE || nAction == SA_REPLACE;
+    if (textChanged && HasWindow() && MovedBytes(nAction, nFirst, nSecond) > kWholeLayoutBytes) {
+        RelayoutAll(range.nStart, &range);
+    } else {
+        switch (nAction) {
+            case SA_INSERT:
+                range.nEnd = nSecond;
+                m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
+                if (HasWindow()) RewrapLines(nFirst, &range, 2);
+                break;
+            case SA_DELETE: {
+                range.nEnd = nFirst;
+                long first = m_Lines.GetLineStart(std::max(0L, m_Lines.FindLine(nFirst) - 1));
+                TakeBytes(m_Lines, nFirst, nSecond - nFirst, nSecond, &range);
+                if (HasWindow()) RewrapLines(first, &range, 3);
+                break;
+            }
+            case SA_RESET:
+                range.nEnd = POS_TO_END;
+                m_Lines.RemoveAll();
+                m_Lines.InsertAt(0, 0);
+                break;
+            case SA_REPLACE: {
+                range.nEnd = nSecond;
+                long removed = ReplacedBytes(nFirst, nSecond);
+                if (removed > 0) TakeBytes(m_Lines, nFirst, removed, nFirst + removed, &range);
+                m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
+                if (HasWindow()) RewrapLines(nFirst, &range, 3);
+                break;
+            }
+            default:
+                break;  // style-only and unknown changes leave the layout alone
         }
-        case SA_RESET:
-            range.nEnd = POS_TO_END;
-            m_Lines.RemoveAll();
-            m_Lines.InsertAt(0, 0);
-            break;
-        case SA_REPLACE: {
-            range.nEnd = nSecond;
-            long removed = m_Lines.m_nTotal + (nSecond - nFirst) - (m_pDoc ? m_pDoc->GetLength() : 0);
-            if (removed > 0) TakeBytes(m_Lines, nFirst, removed, nFirst + removed, &range);
-            m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
-            if (HasWindow()) RewrapLines(nFirst, &range, 3);
-            break;
-        }
-        default:
-            break;  // style-only and unknown changes leave the layout alone
     }
     if (HasWindow()) {
         InvalidateRange(range.nStart, range.nEnd);
@@ -73,4 +84,22 @@ void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
     }
     FireEvent(EVENT_DOCUMENTCHANGED, {Variant::Short(static_cast<SHORT>(nAction)), Variant::Long(nFirst),
                                       Variant::Long(std::abs(nSecond - nFirst))});
+}
+
+long CZentrelCtrl::ReplacedBytes(long nFirst, long nSecond) const {
+    return m_Lines.m_nTotal + (nSecond - nFirst) - (m_pDoc ? m_pDoc->GetLength() : 0);
+}
+
+long CZentrelCtrl::MovedBytes(long nAction, long nFirst, long nSecond) const {
+    const long span = std::labs(nSecond - nFirst);
+    return nAction == SA_REPLACE ? std::max(span, ReplacedBytes(nFirst, nSecond)) : span;
+}
+
+void CZentrelCtrl::RelayoutAll(long nFrom, LayoutRange* pRange) {
+    WrapAll(m_Options, GetOption(OPT_WORDWRAP) ? GetWrapWidth() : WIDTH_UNLIMITED, &m_Lines);
+    // The lines above the change came out as they were; everything from the line above it on
+    // counts as changed, down to the bottom of the window.
+    const long first = std::max(0L, static_cast<long>(m_Lines.FindLine(std::min<long>(nFrom, m_Lines.m_nTotal))) - 1);
+    pRange->nStart = std::min(pRange->nStart, m_Lines.GetLineStart(first));
+    pRange->nEnd = POS_TO_END;
 }

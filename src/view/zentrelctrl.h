@@ -106,6 +106,12 @@ public:
 
     // --- Layout (src/layout) ---
     void OnTextChanged(long nAction, long nFirst, long nSecond);
+    // Bytes a replacement took out, worked out from the table's total and the new length.
+    long ReplacedBytes(long nFirst, long nSecond) const;
+    // Bytes a change put in or took out, whichever is more.
+    long MovedBytes(long nAction, long nFirst, long nSecond) const;
+    // Lays the whole text out anew after a large change; widens pRange to all below nFrom.
+    void RelayoutAll(long nFrom, LayoutRange* pRange);
     BOOL Reformat(BOOL bOnlyIfWidthChanged);
     long GetWrapWidth();
     void WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, CLineIndex* pTable);

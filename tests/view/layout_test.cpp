@@ -111,3 +111,36 @@ TEST(LayoutOfALongText, HoldsExactlyTheHardLinesWithoutWrap) {
 }
 
 }  // namespace
+
+namespace {
+
+// A file loaded into a view that shows its document arrives as one insertion of the whole text;
+// a large change is laid out in one pass and must come out as a whole layout does.
+TEST(LayoutOfALargeChange, ComesOutAsAWholeLayout) {
+    CTestPlatformScope platform;
+    ComPtr<IDispatch> control = MakeControlThroughFactory();
+    CZentrelCtrl* ctrl = AsControl(control.Get());
+    ctrl->SetOption(OPT_WORDWRAP, TRUE);
+    ctrl->CreateControlWindow(nullptr, {0, 0, 500, 300});
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    std::string text;
+    while (text.size() < (3u << 20)) text += SamplePage();
+    TestWindow(ctrl->GetSafeHwnd())->ClearInvalidated();
+    doc->SetText(text);
+    CLineIndex fresh;
+    ctrl->WrapAll(ctrl->GetOptionsWord(), ctrl->GetWrapWidth(), &fresh);
+    ASSERT_EQ(ctrl->GetLineCount(), fresh.m_nCount);
+    for (long i = 0; i < fresh.m_nCount; i += 97) ASSERT_EQ(ctrl->Lines().GetAt(i), fresh.GetAt(i)) << i;
+    EXPECT_EQ(TestWindow(ctrl->GetSafeHwnd())->Invalidated().back().bottom, 300);
+    // Taking most of it out again, in one deletion.
+    doc->DeleteText(100, doc->GetLength() - 200, nullptr);
+    ctrl->WrapAll(ctrl->GetOptionsWord(), ctrl->GetWrapWidth(), &fresh);
+    EXPECT_EQ(ctrl->GetLineCount(), fresh.m_nCount);
+    EXPECT_EQ(ctrl->Lines().m_nTotal, 200);
+    std::string why;
+    EXPECT_TRUE(ctrl->Lines().CheckInvariants(&why)) << why;
+    ctrl->DestroyControlWindow();
+}
+
+}  // namespace
