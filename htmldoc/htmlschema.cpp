@@ -138,15 +138,25 @@ void CHtmlSchema::Finish() {
     }
 }
 
+std::string_view CHtmlSchema::LowerInto(std::string_view s, char* buffer) {
+    for (size_t i = 0; i < s.size(); ++i) {
+        const auto c = static_cast<unsigned char>(s[i]);
+        buffer[i] = static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+    }
+    return {buffer, s.size()};
+}
+
 int CHtmlSchema::FindTag(std::string_view name) const {
     if (name.size() > kMaxName) return -1;
-    auto it = m_tagIndex.find(Lower(name));
+    char buffer[kMaxName];
+    auto it = m_tagIndex.find(LowerInto(name, buffer));
     return it == m_tagIndex.end() ? -1 : it->second;
 }
 
 int CHtmlSchema::FindAttr(int tag, std::string_view name) const {
     if (name.size() > kMaxName) return -1;
-    std::string key = Lower(name);
+    char buffer[kMaxName];
+    const std::string_view key = LowerInto(name, buffer);
     if (tag >= 0 && tag < static_cast<int>(m_attrIndex.size())) {
         auto it = m_attrIndex[tag].find(key);
         if (it != m_attrIndex[tag].end()) return it->second;
@@ -165,13 +175,14 @@ int CHtmlSchema::FindValue(int attr, std::string_view value) const {
             if (values.values[v].name == value) return static_cast<int>(v);
         return -1;
     }
-    auto it = m_valueIndex[set].find(Lower(value));
+    char buffer[kMaxName];
+    auto it = m_valueIndex[set].find(LowerInto(value, buffer));
     return it == m_valueIndex[set].end() ? -1 : it->second;
 }
 
 const CSchemaEntity* CHtmlSchema::FindEntity(std::string_view name) const {
     if (name.size() > kMaxName) return nullptr;
-    auto it = m_entities.find(std::string(name));
+    auto it = m_entities.find(name);
     return it == m_entities.end() ? nullptr : &it->second;
 }
 

@@ -102,10 +102,25 @@ private:
     std::vector<CSchemaColor> m_colors;
     std::vector<int> m_globals;
     std::vector<std::string> m_sources;  // by id
-    std::unordered_map<std::string, int> m_tagIndex;
-    std::unordered_map<std::string, int> m_globalIndex;
-    std::vector<std::unordered_map<std::string, int>> m_attrIndex;  // per tag
-    std::vector<std::unordered_map<std::string, int>> m_valueIndex;  // per value set, lower case
-    std::unordered_map<std::string, CSchemaEntity> m_entities;
+    // Indexes by name that a lookup reaches with a view of the name, copying nothing.
+    struct CNameHash {
+        using is_transparent = void;
+        // FNV-1a: names are a few bytes long, where it beats the general string hash.
+        size_t operator()(std::string_view s) const noexcept {
+            uint64_t h = 0xCBF29CE484222325ull;
+            for (char c : s) h = (h ^ static_cast<unsigned char>(c)) * 0x100000001B3ull;
+            return static_cast<size_t>(h);
+        }
+    };
+    template <class T>
+    using CNameIndex = std::unordered_map<std::string, T, CNameHash, std::equal_to<>>;
+    // Lower-cases a name of at most kMaxName bytes into `buffer`.
+    static std::string_view LowerInto(std::string_view s, char* buffer);
+
+    CNameIndex<int> m_tagIndex;
+    CNameIndex<int> m_globalIndex;
+    std::vector<CNameIndex<int>> m_attrIndex;  // per tag
+    std::vector<CNameIndex<int>> m_valueIndex;  // per value set, lower case
+    CNameIndex<CSchemaEntity> m_entities;
     std::unordered_map<char32_t, std::string> m_entityNames;
 };
