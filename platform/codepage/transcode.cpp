@@ -1,5 +1,6 @@
 #include "platform/codepage/transcode.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <vector>
@@ -51,6 +52,9 @@ size_t RunEnd(const CEncodingInfo& enc, std::string_view in, size_t pos) {
     return pos;
 }
 
+// ISO-2022-JP shifts with escape sequences: an escape character is not ASCII text there.
+bool IsIso2022Jp(const CEncodingInfo& enc) { return enc.pszIconv && std::string_view(enc.pszIconv) == "ISO-2022-JP"; }
+
 class CTranscoder {
 public:
     CTranscoder(const CEncodingInfo& from, const CEncodingInfo& to, const UnmappableHandler& handler)
@@ -58,7 +62,7 @@ public:
           m_to(to),
           m_handler(handler),
           m_bCopy(&from == &to),
-          m_bAsciiThrough(from.form != EncodingForm::Opaque && to.IsAsciiCompatible()) {}
+          m_bAsciiThrough(from.form != EncodingForm::Opaque && to.IsAsciiCompatible() && !IsIso2022Jp(to)) {}
 
     CTranscodeResult Run(std::string_view in, std::string& out) {
         out.reserve(out.size() + in.size() + in.size() / 8);
@@ -174,8 +178,33 @@ void EncodeIconv(const char* name, std::u32string_view in, std::string* out, con
 
 }  // namespace
 
+namespace {
+
+// In ISO-2022-JP an escape byte only ever starts one of its four shift sequences. The C
+// library's converter passes any other escape through as a character, which the encoder could
+// then not write back; such input is refused instead. Gives the offset of the first stray
+// escape, or npos.
+size_t StrayEscapeOffset(std::string_view in) {
+    static constexpr std::string_view kShifts[] = {"\x1B(B", "\x1B(J", "\x1B$@", "\x1B$B"};
+    for (size_t pos = in.find('\x1B'); pos != std::string_view::npos; pos = in.find('\x1B', pos + 1)) {
+        const std::string_view here = in.substr(pos, 3);
+        if (std::find(std::begin(kShifts), std::end(kShifts), here) == std::end(kShifts)) return pos;
+    }
+    return std::string_view::npos;
+}
+
+}  // namespace
+
 CTranscodeResult Transcode(const CEncodingInfo& from, const CEncodingInfo& to, std::string_view in,
                            std::string* out, const UnmappableHandler& onUnmappable) {
+    if (IsIso2022Jp(from)) {
+        if (const size_t stray = StrayEscapeOffset(in); stray != std::string_view::npos) {
+            CTranscodeResult refused;
+            refused.status = stray + 3 > in.size() ? TranscodeStatus::Truncated : TranscodeStatus::BadInput;
+            refused.nBadOffset = stray;
+            return refused;
+        }
+    }
     const size_t before = out->size();
     CTranscodeResult result = CTranscoder(from, to, onUnmappable).Run(in, *out);
     if (!result.Ok()) out->resize(before);
@@ -199,6 +228,14 @@ bool EncodeCodePoints(const CEncodingInfo& to, std::u32string_view in, std::stri
         return true;
     }
     if (!IconvAvailable(to.pszIconv)) return false;
+    if (IsIso2022Jp(to)) {
+        // An escape character would read back as the start of a shift: it cannot be written.
+        for (size_t esc = in.find(U'\x1B'); esc != std::u32string_view::npos; esc = in.find(U'\x1B')) {
+            EncodeIconv(to.pszIconv, in.substr(0, esc), out, onUnmappable, unmappable);
+            Unmappable(onUnmappable, in[esc], *out, unmappable);
+            in.remove_prefix(esc + 1);
+        }
+    }
     EncodeIconv(to.pszIconv, in, out, onUnmappable, unmappable);
     return true;
 }

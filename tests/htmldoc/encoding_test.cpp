@@ -222,6 +222,8 @@ TEST_F(EncodedFiles, RefusalsSayWhyAndKeepTheDocument) {
         {"odd.htm", std::string("\xFF\xFE<\0p", 5), "ends inside a character of UTF-16LE (at byte 4)"},
         {"lone.htm", std::string("\xFE\xFF\0<\xD8\x3D\0>", 8), "not valid UTF-16BE: byte 4"},
         {"sjis.htm", "<meta charset=sjis><p>\x93\xFA\x85\x20</p>", "not valid Shift_JIS: byte 24"},
+        // An escape that starts no shift of ISO-2022-JP, which the C library would pass through.
+        {"jis.htm", "<meta charset=iso-2022-jp>\x1B(\x1B(B", "not valid ISO-2022-JP: byte 26"},
     };
     for (const Case& c : cases) {
         std::string error;
@@ -257,6 +259,21 @@ TEST_F(EncodedFiles, TextThatCannotBeWrittenIsRefused) {
     EXPECT_NE(error.find("the text ends inside a character of Shift_JIS (at byte 3)"), std::string::npos) << error;
     EXPECT_EQ(ReadAll(path), "old");
     EXPECT_TRUE(doc->IsModified());
+}
+
+TEST_F(EncodedFiles, AnEscapeCharacterTravelsAsAReferenceInIso2022Jp) {
+    // ISO-2022-JP shifts with escape sequences: an escape in the text cannot be written as it is.
+    CodePageScope cp(932);
+    auto doc = CreateHtmlDocument();
+    doc->SetText("a\x1B(Bb \x93\xFA");
+    ASSERT_EQ(doc->SetEncoding("iso-2022-jp"), S_OK);
+    const std::string path = (dir / "jis.htm").string();
+    ASSERT_EQ(doc->SaveFile(path), S_OK);
+    EXPECT_EQ(ReadAll(path), "a&#27;(Bb \x1B$BF|\x1B(B");
+    auto again = CreateHtmlDocument();
+    std::string error;
+    ASSERT_EQ(again->LoadFile(path, &error, "iso-2022-jp"), S_OK) << error;
+    EXPECT_EQ(again->GetText(), "a&#27;(Bb \x93\xFA");
 }
 
 TEST(EncodingDispatch, EncodingPropertiesByName) {
