@@ -54,25 +54,24 @@ void CSyntaxState::MaterializeShift() {
     m_nShiftBy = 0;
 }
 
-size_t CSyntaxState::CheckpointAfter(long pos) const {
+size_t CSyntaxState::FirstCheckpointBehind(long pos) const {
     size_t lo = 0, hi = m_checkpoints.size();
     while (lo < hi) {
         size_t mid = (lo + hi) / 2;
         if (CheckpointPos(mid) <= pos) lo = mid + 1;
         else hi = mid;
     }
+    return lo;
+}
+
+size_t CSyntaxState::CheckpointAfter(long pos) const {
+    size_t lo = FirstCheckpointBehind(pos);
     while (lo < m_checkpoints.size() && m_checkpoints[lo].state.mode == kInvalidMode) ++lo;
     return lo;
 }
 
 long CSyntaxState::CheckpointAtOrBefore(long pos) const {
-    size_t lo = 0, hi = m_checkpoints.size();
-    while (lo < hi) {
-        size_t mid = (lo + hi) / 2;
-        if (CheckpointPos(mid) <= pos) lo = mid + 1;
-        else hi = mid;
-    }
-    long i = static_cast<long>(lo) - 1;
+    long i = static_cast<long>(FirstCheckpointBehind(pos)) - 1;
     while (i >= 0 && m_checkpoints[static_cast<size_t>(i)].state.mode == kInvalidMode) --i;
     return i;
 }

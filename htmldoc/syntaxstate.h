@@ -95,6 +95,8 @@ private:
     long CheckpointAtOrBefore(long pos) const;
     // The first valid checkpoint behind `pos`, or the count.
     size_t CheckpointAfter(long pos) const;
+    // The index of the first checkpoint that stands behind `pos`, valid or not.
+    size_t FirstCheckpointBehind(long pos) const;
     void MergeNewCheckpoints();
 
     const CGapBuffer& m_text;
