@@ -1,6 +1,8 @@
 #include "platform/qt/qtplatform.h"
 
 #include <QApplication>
+#include <QCursor>
+#include <QStyleHints>
 #include <QGuiApplication>
 #include <QWidget>
 #include <utility>
@@ -89,6 +91,15 @@ void CQtPlatform::SetWaitCursor(bool on) {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     else
         QGuiApplication::restoreOverrideCursor();
+}
+
+POINT CQtPlatform::CursorPos() {
+    const QPoint p = QCursor::pos();
+    return {p.x(), p.y()};
+}
+
+UINT CQtPlatform::DoubleClickTime() {
+    return static_cast<UINT>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
 }
 
 HWND CQtPlatform::CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc) {

@@ -28,6 +28,8 @@ public:
                                                        const RECT& rc) override;
     // Each call pushes or pops Qt's override cursor, which nests by itself.
     void SetWaitCursor(bool on) override;
+    POINT CursorPos() override;
+    UINT DoubleClickTime() override;
 
     // CreateWindowFor with a widget as the parent instead of a window.
     HWND CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc);
