@@ -131,6 +131,8 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
             break;
         case WM_CHAR: OnChar(flags, repeat, keyFlags); return 0;
         case WM_IME_CHAR: return OnImeChar(wParam, lParam);
+        case WM_UNICHAR: OnUniChar(static_cast<char32_t>(wParam)); return 0;
+        case WM_GETSURROUNDINGTEXT: return OnGetSurroundingText(reinterpret_cast<SurroundingText*>(lParam));
         case WM_LBUTTONDOWN: OnLButtonDown(flags, x, y); return 0;
         case WM_LBUTTONUP: OnLButtonUp(flags, x, y); return 0;
         case WM_LBUTTONDBLCLK: OnLButtonDblClk(flags, x, y); return 0;

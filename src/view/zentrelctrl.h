@@ -8,6 +8,7 @@
 
 #include "platform/com/propnotify.h"
 #include "platform/gdi/fontholder.h"
+#include "platform/window/keys.h"
 #include "platform/window/olecontrol.h"
 #include "src/annotations/bookmarkmanager.h"
 #include "src/annotations/collapsenode.h"
@@ -233,6 +234,9 @@ public:
     // Typing (typing.cpp).
     void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
     LRESULT OnImeChar(WPARAM wParam, LPARAM lParam);
+    // Input methods (inputmethod.cpp).
+    void OnUniChar(char32_t cp);
+    LRESULT OnGetSurroundingText(SurroundingText* pText);
     // The mouse and the selection (mouse.cpp, selection.cpp).
     void OnLButtonDown(UINT nFlags, int x, int y);
     void OnLButtonUp(UINT nFlags, int x, int y);
