@@ -173,16 +173,17 @@ TEST_F(EditorOnXDisplay, ShowsTheSamplePageInSyntaxColoursWithGutterAndStatusLin
     const QRect gutterArea(0, rows.first, gutter, rows.second - rows.first);
     EXPECT_GT(CountIn(image, gutterArea, IsInk), 100) << "no line numbers in the gutter";
 
-    // The sample page's syntax colours, right of the gutter: blue tag names, magenta attribute
-    // names, green string values, the comment's grey band and the red band of the unknown tag.
+    // The sample page in the editor's own palette, right of the gutter: green tag names, brown
+    // attribute names, dark blue string values, grey comment text and the pale red band of the
+    // unknown tag.
     const QRect text(gutter, rows.first, image.width() - gutter, rows.second - rows.first);
     auto exactly = [](QRgb c) { return [c](QRgb px) { return px == (c | 0xFF000000); }; };
-    EXPECT_GT(CountIn(image, text, exactly(qRgb(0, 0, 255))), 200) << "no blue tag names";
-    EXPECT_GT(CountIn(image, text, exactly(qRgb(255, 0, 255))), 100) << "no magenta attributes";
-    EXPECT_GT(CountIn(image, text, exactly(qRgb(0, 128, 0))), 100) << "no green string values";
-    EXPECT_GT(LongestRun(image, text, qRgb(192, 192, 192)), 300) << "no grey comment band";
-    EXPECT_GT(LongestRun(image, text, qRgb(255, 0, 0)), 20) << "no red error band";
-    EXPECT_EQ(CountIn(image, gutterArea, exactly(qRgb(0, 0, 255))), 0) << "text spilled into the gutter";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x11, 0x63, 0x29))), 200) << "no green tag names";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x95, 0x38, 0x00))), 100) << "no brown attributes";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x0A, 0x30, 0x69))), 100) << "no dark blue string values";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x6E, 0x77, 0x81))), 100) << "no grey comments";
+    EXPECT_GT(LongestRun(image, text, qRgb(0xFF, 0xEB, 0xE9)), 20) << "no pale red error band";
+    EXPECT_EQ(CountIn(image, gutterArea, exactly(qRgb(0x11, 0x63, 0x29))), 0) << "text spilled into the gutter";
 
     // The status line below the view reports the page.
     const QRect status = StatusLine(image);
