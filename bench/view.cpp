@@ -24,6 +24,8 @@
 #include <string>
 
 #include "bench/benchtools.h"
+#include "bench/peerreport.h"
+#include "bench/viewwindow.h"
 #include "bench/htmlgen.h"
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
@@ -39,65 +41,8 @@ namespace {
 
 using namespace bench;
 
-constexpr LONG kWidth = 1000, kHeight = 800;
 constexpr int kTypedCharacters = 200;
 constexpr int kRepaints = 100;
-
-// Figures of ours by name, for the ratios to the peer.
-std::map<std::string, double>& Ours() {
-    static std::map<std::string, double> figures;
-    return figures;
-}
-
-void Report(const std::string& name, double value, const char* unit) {
-    Ours()[name] = value;
-    Print(name, value, unit);
-}
-
-// The peer's figure for the same workload, with its ratio to ours, put so that above 1 is better
-// for us: the peer's time or memory over ours, or our throughput over the peer's.
-void ReportPeer(const std::string& name, double value, const char* unit) {
-    Print("peer_" + name, value, unit);
-    auto it = Ours().find(name);
-    if (it == Ours().end() || it->second <= 0 || value <= 0) return;
-    const bool throughput = std::string(unit) == "MB/s";
-    Print("ratio_" + name, throughput ? it->second / value : value / it->second, "x");
-}
-
-void ReportMedianAndP99(const std::string& name, const std::vector<double>& samples, const char* unit) {
-    Report(name + "_median", Percentile(samples, 0.5), unit);
-    Report(name + "_p99", Percentile(samples, 0.99), unit);
-}
-
-// The control in a top-level window of its own, over a document.
-class CView {
-public:
-    explicit CView(CHtmlDocument* doc, bool wrap) {
-        m_pCtrl = CreateZentrelCtrl();
-        m_pCtrl->SetOption(OPT_WORDWRAP, wrap);
-        m_hwnd = CreateQtChildWindow(m_pCtrl, nullptr, {0, 0, kWidth, kHeight});
-        QtWidgetFromHwnd(m_hwnd)->show();
-        QApplication::processEvents();
-        m_pCtrl->SetDocument(static_cast<IDispatch*>(doc));
-        QApplication::processEvents();
-    }
-    ~CView() {
-        m_pCtrl->SetDocument(nullptr);
-        m_pCtrl->DestroyControlWindow();
-        m_pCtrl->Release();
-        QApplication::processEvents();
-    }
-    CZentrelCtrl* operator->() const { return m_pCtrl; }
-    HWND Hwnd() const { return m_hwnd; }
-    void RepaintAll() {
-        InvalidateRect(m_hwnd, nullptr, FALSE);
-        UpdateWindow(m_hwnd);
-    }
-
-private:
-    CZentrelCtrl* m_pCtrl;
-    HWND m_hwnd;
-};
 
 double LineTableBytes(const CLineIndex& table) {
     const CLineBlockPool& pool = CLineBlock::Pool();

@@ -100,7 +100,13 @@ void CZentrelCtrl::OnDragSelectTimer() {
     }
     POINT pt;
     if (!GetCursorPos(&pt) || !ScreenToClient(m_hWnd, &pt)) return;
-    const long pos = PositionFromClientPoint(pt.x, pt.y);
+    DragSelectTo(pt.x, pt.y);
+}
+
+// One pass of a drag selection: the active end goes under the mouse, which scrolls the view when
+// the mouse is outside it, and the window shows the result at once.
+void CZentrelCtrl::DragSelectTo(int x, int y) {
+    const long pos = PositionFromClientPoint(x, y);
     if (pos != m_nSelActive) MoveCaret(pos, 1);
     UpdateWindow(m_hWnd);
 }

@@ -247,6 +247,7 @@ public:
     void OnNcLButtonDown();
     void OnTripleClick(int x, int y);
     void OnDragSelectTimer();
+    void DragSelectTo(int x, int y);
     void EndDragSelect();
     BOOL GutterBoxTakesClick(int x, int y);
     void SetSelectionEnds(long active, long anchor);
