@@ -173,6 +173,8 @@ public:
     void UpdateScrollBars(long nWidth, long nHeight);
     void OnVScroll(int nCode, int nPos);
     void OnHScroll(int nCode, int nPos);
+    // The farthest m_nLeftPixel can go: ColumnMax columns less the window's width.
+    long HScrollLimit() const;
     long GetVisibleLines() const;
     long GetScrollScale() const;
     void CreateViewCaret();
