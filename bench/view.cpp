@@ -10,7 +10,8 @@
 //     load and layout, and again once the whole text is classified;
 // and once:
 //   - a click at the end of a 5000-byte line (PositionFromClientPoint, us);
-//   - a minified page (one 10 MB line) attached, wrapped and painted (ms).
+//   - a minified page (one 10 MB line) attached, wrapped and painted (ms), and a typed character
+//     in its middle, wrapped and not (us, median and p99 over 200).
 // Built with QScintilla, the same workloads run on a QScintilla widget of the same size, font
 // and wrap mode in the same process, and each figure gets its ratio to the peer's
 // (peer time / our time: above 1 means faster than the peer).
@@ -160,6 +161,10 @@ void MeasureMinified() {
     CView view(doc.Get(), true);
     view.RepaintAll();
     Report("minified_10mb_wrap_and_paint", 1e3 * SecondsSince(t0), "ms");
+    MeasureTyping(view, doc.Get(), "minified_10mb", false);
+    view->SetOption(OPT_WORDWRAP, FALSE);
+    view->Reformat(TRUE);
+    MeasureTyping(view, doc.Get(), "minified_10mb_nowrap", false);
 }
 
 }  // namespace

@@ -297,7 +297,9 @@ void CZentrelCtrl::SetEditFontDispatch(IDispatch* font) {
 }
 
 void CZentrelCtrl::OnEditFontChanged() {
+    // A new edit font takes effect at once: the fonts are measured again (with them the tab
+    // width), and the text is wrapped anew in the new widths even where the width stays.
     RebuildFontCache();
-    if (HasWindow()) Reformat(TRUE);
+    if (HasWindow() && m_pDoc) Reformat(FALSE);
     SetModifiedFlag();
 }

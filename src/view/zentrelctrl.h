@@ -114,10 +114,15 @@ public:
     void OnTextChanged(long nAction, long nFirst, long nSecond);
     // Bytes a replacement took out, worked out from the table's total and the new length.
     long ReplacedBytes(long nFirst, long nSecond) const;
-    // Bytes a change put in or took out, whichever is more.
-    long MovedBytes(long nAction, long nFirst, long nSecond) const;
+    // Brings the table in step with nRemoved bytes at nPos replaced by nInserted.
+    void ApplyTextChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange);
     // Lays the whole text out anew after a large change; widens pRange to all below nFrom.
     void RelayoutAll(long nFrom, LayoutRange* pRange);
+    // Lays out anew the rows that a change of the text touched (nRemoved bytes at nPos replaced by
+    // nInserted), so that the table is what a whole layout of the new text gives.
+    void RelayoutChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange);
+    // The width the breaker wraps the view's text at: no limit without word wrap.
+    long BreakWidth();
     BOOL Reformat(BOOL bOnlyIfWidthChanged);
     long GetWrapWidth();
     void WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, CLineIndex* pTable);
@@ -174,6 +179,8 @@ public:
     void UpdateScrollBars(long nWidth, long nHeight);
     void OnVScroll(int nCode, int nPos);
     void OnHScroll(int nCode, int nPos);
+    // The farthest m_nLeftPixel can go: ColumnMax columns less the window's width.
+    long HScrollLimit() const;
     long GetVisibleLines() const;
     long GetScrollScale() const;
     void CreateViewCaret();
