@@ -11,7 +11,8 @@
 //   click POINT, shiftclick POINT, dblclick POINT, ctrldblclick POINT
 //                              POINT: @pos (just right of the position's left edge), x,y in
 //                              client pixels, gutter@pos (in the gutter on pos's row),
-//                              strip@pos (in the strip at the gutter's right edge)
+//                              strip@pos (in the strip at the gutter's right edge), below
+//                              (10 pixels under the client area)
 //   press POINT, moveto POINT, release    a drag by hand: the button held, the mouse moved
 //   mbutton POINT, rbutton POINT
 //   wait MS                    the clock moves on (drag-selection passes run meanwhile)
@@ -254,6 +255,7 @@ private:
     // --- The mouse ---
 
     POINT PointOf(const std::string& spec) {
+        if (spec == "below") return {100, static_cast<LONG>(m_ctrl->m_rcClient.Height()) + 10};
         const size_t at = spec.find('@');
         if (at == std::string::npos) {
             const size_t comma = spec.find(',');
