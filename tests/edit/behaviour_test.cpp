@@ -1,5 +1,6 @@
 // Plays the behaviour cases of tests/edit/cases on a control in a window of the test backend,
-// over a reference document, with keys delivered as the Qt backend delivers them.
+// over a reference document, with keys delivered as the Qt backend delivers them. The control is
+// alone in its window, so a Tab it does not claim comes back to it as a key and a character.
 //
 // Actions:
 //   key [Shift+][Ctrl+]Name    Left Right Up Down Home End PageUp PageDown Back Delete Insert Tab
