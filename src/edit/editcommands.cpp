@@ -47,7 +47,9 @@ void CZentrelCtrl::Backspace(int mods) {
                 newStart = scratch->GetStart();
             }
             if (end - newStart > 0) m_pDoc->DeleteText(newStart, end - newStart, &m_xTextSink);
-        } else if (!m_pSelection->IsEmpty()) {
+        } else if (end > 0) {
+            // At the start of the text there is no word in front; a selection still goes. (The
+            // range's IsEmpty answers whether it spans lines, not whether it holds text.)
             m_pDoc->DeleteText(0, end, &m_xTextSink);
         }
     } else if (m_nSelActive != m_nSelAnchor) {

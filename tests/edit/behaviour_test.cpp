@@ -1,23 +1,30 @@
 // Plays the behaviour cases of tests/edit/cases on a control in a window of the test backend,
-// over a reference document, with keys delivered as the Qt backend delivers them.
+// over a reference document, with keys delivered as the Qt backend delivers them. The control is
+// alone in its window, so a Tab it does not claim comes back to it as a key and a character.
 //
 // Actions:
 //   key [Shift+][Ctrl+]Name    Left Right Up Down Home End PageUp PageDown Back Delete Insert Tab
 //                              Enter Escape Space Pause Plus Minus Comma Period RBracket, A..Z, 0..9
+//   keydown [Shift+][Ctrl+]Name  WM_KEYDOWN alone, as from a host that offers no key first
 //   type TEXT                  each byte as WM_CHAR
 //   char N                     WM_CHAR with code N
 //   ime 0xLLTT                 WM_IME_CHAR with lead and trail byte
 //   click POINT, shiftclick POINT, dblclick POINT, ctrldblclick POINT
 //                              POINT: @pos (just right of the position's left edge), x,y in
 //                              client pixels, gutter@pos (in the gutter on pos's row),
-//                              strip@pos (in the strip at the gutter's right edge)
+//                              strip@pos (in the strip at the gutter's right edge), below
+//                              (10 pixels under the client area)
 //   press POINT, moveto POINT, release    a drag by hand: the button held, the mouse moved
 //   mbutton POINT, rbutton POINT
 //   wait MS                    the clock moves on (drag-selection passes run meanwhile)
+//   The left button is the physical right one with the setup line `swapbuttons`.
 //   call Name [ARG...]         an automation method with long arguments; `set Name V` a property
 //   focus, blur                the focus comes or goes
-// Checks: expect TEXT, events LIST, beeps N, result N, error CODE|"TEXT", prop Name V,
-//   undotitle TEXT, caretwidth N, goalx N, mousedown 0|1, toprow N.
+// Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
+//   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
+//   mousedown 0|1, toprow N.
+// Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
+// `nowindow`, `swapbuttons`.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -120,6 +127,8 @@ private:
             m_ctrl->SetOption(OPT_WORDWRAP, TRUE);
             Window().SetClientSize(m_ctrl->GetIndentSize() + Number(*columns) * m_ctrl->m_nCharWidth + 1, cy);
         }
+        if (const std::string* rows = SetupValue("rows")) Window().SetClientSize(cx, Number(*rows) * m_ctrl->m_nLineHeight);
+        m_platform->SetButtonsSwapped(SetupValue("swapbuttons") != nullptr);
         const std::string* text = SetupValue("text");
         const MarkedText start = ParseMarkedText(text ? *text : "");
         if (!SetupValue("nodoc")) {
@@ -151,7 +160,8 @@ private:
     void Play(const EditStep& step) {
         using Handler = void (CEditPlayer::*)(const std::string&);
         static const std::map<std::string, Handler> handlers = {
-            {"key", &CEditPlayer::Key},          {"type", &CEditPlayer::Type},
+            {"key", &CEditPlayer::Key},          {"keydown", &CEditPlayer::KeyDown},
+            {"type", &CEditPlayer::Type},
             {"char", &CEditPlayer::Char},        {"ime", &CEditPlayer::Ime},
             {"click", &CEditPlayer::Click},      {"shiftclick", &CEditPlayer::ShiftClick},
             {"dblclick", &CEditPlayer::DblClick}, {"ctrldblclick", &CEditPlayer::CtrlDblClick},
@@ -176,14 +186,42 @@ private:
 
     // A key as the Qt backend delivers it: offered first, then WM_KEYDOWN and the character.
     void Key(const std::string& spec) {
-        std::string name = spec;
         int mods = 0;
+        const int vk = ParseKey(spec, &mods);
+        if (!vk) return;
+        PressModifiers(mods);
+        const LPARAM lp = 1;
+        if (SendMessage(Hwnd(), WM_PRETRANSLATEKEY, vk, lp) == 0) {
+            SendMessage(Hwnd(), WM_KEYDOWN, vk, lp);
+            if (const int c = KeyChar(vk, mods)) SendMessage(Hwnd(), WM_CHAR, c, lp);
+        }
+        PressModifiers(0);
+    }
+
+    void KeyDown(const std::string& spec) {
+        int mods = 0;
+        const int vk = ParseKey(spec, &mods);
+        if (!vk) return;
+        PressModifiers(mods);
+        SendMessage(Hwnd(), WM_KEYDOWN, vk, 1);
+        PressModifiers(0);
+    }
+
+    void PressModifiers(int mods) {
+        m_platform->SetKeyDown(VK_SHIFT, mods & 1);
+        m_platform->SetKeyDown(VK_CONTROL, mods & 2);
+    }
+
+    // [Shift+][Ctrl+]Name: the virtual key, 0 (and a failure) for an unknown one.
+    static int ParseKey(const std::string& spec, int* mods) {
+        std::string name = spec;
+        *mods = 0;
         for (;;) {
             if (name.rfind("Shift+", 0) == 0) {
-                mods |= 1;
+                *mods |= 1;
                 name = name.substr(6);
             } else if (name.rfind("Ctrl+", 0) == 0) {
-                mods |= 2;
+                *mods |= 2;
                 name = name.substr(5);
             } else {
                 break;
@@ -194,16 +232,8 @@ private:
             vk = it->second;
         else if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
             vk = std::toupper(static_cast<unsigned char>(name[0]));
-        ASSERT_NE(vk, 0) << "unknown key " << spec;
-        m_platform->SetKeyDown(VK_SHIFT, mods & 1);
-        m_platform->SetKeyDown(VK_CONTROL, mods & 2);
-        const LPARAM lp = 1;
-        if (SendMessage(Hwnd(), WM_PRETRANSLATEKEY, vk, lp) == 0) {
-            SendMessage(Hwnd(), WM_KEYDOWN, vk, lp);
-            if (const int c = KeyChar(vk, mods)) SendMessage(Hwnd(), WM_CHAR, c, lp);
-        }
-        m_platform->SetKeyDown(VK_SHIFT, false);
-        m_platform->SetKeyDown(VK_CONTROL, false);
+        EXPECT_NE(vk, 0) << "unknown key " << spec;
+        return vk;
     }
 
     // The character a key types, as the toolkit gives it; 0 for none.
@@ -226,6 +256,7 @@ private:
     // --- The mouse ---
 
     POINT PointOf(const std::string& spec) {
+        if (spec == "below") return {100, static_cast<LONG>(m_ctrl->m_rcClient.Height()) + 10};
         const size_t at = spec.find('@');
         if (at == std::string::npos) {
             const size_t comma = spec.find(',');
@@ -245,24 +276,25 @@ private:
         return pt;
     }
 
+    // The physical button behind the left (primary) one.
+    int PrimaryButton() const { return SetupValue("swapbuttons") ? VK_RBUTTON : VK_LBUTTON; }
+
     void Button(UINT message, const std::string& spec, int mods, bool held) {
         const POINT pt = PointOf(spec);
         POINT screen = pt;
         ClientToScreen(Hwnd(), &screen);
         m_platform->SetCursorPos(screen);
-        m_platform->SetKeyDown(VK_SHIFT, mods & 1);
-        m_platform->SetKeyDown(VK_CONTROL, mods & 2);
-        if (held) m_platform->SetKeyDown(VK_LBUTTON, true);
+        PressModifiers(mods);
+        if (held) m_platform->SetKeyDown(PrimaryButton(), true);
         WPARAM keys = (mods & 1 ? MK_SHIFT : 0) | (mods & 2 ? MK_CONTROL : 0) | (held ? MK_LBUTTON : 0);
         SendMessage(Hwnd(), message, keys, MAKELPARAM(pt.x, pt.y));
-        m_platform->SetKeyDown(VK_SHIFT, false);
-        m_platform->SetKeyDown(VK_CONTROL, false);
+        PressModifiers(0);
     }
 
     // A click: down and up at one point, with time for the next click to count as a double one.
     void ClickWith(const std::string& spec, int mods) {
         Button(WM_LBUTTONDOWN, spec, mods, true);
-        m_platform->SetKeyDown(VK_LBUTTON, false);
+        m_platform->SetKeyDown(PrimaryButton(), false);
         Button(WM_LBUTTONUP, spec, mods, false);
         m_platform->AdvanceClock(10);
     }
@@ -270,16 +302,16 @@ private:
     void ShiftClick(const std::string& spec) { ClickWith(spec, 1); }
     void DblClickWith(const std::string& spec, int mods) {
         Button(WM_LBUTTONDBLCLK, spec, mods, true);
-        m_platform->SetKeyDown(VK_LBUTTON, false);
+        m_platform->SetKeyDown(PrimaryButton(), false);
         Button(WM_LBUTTONUP, spec, mods, false);
         m_platform->AdvanceClock(10);
     }
     void DblClick(const std::string& spec) { DblClickWith(spec, 0); }
     void CtrlDblClick(const std::string& spec) { DblClickWith(spec, 2); }
     void Press(const std::string& spec) { Button(WM_LBUTTONDOWN, spec, 0, true); }
-    void MoveTo(const std::string& spec) { Button(WM_MOUSEMOVE, spec, 0, m_platform->KeyState(VK_LBUTTON) < 0); }
+    void MoveTo(const std::string& spec) { Button(WM_MOUSEMOVE, spec, 0, m_platform->KeyState(PrimaryButton()) < 0); }
     void Release(const std::string&) {
-        m_platform->SetKeyDown(VK_LBUTTON, false);
+        m_platform->SetKeyDown(PrimaryButton(), false);
         POINT pt{};
         GetCursorPos(&pt);
         ScreenToClient(Hwnd(), &pt);
@@ -357,13 +389,18 @@ private:
         }
         for (size_t i = 0; i < m_outs.size(); ++i) EXPECT_EQ(*m_outs[i], Number(words[i + 1])) << "out " << i;
     }
+    // `error CODE`, `error "TEXT"` or `error CODE "TEXT"`; "" is an error without a text.
     void Error(const std::string& expected) {
         EXPECT_EQ(m_hr, DISP_E_EXCEPTION);
         m_nErrorsUnchecked = 0;
-        if (!expected.empty() && expected[0] == '"')
-            EXPECT_EQ(m_excep.description, expected.substr(1, expected.size() - 2));
-        else
-            EXPECT_EQ(static_cast<long>(m_excep.scode), static_cast<long>(0x800A0000 | Number(expected)));
+        const size_t quote = expected.find('"');
+        const std::string code = expected.substr(0, quote);
+        if (!Words(code).empty())
+            EXPECT_EQ(static_cast<uint32_t>(m_excep.scode), static_cast<uint32_t>(0x800A0000 | Number(code)));
+        if (quote != std::string::npos) {
+            const size_t close = expected.rfind('"');
+            EXPECT_EQ(m_excep.description, expected.substr(quote + 1, close - quote - 1));
+        }
     }
     void Prop(const std::string& rest) {
         const auto words = Words(rest);
@@ -372,7 +409,9 @@ private:
         EXPECT_EQ(value, Number(words.at(1))) << words[0];
     }
     void UndoTitle(const std::string& title) { EXPECT_EQ(m_doc->UndoTitle(), ParseMarkedText(title).text); }
-    void CaretWidth(const std::string& n) { EXPECT_EQ(Window().CaretRect().Width(), Number(n)); }
+    void CaretWidth(const std::string& n) {
+        EXPECT_EQ(Window().CaretRect().Width(), n == "char" ? m_ctrl->m_nCharWidth : Number(n));
+    }
     void GoalX(const std::string& n) { EXPECT_EQ(m_ctrl->m_nGoalX, Number(n)); }
     void MouseDown(const std::string& n) { EXPECT_EQ(m_ctrl->m_bMouseDown, Number(n)); }
     void TopRow(const std::string& n) { EXPECT_EQ(m_ctrl->GetTopLine(), Number(n)); }
