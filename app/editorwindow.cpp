@@ -97,6 +97,7 @@ bool CEditorWindow::OpenFile(const QString& path) {
         return false;
     }
     UpdateTitle();
+    FitGutter();
     OnControlEvent(0, QString("%1 bytes, %2 lines, %3")
                           .arg(m_doc->GetLength())
                           .arg(m_pCtrl->GetLineCount())
@@ -113,8 +114,18 @@ void CEditorWindow::OnControlEvent(DISPID id, const QString& text) {
     m_events.push_front(text);
     while (m_events.size() > kShownEvents) m_events.pop_back();
     m_pEvents->setText(QString("%1   |   LineCount %2").arg(m_events.join("   ")).arg(m_pCtrl->GetLineCount()));
-    if (id == EVENT_DOCUMENTCHANGED) setWindowModified(m_doc->IsModified());
+    if (id == EVENT_DOCUMENTCHANGED) {
+        setWindowModified(m_doc->IsModified());
+        FitGutter();
+    }
     if (id == EVENT_EDITMODETOGGLED || id == EVENT_AUTOCONVERTTOGGLED) UpdateModes();
+}
+
+// The gutter grows to hold the largest line number, and never shrinks below the control's default.
+void CEditorWindow::FitGutter() {
+    const long digits = static_cast<long>(QString::number(m_pCtrl->GetLineCount()).size());
+    const long width = (digits + 2) * m_pCtrl->GetGutterFontWidth() + m_pCtrl->m_nCharWidth;
+    if (width > m_pCtrl->GetIndentSize()) m_pCtrl->SetGutterSize(width);
 }
 
 void CEditorWindow::UpdateTitle() {

@@ -39,6 +39,7 @@ private:
     void ChooseFont();
     void ChooseRightMargin();
     void UpdateTitle();
+    void FitGutter();
     void UpdateModes();
     void closeEvent(QCloseEvent* e) override;
 

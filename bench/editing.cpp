@@ -136,18 +136,14 @@ void PeerSize(double megabytes) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (!std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QApplication app(argc, argv);
-    CQtPlatform platform;
-    IPlatformBackend* previous = SetPlatformBackend(&platform);
-    std::vector<double> sizes;
-    for (int i = 1; i < argc; ++i) sizes.push_back(std::atof(argv[i]));
-    if (sizes.empty()) sizes = {1, 10, 100};
-    for (double megabytes : sizes) MeasureSize(megabytes);
+    const auto ours = [](const std::vector<double>& sizes) {
+        for (double megabytes : sizes) MeasureSize(megabytes);
+    };
 #ifdef ZENTREL_HAVE_QSCINTILLA
-    if (!std::getenv("ZENTREL_BENCH_NO_PEER"))
+    return RunViewBenchmark(argc, argv, ours, [](const std::vector<double>& sizes) {
         for (double megabytes : sizes) PeerSize(megabytes);
+    });
+#else
+    return RunViewBenchmark(argc, argv, ours, nullptr);
 #endif
-    SetPlatformBackend(previous);
-    return 0;
 }

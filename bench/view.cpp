@@ -170,20 +170,14 @@ void MeasureMinified() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (!std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QApplication app(argc, argv);
-    CQtPlatform platform;
-    IPlatformBackend* previous = SetPlatformBackend(&platform);
-    std::vector<double> sizes;
-    for (int i = 1; i < argc; ++i) sizes.push_back(std::atof(argv[i]));
-    if (sizes.empty()) sizes = {1, 10, 100};
-
-    MeasureClickOnLongLine();
-    MeasureMinified();
-    for (double megabytes : sizes) MeasureSize(megabytes);
+    const auto ours = [](const std::vector<double>& sizes) {
+        MeasureClickOnLongLine();
+        MeasureMinified();
+        for (double megabytes : sizes) MeasureSize(megabytes);
+    };
 #ifdef ZENTREL_HAVE_QSCINTILLA
-    if (!std::getenv("ZENTREL_BENCH_NO_PEER")) RunPeer(sizes, ReportPeer);
+    return RunViewBenchmark(argc, argv, ours, [](const std::vector<double>& sizes) { RunPeer(sizes, ReportPeer); });
+#else
+    return RunViewBenchmark(argc, argv, ours, nullptr);
 #endif
-    SetPlatformBackend(previous);
-    return 0;
 }

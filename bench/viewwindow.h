@@ -3,8 +3,12 @@
 #pragma once
 #include <QApplication>
 #include <QWidget>
+#include <cstdlib>
+#include <functional>
+#include <vector>
 
 #include "htmldoc/htmldocument.h"
+#include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/window/paint.h"
 #include "src/view/zentrelctrl.h"
@@ -42,5 +46,23 @@ private:
     CZentrelCtrl* m_pCtrl;
     HWND m_hwnd;
 };
+
+// Runs a view benchmark: a Qt application (offscreen without a display) with the Qt backend
+// installed, the sizes from the command line in megabytes (default 1 10 100), our workloads and
+// then, unless ZENTREL_BENCH_NO_PEER is set, the peer's.
+inline int RunViewBenchmark(int argc, char** argv, const std::function<void(const std::vector<double>&)>& ours,
+                            const std::function<void(const std::vector<double>&)>& peer) {
+    if (!std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    QApplication app(argc, argv);
+    CQtPlatform platform;
+    IPlatformBackend* previous = SetPlatformBackend(&platform);
+    std::vector<double> sizes;
+    for (int i = 1; i < argc; ++i) sizes.push_back(std::atof(argv[i]));
+    if (sizes.empty()) sizes = {1, 10, 100};
+    ours(sizes);
+    if (peer && !std::getenv("ZENTREL_BENCH_NO_PEER")) peer(sizes);
+    SetPlatformBackend(previous);
+    return 0;
+}
 
 }  // namespace bench

@@ -7,48 +7,23 @@
 #include <QCoreApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
-#include <memory>
-#include <optional>
 #include <string>
 
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtcontrolwidget.h"
-#include "platform/qt/qtplatform.h"
-#include "platform/qt/qtwindow.h"
-#include "src/view/module.h"
-#include "src/view/zentrelctrl.h"
-#include "tests/codepagescope.h"
+#include "tests/qt/qtviewfixture.h"
 
 namespace {
 
-class QtInput : public ::testing::Test {
+class QtInput : public QtViewFixture {
 protected:
-    QtInput() : m_pPrevious(SetPlatformBackend(&platform)) {}
-    ~QtInput() override {
-        if (ctrl) {
-            ctrl->SetDocument(nullptr);
-            ctrl->DestroyControlWindow();
-            ctrl->Release();
-        }
-        SetPlatformBackend(m_pPrevious);
-        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
-        if (codePage) {
-            codePage.reset();
-            ZentrelApp().InitInstance();
-        }
-    }
-
+    ~QtInput() override { CloseView(); }
     void Open(const std::string& text, UINT cp = 1252) {
-        codePage.emplace(cp);
-        ZentrelApp().InitInstance();
+        UseCodePage(cp);
         doc = CreateHtmlDocument();
         doc->SetText(text);
-        ctrl = CreateZentrelCtrl();
-        const HWND hwnd = CreateQtChildWindow(ctrl, nullptr, {0, 0, 400, 200});
-        ASSERT_NE(hwnd, nullptr);
+        OpenView(doc.Get(), 400, 200);
         widget = static_cast<CQtControlWidget*>(QtWidgetFromHwnd(hwnd));
-        widget->show();
-        ctrl->SetDocument(doc.Get());
         ctrl->SetSelection(static_cast<long>(text.size()), static_cast<long>(text.size()));
         // The offscreen platform gives no window the focus by itself; the control is told as Qt would.
         SendMessage(hwnd, WM_SETFOCUS, 0, 0);
@@ -73,11 +48,7 @@ protected:
         QCoreApplication::sendEvent(widget, &e);
     }
 
-    std::optional<CodePageScope> codePage;
-    CQtPlatform platform;
-    IPlatformBackend* m_pPrevious;
     ComPtr<CHtmlDocument> doc;
-    CZentrelCtrl* ctrl = nullptr;
     CQtControlWidget* widget = nullptr;
 };
 
