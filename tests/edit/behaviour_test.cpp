@@ -185,9 +185,9 @@ private:
     // --- Keys and characters ---
 
     // A key as the Qt backend delivers it: offered first, then WM_KEYDOWN and the character.
-    void Key(const std::string& spec) {
+    void Key(const std::string& what) {
         int mods = 0;
-        const int vk = ParseKey(spec, &mods);
+        const int vk = ParseKey(what, &mods);
         if (!vk) return;
         PressModifiers(mods);
         const LPARAM lp = 1;
@@ -198,9 +198,9 @@ private:
         PressModifiers(0);
     }
 
-    void KeyDown(const std::string& spec) {
+    void KeyDown(const std::string& what) {
         int mods = 0;
-        const int vk = ParseKey(spec, &mods);
+        const int vk = ParseKey(what, &mods);
         if (!vk) return;
         PressModifiers(mods);
         SendMessage(Hwnd(), WM_KEYDOWN, vk, 1);
@@ -213,8 +213,8 @@ private:
     }
 
     // [Shift+][Ctrl+]Name: the virtual key, 0 (and a failure) for an unknown one.
-    static int ParseKey(const std::string& spec, int* mods) {
-        std::string name = spec;
+    static int ParseKey(const std::string& what, int* mods) {
+        std::string name = what;
         *mods = 0;
         for (;;) {
             if (name.rfind("Shift+", 0) == 0) {
@@ -232,7 +232,7 @@ private:
             vk = it->second;
         else if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
             vk = std::toupper(static_cast<unsigned char>(name[0]));
-        EXPECT_NE(vk, 0) << "unknown key " << spec;
+        EXPECT_NE(vk, 0) << "unknown key " << what;
         return vk;
     }
 
@@ -255,17 +255,17 @@ private:
 
     // --- The mouse ---
 
-    POINT PointOf(const std::string& spec) {
-        if (spec == "below") return {100, static_cast<LONG>(m_ctrl->m_rcClient.Height()) + 10};
-        const size_t at = spec.find('@');
+    POINT PointOf(const std::string& what) {
+        if (what == "below") return {100, static_cast<LONG>(m_ctrl->m_rcClient.Height()) + 10};
+        const size_t at = what.find('@');
         if (at == std::string::npos) {
-            const size_t comma = spec.find(',');
-            return {static_cast<LONG>(Number(spec.substr(0, comma))), static_cast<LONG>(Number(spec.substr(comma + 1)))};
+            const size_t comma = what.find(',');
+            return {static_cast<LONG>(Number(what.substr(0, comma))), static_cast<LONG>(Number(what.substr(comma + 1)))};
         }
         POINT pt;
-        m_ctrl->ClientPointFromPosition(Number(spec.substr(at + 1)), &pt);
+        m_ctrl->ClientPointFromPosition(Number(what.substr(at + 1)), &pt);
         pt.y += 1;
-        const std::string where = spec.substr(0, at);
+        const std::string where = what.substr(0, at);
         const long gutterEdge = m_ctrl->GetIndentSize() - m_ctrl->m_nCharWidth;
         if (where == "gutter")
             pt.x = 2;
@@ -279,8 +279,8 @@ private:
     // The physical button behind the left (primary) one.
     int PrimaryButton() const { return SetupValue("swapbuttons") ? VK_RBUTTON : VK_LBUTTON; }
 
-    void Button(UINT message, const std::string& spec, int mods, bool held) {
-        const POINT pt = PointOf(spec);
+    void Button(UINT message, const std::string& what, int mods, bool held) {
+        const POINT pt = PointOf(what);
         POINT screen = pt;
         ClientToScreen(Hwnd(), &screen);
         m_platform->SetCursorPos(screen);
@@ -292,24 +292,24 @@ private:
     }
 
     // A click: down and up at one point, with time for the next click to count as a double one.
-    void ClickWith(const std::string& spec, int mods) {
-        Button(WM_LBUTTONDOWN, spec, mods, true);
+    void ClickWith(const std::string& what, int mods) {
+        Button(WM_LBUTTONDOWN, what, mods, true);
         m_platform->SetKeyDown(PrimaryButton(), false);
-        Button(WM_LBUTTONUP, spec, mods, false);
+        Button(WM_LBUTTONUP, what, mods, false);
         m_platform->AdvanceClock(10);
     }
-    void Click(const std::string& spec) { ClickWith(spec, 0); }
-    void ShiftClick(const std::string& spec) { ClickWith(spec, 1); }
-    void DblClickWith(const std::string& spec, int mods) {
-        Button(WM_LBUTTONDBLCLK, spec, mods, true);
+    void Click(const std::string& what) { ClickWith(what, 0); }
+    void ShiftClick(const std::string& what) { ClickWith(what, 1); }
+    void DblClickWith(const std::string& what, int mods) {
+        Button(WM_LBUTTONDBLCLK, what, mods, true);
         m_platform->SetKeyDown(PrimaryButton(), false);
-        Button(WM_LBUTTONUP, spec, mods, false);
+        Button(WM_LBUTTONUP, what, mods, false);
         m_platform->AdvanceClock(10);
     }
-    void DblClick(const std::string& spec) { DblClickWith(spec, 0); }
-    void CtrlDblClick(const std::string& spec) { DblClickWith(spec, 2); }
-    void Press(const std::string& spec) { Button(WM_LBUTTONDOWN, spec, 0, true); }
-    void MoveTo(const std::string& spec) { Button(WM_MOUSEMOVE, spec, 0, m_platform->KeyState(PrimaryButton()) < 0); }
+    void DblClick(const std::string& what) { DblClickWith(what, 0); }
+    void CtrlDblClick(const std::string& what) { DblClickWith(what, 2); }
+    void Press(const std::string& what) { Button(WM_LBUTTONDOWN, what, 0, true); }
+    void MoveTo(const std::string& what) { Button(WM_MOUSEMOVE, what, 0, m_platform->KeyState(PrimaryButton()) < 0); }
     void Release(const std::string&) {
         m_platform->SetKeyDown(PrimaryButton(), false);
         POINT pt{};
@@ -317,8 +317,8 @@ private:
         ScreenToClient(Hwnd(), &pt);
         SendMessage(Hwnd(), WM_LBUTTONUP, 0, MAKELPARAM(pt.x, pt.y));
     }
-    void MButton(const std::string& spec) { Button(WM_MBUTTONDOWN, spec, 0, false); }
-    void RButton(const std::string& spec) { Button(WM_RBUTTONDOWN, spec, 0, false); }
+    void MButton(const std::string& what) { Button(WM_MBUTTONDOWN, what, 0, false); }
+    void RButton(const std::string& what) { Button(WM_RBUTTONDOWN, what, 0, false); }
     void Wait(const std::string& ms) { m_platform->AdvanceClock(static_cast<DWORD>(Number(ms))); }
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
     void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
