@@ -206,6 +206,7 @@ public:
     void PaintGutterMarks(LinePaint* pLine);
     void InvalidateRange(long nFrom, long nTo);
     void InvalidateGutter();
+    void InvalidateGutterAt(long nPos);
     struct RunPainter;
 
     // --- Editing (src/edit) ---
