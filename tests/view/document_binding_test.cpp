@@ -175,3 +175,25 @@ TEST_F(DocumentBinding, BusyCallsNestAndEndWithTheLastPair) {
 }
 
 }  // namespace
+
+// A host may destroy the control's window and make it again, any number of times: each destroy
+// detaches the document and stops the completion timer, and each window gets its timer anew.
+TEST(WindowLifeCycle, EveryDestroyDetachesAndEveryCreateStartsAgain) {
+    CTestPlatformScope platform;
+    ComPtr<IDispatch> control = MakeControlThroughFactory();
+    CZentrelCtrl* ctrl = AsControl(control.Get());
+    ctrl->SetCodeCompletionMode(1);
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    doc->SetText("<p>text</p>");
+    for (int round = 0; round < 3; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_NE(ctrl->CreateControlWindow(nullptr, {0, 0, 200, 100}), nullptr);
+        EXPECT_TRUE(TestWindow(ctrl->GetSafeHwnd())->HasTimer(kCompletionTimer));
+        ctrl->SetDocument(doc.Get());
+        EXPECT_EQ(ctrl->GetDocumentText(), static_cast<ISourceText*>(doc.Get()));
+        EXPECT_EQ(ctrl->GetLineCount(), 1);
+        ctrl->DestroyControlWindow();
+        EXPECT_EQ(ctrl->GetDocumentText(), nullptr);
+        EXPECT_FALSE(ctrl->m_bCompletionTimer);
+    }
+}
