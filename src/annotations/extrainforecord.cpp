@@ -28,6 +28,11 @@ public:
         Bytes(b, 4);
     }
     void I32(long v) { U32(static_cast<uint32_t>(static_cast<int32_t>(v))); }
+    // The head of a section of entries: its version and the count.
+    void Section(size_t count) {
+        U32(kVersion);
+        I32(static_cast<long>(count));
+    }
     void String(const std::string& s) {
         const size_t n = s.size();
         if (n < kLongString) {
@@ -145,15 +150,13 @@ ExtraInfoError WriteExtraInfo(IStream* stream, const ExtraInfoRecord& record) {
     w.U32(kVersion);
     w.I32(record.active);
     w.I32(record.anchor);
-    w.U32(kVersion);
-    w.I32(static_cast<long>(record.bookmarks.size()));
+    w.Section(record.bookmarks.size());
     for (const ExtraInfoBookmark& b : record.bookmarks) {
         w.String(b.name);
         w.I32(b.active);
         w.I32(b.anchor);
     }
-    w.U32(kVersion);
-    w.I32(static_cast<long>(record.blocks.size()));
+    w.Section(record.blocks.size());
     for (const ExtraInfoBlock& b : record.blocks) {
         w.I32(b.start);
         w.I32(b.end);
