@@ -25,7 +25,8 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 
 }  // namespace
 
-CQtPlatform::CQtPlatform() : m_pPreviousGdi(SetGdiBackend(&m_gdi)) {
+CQtPlatform::CQtPlatform()
+    : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)) {
     m_clock.start();
 }
 
@@ -33,6 +34,7 @@ CQtPlatform::~CQtPlatform() {
     for (HWND hwnd : m_windows)
         if (IsWindow(hwnd)) AbandonWindow(hwnd);
     if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
+    if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
 }
 
 QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {

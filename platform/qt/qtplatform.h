@@ -1,11 +1,13 @@
 // The Qt backend: process-wide services from Qt, windows made of CQtControlWidget, child
-// controls, and the drawing backend (qtgdi.h), which it installs for its lifetime.
+// controls, and the drawing backend (qtgdi.h) and the clipboard (qtclipboard.h), which it
+// installs for its lifetime.
 #pragma once
 #include <QElapsedTimer>
 #include <vector>
 
 #include <Qt>
 
+#include "platform/qt/qtclipboard.h"
 #include "platform/qt/qtgdi.h"
 #include "platform/window/window.h"
 
@@ -59,6 +61,8 @@ private:
 
     CQtGdiBackend m_gdi;
     IGdiBackend* m_pPreviousGdi;
+    CQtClipboard m_clipboard;
+    IClipboardBackend* m_pPreviousClipboard;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;

@@ -127,10 +127,13 @@ std::shared_ptr<CFontImpl> CTestPlatform::CreateFont(const LOGFONTA& lf) { retur
 std::unique_ptr<CDC> CTestPlatform::CreateScreenDC() { return CTestDC::Screen(kScreenSize.cx, kScreenSize.cy); }
 
 CTestPlatformScope::CTestPlatformScope()
-    : m_pPrevious(SetPlatformBackend(&m_platform)), m_pPreviousGdi(SetGdiBackend(&m_platform)) {}
+    : m_pPrevious(SetPlatformBackend(&m_platform)),
+      m_pPreviousGdi(SetGdiBackend(&m_platform)),
+      m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)) {}
 
 CTestPlatformScope::~CTestPlatformScope() {
     m_platform.AbandonAllWindows();
+    SetClipboardBackend(m_pPreviousClipboard);
     SetGdiBackend(m_pPreviousGdi);
     SetPlatformBackend(m_pPrevious);
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/gdi/gdiobjects.h"
+#include "platform/testing/testclipboard.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/window.h"
 
@@ -91,7 +92,7 @@ private:
     bool m_bSwapped = false;
 };
 
-// Installs a fresh test platform, as the window and the drawing backend, for its lifetime; on the
+// Installs a fresh test platform, as the window and the drawing backend, and an empty clipboard, for its lifetime; on the
 // way out it abandons the windows still open (no WM_DESTROY) and puts the previous backends back.
 class CTestPlatformScope {
 public:
@@ -102,9 +103,12 @@ public:
 
     CTestPlatform& Platform() { return m_platform; }
     CTestPlatform* operator->() { return &m_platform; }
+    CTestClipboard& Clipboard() { return m_clipboard; }
 
 private:
     CTestPlatform m_platform;
+    CTestClipboard m_clipboard;
+    IClipboardBackend* m_pPreviousClipboard;
     IPlatformBackend* m_pPrevious;
     IGdiBackend* m_pPreviousGdi;
 };

@@ -1,8 +1,67 @@
-// Clipboard commands and text drags. The system clipboard and drag and drop are not connected
-// yet: the commands change nothing, and a press inside the selection is an ordinary click.
+// Clipboard commands and text drags. Text leaves the view as CF_TEXT in the document's code
+// page; what comes in goes to the document unread, which picks the form it takes.
+#include <algorithm>
+#include <new>
+
+#include "platform/com/automation.h"
+#include "platform/com/textdataobject.h"
+#include "platform/window/clipboard.h"
 #include "src/view/zentrelctrl.h"
 
-void CZentrelCtrl::Cut() {}
-void CZentrelCtrl::Copy() {}
-void CZentrelCtrl::Paste() {}
+namespace {
+
+// Automation error 7, out of memory.
+constexpr SCODE kOutOfMemory = MakeHr(0x800A0007u);
+
+}  // namespace
+
+ComPtr<IDataObject> CZentrelCtrl::CreateDataSource(long nFirst, long nSecond) {
+    if (!m_pDoc || nFirst == nSecond) return {};
+    const long start = std::min(nFirst, nSecond);
+    std::string text(static_cast<size_t>(std::abs(nSecond - nFirst)), '\0');
+    m_pDoc->CopyText(text.data(), start, static_cast<long>(text.size()));
+    // Clipboard text ends at its first zero byte.
+    text.resize(std::min(text.size(), text.find('\0')));
+    return ComPtr<IDataObject>::Adopt(CreateTextDataObject(text).Detach());
+}
+
+BOOL CZentrelCtrl::Copy() {
+    if (!m_pDoc || m_nSelActive == m_nSelAnchor) return FALSE;
+    ComPtr<IDataObject> data = CreateDataSource(m_nSelActive, m_nSelAnchor);
+    return data && SUCCEEDED(OleSetClipboard(data.Get())) ? TRUE : FALSE;
+}
+
+void CZentrelCtrl::CopyForHost() {
+    try {
+        Copy();
+    } catch (const std::bad_alloc&) {
+        ThrowError(kOutOfMemory);
+    }
+}
+
+// The text goes before the clipboard is set; a failure on the way is swallowed.
+BOOL CZentrelCtrl::Cut() {
+    if (!m_pDoc || m_nSelActive == m_nSelAnchor) return FALSE;
+    try {
+        const long active = m_nSelActive, anchor = m_nSelAnchor;
+        m_pSelection->Collapse();
+        ComPtr<IDataObject> data = CreateDataSource(active, anchor);
+        if (!data) return FALSE;
+        m_pDoc->DeleteText(std::min(active, anchor), std::abs(active - anchor), &m_xTextSink);
+        return SUCCEEDED(OleSetClipboard(data.Get())) ? TRUE : FALSE;
+    } catch (const std::bad_alloc&) {
+        return FALSE;
+    }
+}
+
+// The clipboard's data goes to the document over the selection; the document moves the caret.
+void CZentrelCtrl::Paste() {
+    if (!m_pDoc) return;
+    ComPtr<IDataObject> data;
+    if (FAILED(OleGetClipboard(data.Out()))) return;
+    long inserted = 0;
+    m_pDoc->InsertData(std::min(m_nSelActive, m_nSelAnchor), std::abs(m_nSelActive - m_nSelAnchor), &inserted,
+                       data.Get(), &m_xTextSink);
+}
+
 BOOL CZentrelCtrl::BeginTextDrag(long) { return FALSE; }

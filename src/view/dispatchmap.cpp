@@ -128,6 +128,27 @@ void AddFormats(Table& t) {
     t.Method(76, "FormatChangeEnd", 0, [](CZentrelCtrl&, Args&) { return Nothing(); });
 }
 
+// The extra info stores. There is no registry: its two methods give FALSE.
+void AddExtraInfo(Table& t) {
+    t.Method(82, "SaveExtraInfo", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.SaveExtraInfo(ArgUnknown(a, 0))); });
+    t.Method(83, "LoadExtraInfo", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.LoadExtraInfo(ArgUnknown(a, 0))); });
+    t.Method(84, "SaveExtraInfoToFile", 1,
+             [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.SaveExtraInfoToFile(ArgStr(a, 0))); });
+    t.Method(85, "LoadExtraInfoFromFile", 1,
+             [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.LoadExtraInfoFromFile(ArgStr(a, 0))); });
+    t.Method(86, "LoadExtraInfoFromRegKey", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(87, "SaveExtraInfoToRegKey", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(88, "SaveExtraInfoToMemory", 1, [](CZentrelCtrl& c, Args& a) {
+        HGLOBAL block = 0;
+        const BOOL saved = c.SaveExtraInfoToMemory(&block);
+        if (saved) ArgSetOut(a, 0, Variant::Long(static_cast<int32_t>(block)));
+        return Variant::Bool(saved != FALSE);
+    });
+    t.Method(89, "LoadExtraInfoFromMemory", 2, [](CZentrelCtrl& c, Args& a) {
+        return Variant::Bool(c.LoadExtraInfoFromMemory(static_cast<HGLOBAL>(ArgLong(a, 0)), ArgLong(a, 1)));
+    });
+}
+
 void AddDocument(Table& t) {
     t.Property(8, "Document", [](CZentrelCtrl& c, const Args&) {
         Variant v = Variant::Dispatch(nullptr);
@@ -164,8 +185,7 @@ void AddDocument(Table& t) {
     t.Method(71, "AddBookmark", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
     t.Method(72, "DeleteBookmark", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
     t.Method(80, "FindCollapseFromPos", 1, [](CZentrelCtrl&, Args&) { return Variant::Dispatch(nullptr); });
-    t.Method(86, "LoadExtraInfoFromRegKey", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
-    t.Method(87, "SaveExtraInfoToRegKey", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    AddExtraInfo(t);
     t.Method(91, "PointInGutter", 2, [](CZentrelCtrl& c, Args& a) {
         return Variant::Bool(c.PointInGutter(ArgLong(a, 0), ArgLong(a, 1)));
     });
@@ -214,8 +234,11 @@ void CommandMethod(Table& t, DISPID id, const char* name, void (CZentrelCtrl::*c
 }
 
 void AddEditing(Table& t) {
-    CommandMethod(t, 54, "Cut", &CZentrelCtrl::Cut);
-    CommandMethod(t, 55, "Copy", &CZentrelCtrl::Copy);
+    t.Method(54, "Cut", 0, [](CZentrelCtrl& c, Args&) {
+        c.Cut();
+        return Nothing();
+    });
+    CommandMethod(t, 55, "Copy", &CZentrelCtrl::CopyForHost);
     CommandMethod(t, 56, "Paste", &CZentrelCtrl::Paste);
     CommandMethod(t, 60, "Undo", &CZentrelCtrl::DoUndo);
     CommandMethod(t, 61, "Redo", &CZentrelCtrl::DoRedo);

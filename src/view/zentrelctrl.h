@@ -6,7 +6,9 @@
 #include <memory>
 #include <string>
 
+#include "platform/com/globalmemory.h"
 #include "platform/com/propnotify.h"
+#include "platform/com/stream.h"
 #include "platform/gdi/fontholder.h"
 #include "platform/window/keys.h"
 #include "platform/window/olecontrol.h"
@@ -264,10 +266,15 @@ public:
     void SelectWordAtPos(long nPos);
     void GetWordPosAtPos(long nPos, long* pnStart, long* pnEnd);
     long GetMatchChar(long nPosition);
-    // Clipboard and text drags (clipboard.cpp).
-    void Cut();
-    void Copy();
+    // Clipboard and text drags (clipboard.cpp). Cut and Copy give FALSE with no selection.
+    BOOL Cut();
+    BOOL Copy();
     void Paste();
+    // Copy for a host: running out of memory is an automation error instead of FALSE.
+    void CopyForHost();
+    // The text between two positions, in either order, as CF_TEXT; null with no document or an
+    // empty range.
+    ComPtr<IDataObject> CreateDataSource(long nFirst, long nSecond);
     BOOL BeginTextDrag(long nPos);
 
     // --- Picker window (src/picker) ---
@@ -286,6 +293,18 @@ public:
     BOOL ToggleNumberedBookmark(int n);
     // The plus or minus box of a line in the gutter: TRUE if the click at (x, y) hit it and acted.
     BOOL OnGutterBox(long nLine, int x, int y);
+
+    // --- Extra info (src/annotations/extrainfo.cpp) ---
+    // The selection, bookmarks and blocks as a record, in a store of the host's. Each gives
+    // FALSE for anything that goes wrong, and a load that is refused changes nothing.
+    BOOL SaveExtraInfoTo(IStream* pStream);
+    BOOL LoadExtraInfoFrom(IStream* pStream);
+    BOOL SaveExtraInfo(IUnknown* punkStream);
+    BOOL LoadExtraInfo(IUnknown* punkStream);
+    BOOL SaveExtraInfoToFile(const std::string& lpszFileName);
+    BOOL LoadExtraInfoFromFile(const std::string& lpszFileName);
+    BOOL SaveExtraInfoToMemory(HGLOBAL* lphGlobalMemory);
+    BOOL LoadExtraInfoFromMemory(HGLOBAL hGlobalMemory, long nMemorySize);
 
     // --- Code completion (src/edit) ---
     // Runs timer 1 in completion mode 1 and stops it in the others.

@@ -22,7 +22,9 @@
 //   focus, blur                the focus comes or goes
 // Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
 //   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
-//   mousedown 0|1, toprow N.
+//   mousedown 0|1, toprow N, clipboard TEXT|none (the CF_TEXT on the clipboard, without its NUL).
+// Setting the clipboard as another program would: `putclipboard text TEXT` (CF_TEXT),
+//   `putclipboard unicode TEXT` (TEXT is UTF-8, put as CF_UNICODETEXT alone), `putclipboard none`.
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
 // `nowindow`, `swapbuttons`.
 #include <gtest/gtest.h>
@@ -32,8 +34,10 @@
 #include <optional>
 #include <sstream>
 
+#include "platform/codepage/unicode.h"
 #include "platform/testing/testplatform.h"
 #include "platform/testing/testwindow.h"
+#include "platform/window/clipboard.h"
 #include "platform/window/input.h"
 #include "platform/window/keys.h"
 #include "tests/codepagescope.h"
@@ -175,7 +179,8 @@ private:
             {"error", &CEditPlayer::Error},      {"prop", &CEditPlayer::Prop},
             {"undotitle", &CEditPlayer::UndoTitle}, {"caretwidth", &CEditPlayer::CaretWidth},
             {"goalx", &CEditPlayer::GoalX},      {"mousedown", &CEditPlayer::MouseDown},
-            {"toprow", &CEditPlayer::TopRow},
+            {"toprow", &CEditPlayer::TopRow},    {"clipboard", &CEditPlayer::Clipboard},
+            {"putclipboard", &CEditPlayer::PutClipboard},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -415,6 +420,36 @@ private:
     void GoalX(const std::string& n) { EXPECT_EQ(m_ctrl->m_nGoalX, Number(n)); }
     void MouseDown(const std::string& n) { EXPECT_EQ(m_ctrl->m_bMouseDown, Number(n)); }
     void TopRow(const std::string& n) { EXPECT_EQ(m_ctrl->GetTopLine(), Number(n)); }
+    void Clipboard(const std::string& expected) {
+        const ClipboardFormats held = m_platform.Clipboard().Read();
+        if (expected == "none") {
+            EXPECT_TRUE(held.empty());
+            return;
+        }
+        std::string text;
+        ASSERT_TRUE(GetClipboardData(CF_TEXT, &text)) << "no CF_TEXT on the clipboard";
+        ASSERT_FALSE(text.empty());
+        EXPECT_EQ(text.back(), '\0') << "CF_TEXT without its NUL";
+        text.pop_back();
+        EXPECT_EQ(FormatMarkedText(text, 0, 0), FormatMarkedText(ParseMarkedText(expected).text, 0, 0));
+    }
+    void PutClipboard(const std::string& rest) {
+        const size_t space = rest.find(' ');
+        const std::string kind = rest.substr(0, space);
+        const std::string text = space == std::string::npos ? "" : ParseMarkedText(rest.substr(space + 1)).text;
+        ClipboardFormats formats;
+        if (kind == "text") {
+            formats.emplace_back(CF_TEXT, text + '\0');
+        } else if (kind == "unicode") {
+            std::u16string units;
+            for (const CodePointAt& cp : DecodeUtf8(text)) AppendUtf16(units, cp.ch);
+            units.push_back(0);
+            formats.emplace_back(CF_UNICODETEXT, std::string(reinterpret_cast<const char*>(units.data()), units.size() * 2));
+        } else {
+            ASSERT_EQ(kind, "none");
+        }
+        m_platform.Clipboard().Write(formats);
+    }
 
     const EditCase& m_case;
     std::optional<CodePageScope> m_codePage;
