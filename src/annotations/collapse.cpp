@@ -34,9 +34,10 @@ BOOL CZentrelCtrl::ExpandBlocks(long nStart, long nEnd, BOOL bOneLevel) {
     if (done.count == 0) return FALSE;
     if (!HasWindow()) return TRUE;
     if (done.count == 1) {
-        const long lo = std::min(nStart, nEnd);
-        LayoutRange range{lo, std::max(nStart, nEnd)};
-        RewrapLines(lo, &range, 2);
+        // The rows are laid out anew from the opened block on: in front of it nothing changed,
+        // and rows that come out unchanged there would end the run before it.
+        LayoutRange range{done.firstBlock, done.last};
+        RewrapLines(done.firstBlock, &range, 2);
     } else {
         Reformat(FALSE);
     }

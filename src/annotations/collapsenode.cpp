@@ -108,11 +108,16 @@ CCollapseNode::Expansion CCollapseNode::Expand(long start, long end, bool oneLev
             std::unique_ptr<CCollapseNode> node = std::move(m_children[i]);
             Children inner = std::move(node->m_children);
             node->m_children.clear();
+            // A block emptied while it lay inside this one stays where its text went, which may
+            // be anywhere in front of this block by now: it shows nothing, so it goes rather
+            // than break the order of the outer list.
+            std::erase_if(inner, [](const std::unique_ptr<CCollapseNode>& c) { return c->GetStart() == c->GetEnd(); });
             const size_t moved = inner.size();
             const auto at = m_children.erase(m_children.begin() + static_cast<std::ptrdiff_t>(i));
             m_children.insert(at, std::make_move_iterator(inner.begin()), std::make_move_iterator(inner.end()));
             if (oneLevel) i += moved;  // the blocks that moved up stay collapsed
             done.first = std::min(done.first, cs);
+            done.firstBlock = std::min(done.firstBlock, cs);
             done.last = std::max(done.last, ce);
             ++done.count;
         } else {

@@ -40,11 +40,13 @@ public:
     // where CanCollapse says no. A block whose range cannot be made is linked all the same.
     bool Collapse(long start, long end);
 
-    // What an expansion opened: the number of blocks and the span they covered with the range.
+    // What an expansion opened: the number of blocks, the span they covered together with the
+    // range, and where the first of them began.
     struct Expansion {
         long count = 0;
         long first = 0;
         long last = 0;
+        long firstBlock = 0x7FFFFFFF;
     };
     // Opens the outermost blocks that lie inside start..end (either order), or, for an empty
     // range, the block that begins there. One level leaves the blocks inside them collapsed;
