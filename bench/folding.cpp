@@ -57,15 +57,7 @@ void MeasureTyping(CView& view, CHtmlDocument* doc, const std::string& name) {
     view->SetSelection(pos, pos);
     view->ScrollCaretIntoView();
     UpdateWindow(view.Hwnd());
-    std::vector<double> micros;
-    micros.reserve(kBurst);
-    for (int i = 0; i < kBurst; ++i) {
-        const auto t0 = Clock::now();
-        SendMessage(view.Hwnd(), WM_CHAR, i % 16 == 15 ? ' ' : 'a' + i % 26, 1);
-        UpdateWindow(view.Hwnd());
-        micros.push_back(MicrosSince(t0));
-    }
-    PrintMedianAndP99(name, micros, "us");
+    PrintMedianAndP99(name, TypeBurst(view, kBurst), "us");
 }
 
 // 10,000 blocks of two text lines each and 10,000 bookmarks on the lines between them, evenly
