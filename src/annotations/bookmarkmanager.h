@@ -1,30 +1,77 @@
-// The bookmark list of a view. Each bookmark holds one tracked range of the document; the list
-// gives the ranges back while the document still lives.
+// Bookmarks: named, live ranges of the text that the view keeps beside the document. Each holds
+// one tracked range, which the document moves through edits; a bookmark whose text is deleted
+// stays, empty, where the text was. The list is newest first, and every set and clear is told to
+// the host.
 #pragma once
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "src/document/sourcetext.h"
 
 class CZentrelCtrl;
+class CBookmarkManager;
+
+class CBookmark {
+public:
+    CBookmark() = default;
+    CBookmark(const CBookmark&) = delete;
+    CBookmark& operator=(const CBookmark&) = delete;
+    // Gives the range back to its document.
+    ~CBookmark();
+
+    // Makes the range in the manager's document and sets its ends as given; false, with no
+    // range, if the document cannot make one.
+    bool Init(CBookmarkManager* manager, const std::string& name, long activePos, long anchorPos);
+    // Scrolls the bookmarked text into view and selects it, ends as they were set; TRUE if the
+    // selection took it.
+    BOOL Goto();
+    // The gutter picture: a flag with the digit of a name "bookmark N" (any case, N from 0 to
+    // 9), else the plain flag.
+    int GetBitmapId() const;
+
+    const std::string& GetName() const { return m_strName; }
+    void SetName(std::string name) { m_strName = std::move(name); }
+    ISourceRange* GetRange() const { return m_pRange.Get(); }
+
+private:
+    CBookmarkManager* m_pManager = nullptr;
+    std::string m_strName;
+    ComPtr<ISourceRange> m_pRange;
+};
 
 class CBookmarkManager {
 public:
-    struct Bookmark {
-        std::string name;
-        ComPtr<ISourceRange> range;
-    };
-
     void SetOwner(CZentrelCtrl* owner) { m_pOwner = owner; }
-    // The document whose ranges the bookmarks hold; null at detach.
-    void SetDocument(ISourceText* doc) { m_pDoc = doc; }
+    CZentrelCtrl* GetOwner() const { return m_pOwner; }
+    // The document whose ranges the bookmarks hold; null at detach. A document held before
+    // loses its bookmarks first.
+    void SetDocument(ISourceText* doc);
     ISourceText* GetDocument() const { return m_pDoc; }
+
     long GetCount() const { return static_cast<long>(m_bookmarks.size()); }
-    // Destroys every bookmark's range in the document and empties the list.
+    // The bookmark at an index of the list, newest first; null outside it.
+    CBookmark* GetAt(long index) const;
+    // Sets the bookmark of that name to the ends given: an existing one is moved quietly, a new
+    // one goes to the front of the list and is announced. Null if no range could be made.
+    CBookmark* Add(long activePos, long anchorPos, const std::string& name);
+    // Drops the bookmark and announces it; FALSE if it is not in the list.
+    BOOL Remove(CBookmark* bookmark);
+    // Puts a bookmark at the front of the list as a load does: no event, and no look for one of
+    // the same name. Null if its range cannot be made.
+    CBookmark* InsertLoaded(const std::string& name, long activePos, long anchorPos);
+    // With a document: drops every bookmark and announces that once with an empty name, also
+    // for an empty list. Without one nothing happens.
     void RemoveAll();
+    // The first bookmark of the name, case-sensitively, newest first; null if none.
+    CBookmark* FindByName(const std::string& name) const;
+    // The newest bookmark whose lower end lies on the line of `pos`; null if none.
+    CBookmark* FindAtPosition(long pos) const;
 
 private:
+    void FireChanged(bool set, const std::string& name);
+
     CZentrelCtrl* m_pOwner = nullptr;
     ISourceText* m_pDoc = nullptr;  // not counted: the control holds the document
-    std::vector<Bookmark> m_bookmarks;
+    std::vector<std::unique_ptr<CBookmark>> m_bookmarks;
 };

@@ -54,7 +54,6 @@ BOOL CZentrelCtrl::LoadExtraInfoFrom(IStream* pStream) {
     ExtraInfoRecord record;
     if (ReadExtraInfo(pStream, &record) != ExtraInfoError::None) return FALSE;
     record = FitExtraInfoToText(std::move(record), m_pDoc->GetLength());
-    if (!CanRestoreExtraInfoAnnotations(*this, record)) return FALSE;
     CDisabledView disabled(*this);
     m_pSelection->SetRange(record.active, record.anchor);
     ScrollRangeIntoView(record.active, record.anchor);

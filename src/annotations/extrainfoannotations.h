@@ -8,8 +8,6 @@ class CZentrelCtrl;
 // Fills the record's bookmarks (list order) and blocks (children before their parent). False if
 // the view holds annotations that cannot be read out.
 bool CollectExtraInfoAnnotations(CZentrelCtrl& ctrl, ExtraInfoRecord* record);
-// Whether the view can take every bookmark and block of the record; asked before anything changes.
-bool CanRestoreExtraInfoAnnotations(const CZentrelCtrl& ctrl, const ExtraInfoRecord& record);
 // Replaces all bookmarks and blocks with the record's: each bookmark goes to the front of the
 // list, each block is collapsed in record order, those the tree refuses are dropped.
 void RestoreExtraInfoAnnotations(CZentrelCtrl& ctrl, const ExtraInfoRecord& record);

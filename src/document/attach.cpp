@@ -45,7 +45,7 @@ BOOL CZentrelCtrl::AttachDocument(IDispatch* pDocument) {
 void CZentrelCtrl::DetachDocument() {
     if (m_pDoc) {
         m_Bookmarks.RemoveAll();
-        m_CollapseRoot.RemoveAllChildren(m_pDoc);
+        m_CollapseRoot.RemoveAllChildren();
         m_Bookmarks.SetDocument(nullptr);
         m_pSelection->UnadviseRangeSink(m_dwSelCookie);
         m_pSelection->SetOwner(nullptr);

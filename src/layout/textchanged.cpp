@@ -44,7 +44,7 @@ void TakeBytes(CLineIndex& lines, long pos, long count, long end, LayoutRange* r
 
 void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
     LayoutRange range{std::min(nFirst, nSecond), std::max(nFirst, nSecond)};
-    m_CollapseRoot.RemoveEmpty(m_pDoc);
+    m_CollapseRoot.RemoveEmpty();
     switch (nAction) {
         case SA_INSERT:
             range.nEnd = nSecond;

@@ -29,6 +29,7 @@ const std::map<UINT, const char*>& StringTable() {
         {168, "Position is out of range"},
         {169, "No HTML document attached"},
         {173, "Bookmark index is out of range"},
+        {174, "Bookmark %d"},
         {178, "Collapsed text block"},
         {179, "Inserting converted character"},
         {180, "Replacing with converted character"},

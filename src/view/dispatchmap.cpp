@@ -184,7 +184,6 @@ void AddDocument(Table& t) {
     t.Method(53, "ClearSelection", 0, [](CZentrelCtrl&, Args&) { return Nothing(); });
     t.Method(71, "AddBookmark", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
     t.Method(72, "DeleteBookmark", 1, [](CZentrelCtrl&, Args&) { return Variant::Bool(true); });
-    t.Method(80, "FindCollapseFromPos", 1, [](CZentrelCtrl&, Args&) { return Variant::Dispatch(nullptr); });
     AddExtraInfo(t);
     t.Method(91, "PointInGutter", 2, [](CZentrelCtrl& c, Args& a) {
         return Variant::Bool(c.PointInGutter(ArgLong(a, 0), ArgLong(a, 1)));
@@ -256,6 +255,29 @@ void AddEditing(Table& t) {
     t.Method(90, "GetMatchChar", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Long(c.GetMatchChar(ArgLong(a, 0))); });
 }
 
+// Bookmarks and collapsed blocks.
+void AddAnnotations(Table& t) {
+    t.Property(98, "BookmarkName", [](CZentrelCtrl& c, const Args& i) { return Variant::Str(c.GetBookmarkName(ArgLong(i, 0))); },
+               [](CZentrelCtrl& c, const Args& i, const Variant& v) { c.SetBookmarkName(ArgLong(i, 0), ArgStr({v}, 0)); },
+               1);
+    CommandMethod(t, 68, "RemoveAllBookmarks", &CZentrelCtrl::RemoveAllBookmarks);
+    t.Method(73, "GotoBookmark", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.GotoBookmark(ArgStr(a, 0))); });
+    t.Method(74, "FindBookmark", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.FindBookmark(ArgStr(a, 0))); });
+    t.Method(77, "Collapse", 0, [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.Collapse()); });
+    t.Method(78, "Expand", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Bool(c.Expand(ArgBool(a, 0))); });
+    t.Method(79, "CollapseRange", 2, [](CZentrelCtrl& c, Args& a) {
+        return Variant::Bool(c.CollapseRange(ArgLong(a, 0), ArgLong(a, 1)));
+    });
+    // Blocks have no automation object: a position never gives one.
+    t.Method(80, "FindCollapseFromPos", 1, [](CZentrelCtrl&, Args& a) {
+        ArgLong(a, 0);
+        return Variant::Dispatch(nullptr);
+    });
+    t.Method(81, "ExpandRange", 3, [](CZentrelCtrl& c, Args& a) {
+        return Variant::Bool(c.ExpandRange(ArgLong(a, 0), ArgLong(a, 1), ArgBool(a, 2)));
+    });
+}
+
 const Table& ControlTable() {
     static const Table table = [] {
         Table t;
@@ -265,6 +287,7 @@ const Table& ControlTable() {
         AddDocument(t);
         AddMapping(t);
         AddEditing(t);
+        AddAnnotations(t);
         return t;
     }();
     return table;

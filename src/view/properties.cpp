@@ -31,7 +31,7 @@ void CZentrelCtrl::SetOption(DWORD mask, BOOL value) {
         return;
     }
     if (!always && on == ((m_Options & mask) != 0)) return;
-    if (mask == OPT_COLLAPSEBLOCKENABLE && !on) m_CollapseRoot.RemoveAllChildren(m_pDoc);
+    if (mask == OPT_COLLAPSEBLOCKENABLE && !on) m_CollapseRoot.RemoveAllChildren();
     m_Options = on ? (m_Options | mask) : (m_Options & ~mask);
     SetModifiedFlag();
     OnOptionChanged(mask, on);

@@ -33,6 +33,7 @@ constexpr DISPID EVENT_ONOLEDRAGOVER = 3;
 constexpr DISPID EVENT_EDITMODETOGGLED = 4;
 constexpr DISPID EVENT_DOCUMENTCHANGED = 5;
 constexpr DISPID EVENT_AUTOCONVERTTOGGLED = 6;
+constexpr DISPID EVENT_BOOKMARKCHANGED = 7;
 
 // Window timers of the control.
 constexpr UINT kCompletionTimer = 1;
@@ -286,13 +287,38 @@ public:
     // Hands a key message to the picker's window, so that its list moves instead of the caret.
     void ForwardToPicker(const MSG& msg);
 
-    // --- Bookmarks and blocks reached from keys (src/annotations) ---
+    // --- Collapsed blocks (src/annotations/collapse.cpp) ---
+    // Folds lo..hi into one line; with bUpdate the line table follows and the block is selected
+    // and shown. FALSE where it would begin or end inside a block or equal one.
+    BOOL CollapseBlock(long nStart, long nEnd, BOOL bUpdate);
+    // Opens the outermost blocks inside nStart..nEnd, one level or all; FALSE if none.
+    BOOL ExpandBlocks(long nStart, long nEnd, BOOL bOneLevel);
     BOOL Collapse();
     BOOL Expand(BOOL bOneLevel);
-    void GotoNumberedBookmark(int n);
-    BOOL ToggleNumberedBookmark(int n);
-    // The plus or minus box of a line in the gutter: TRUE if the click at (x, y) hit it and acted.
+    BOOL CollapseRange(long nStart, long nEnd);
+    BOOL ExpandRange(long nStart, long nEnd, BOOL bOneLevel);
+    // Raises error 380 without a document or for a position outside 0 .. length - 1.
+    void CheckBlockRange(long nStart, long nEnd) const;
+    // The plus or minus box of a line, in client pixels.
+    RECT GetFoldBoxRect(long nLine) const;
+    // Whether the line's box stands for the selection: a selection that shares text with the
+    // line and begins or ends on it.
+    BOOL SelectionBoxOnLine(long nLine) const;
+    // The box of a line in the gutter: TRUE if the click at (x, y) hit it and acted.
     BOOL OnGutterBox(long nLine, int x, int y);
+    const CCollapseNode& CollapseRoot() const { return m_CollapseRoot; }
+
+    // --- Bookmarks (src/annotations/bookmarks.cpp) ---
+    BOOL ToggleBookmark(const std::string& name);
+    BOOL ToggleNumberedBookmark(int n);
+    BOOL GotoNumberedBookmark(int n);
+    BOOL GotoBookmark(const std::string& name);
+    BOOL FindBookmark(const std::string& name) const;
+    void RemoveAllBookmarks();
+    // The name of the bookmark at nIndex, newest first; an index outside the list raises.
+    std::string GetBookmarkName(long nIndex) const;
+    void SetBookmarkName(long nIndex, const std::string& name);
+    const CBookmarkManager& Bookmarks() const { return m_Bookmarks; }
 
     // --- Extra info (src/annotations/extrainfo.cpp) ---
     // The selection, bookmarks and blocks as a record, in a store of the host's. Each gives
@@ -399,6 +425,10 @@ private:
     // Helpers of the option setters.
     void OnOptionChanged(DWORD mask, BOOL value);
     void CheckFormatIndex(SHORT nFormat, SCODE scode) const;
+    // Helpers of the bookmark toggle.
+    long ToggleLineOf(long nPos) const;
+    BOOL SetBookmarkAtSelection(const std::string& name);
+    CBookmark& BookmarkAt(long nIndex) const;
     // Whether selected bytes get the selection's colours under this option word.
     bool SelectionShows(DWORD dwOptions) const;
     // The style that the highlight mode gives the character, before any override.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <algorithm>
 #include <filesystem>
 
 #include "platform/com/globalmemory.h"
@@ -113,14 +114,63 @@ TEST_F(ExtraInfo, ARefusedRecordChangesNothing) {
     }
 }
 
-// Until the bookmark list and the collapse tree can take entries, a record that holds some is
-// refused rather than loaded without them.
-TEST_F(ExtraInfo, ARecordWithAnnotationsTheViewCannotTakeIsRefused) {
+// The blocks of a tree as start-end, children in brackets.
+std::string Tree(const CCollapseNode& node) {
+    std::string out;
+    for (long i = 0; i < node.GetChildCount(); ++i) {
+        const CCollapseNode& child = node.GetChild(i);
+        out += (i ? " " : "") + std::to_string(child.GetStart()) + "-" + std::to_string(child.GetEnd());
+        if (child.GetChildCount()) out += "[" + Tree(child) + "]";
+    }
+    return out;
+}
+
+// The bookmarks from the front of the list, as name@active,anchor.
+std::vector<std::string> Marks(const CBookmarkManager& marks) {
+    std::vector<std::string> out;
+    for (long i = 0; i < marks.GetCount(); ++i) {
+        const CBookmark* b = marks.GetAt(i);
+        out.push_back(b->GetName() + "@" + std::to_string(b->GetRange()->GetActive()) + "," +
+                      std::to_string(b->GetRange()->GetAnchor()));
+    }
+    return out;
+}
+
+// Thousands of bookmarks with names of every length class, and blocks nested ten deep around
+// hundreds of siblings, come back from a record: the bookmarks in the reverse of their order.
+TEST_F(ExtraInfo, BookmarksAndNestedBlocksComeBack) {
+    std::string text;
+    for (int i = 0; i < 3000; ++i) text += "<p>line " + std::to_string(i) + "</p>\r\n";
+    Open(text);
+    const long length = static_cast<long>(text.size());
+    const size_t nameLengths[] = {0, 1, 254, 255, 256, 65534, 65535, 65536};
+    for (int i = 0; i < 2000; ++i) {
+        const long pos = i * 37 % length;
+        const std::string name = i < 8 ? std::string(nameLengths[i], 'n') + std::to_string(i) : "mark " + std::to_string(i);
+        ASSERT_NE(ctrl->m_Bookmarks.Add(pos, pos / 2, name), nullptr);
+    }
+    for (long i = 0; i < 500; ++i) ASSERT_TRUE(ctrl->m_CollapseRoot.Collapse(100 + i * 60, 100 + i * 60 + 40));
+    for (long depth = 9; depth >= 0; --depth) ASSERT_TRUE(ctrl->m_CollapseRoot.Collapse(depth * 5, length - depth * 5));
+    ctrl->SetSelection(77, 12);
+    const std::string tree = Tree(ctrl->m_CollapseRoot);
+    std::vector<std::string> marks = Marks(ctrl->m_Bookmarks);
+
     ComPtr<IStream> stream = CreateMemoryStream();
-    ASSERT_EQ(WriteExtraInfo(stream.Get(), {1, 1, {{"b", 2, 2}}, {}}), ExtraInfoError::None);
+    ASSERT_TRUE(ctrl->SaveExtraInfoTo(stream.Get()));
+    ctrl->m_Bookmarks.RemoveAll();
+    ctrl->m_CollapseRoot.RemoveAllChildren();
+    ctrl->SetSelection(0, 0);
     stream->Seek(0, STREAM_SEEK_SET, nullptr);
-    EXPECT_FALSE(ctrl->LoadExtraInfo(stream.Get()));
-    EXPECT_EQ(Selection(), std::make_pair(9L, 3L));
+    ASSERT_TRUE(ctrl->LoadExtraInfoFrom(stream.Get()));
+
+    EXPECT_EQ(Selection(), std::make_pair(77L, 12L));
+    EXPECT_EQ(Tree(ctrl->m_CollapseRoot), tree);
+    std::reverse(marks.begin(), marks.end());
+    EXPECT_EQ(Marks(ctrl->m_Bookmarks), marks);
+    // The layout is that of the text with those blocks folded.
+    CLineIndex fresh;
+    ctrl->WrapAll(ctrl->GetOptionsWord(), ctrl->BreakWidth(), &fresh);
+    EXPECT_EQ(fresh.m_nCount, ctrl->GetLineCount());
 }
 
 TEST_F(ExtraInfo, BadStoresGiveFalse) {

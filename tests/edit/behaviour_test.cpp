@@ -12,17 +12,23 @@
 //   click POINT, shiftclick POINT, dblclick POINT, ctrldblclick POINT
 //                              POINT: @pos (just right of the position's left edge), x,y in
 //                              client pixels, gutter@pos (in the gutter on pos's row),
-//                              strip@pos (in the strip at the gutter's right edge), below
+//                              strip@pos (in the strip at the gutter's right edge), box@pos
+//                              (the middle of the fold box on pos's row), below
 //                              (10 pixels under the client area)
 //   press POINT, moveto POINT, release    a drag by hand: the button held, the mouse moved
 //   mbutton POINT, rbutton POINT
 //   wait MS                    the clock moves on (drag-selection passes run meanwhile)
 //   The left button is the physical right one with the setup line `swapbuttons`.
-//   call Name [ARG...]         an automation method with long arguments; `set Name V` a property
+//   call Name [ARG...]         an automation method with long arguments, or "quoted" strings;
+//                              `set Name [INDEX...] V` a property
 //   focus, blur                the focus comes or goes
 // Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
 //   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
-//   mousedown 0|1, toprow N, clipboard TEXT|none (the CF_TEXT on the clipboard, without its NUL).
+//   mousedown 0|1, toprow N, clipboard TEXT|none (the CF_TEXT on the clipboard, without its NUL),
+//   resulttext TEXT (a string result), table N... (the line table's
+//   lengths, which must also be what a fresh layout gives), blocks TREE (collapsed blocks as
+//   start-end, children in brackets: `2-9[3-5 6-8] 12-14`, or none), bookmarks LIST (newest
+//   first, `name@active,anchor` joined by ` | `, or none), flag LINE ID|none (the gutter flag).
 // Setting the clipboard as another program would: `putclipboard text TEXT` (CF_TEXT),
 //   `putclipboard unicode TEXT` (TEXT is UTF-8, put as CF_UNICODETEXT alone), `putclipboard none`.
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
@@ -62,7 +68,7 @@ const std::map<DISPID, std::string>& EventNames() {
     static const std::map<DISPID, std::string> names = {
         {EVENT_SELECTIONCHANGED, "SelectionChanged"}, {EVENT_EDITMODETOGGLED, "EditModeToggled"},
         {EVENT_DOCUMENTCHANGED, "DocumentChanged"},   {EVENT_AUTOCONVERTTOGGLED, "AutoConvertToggled"},
-        {DISPID_KEYDOWN, "KeyDown"},
+        {DISPID_KEYDOWN, "KeyDown"},                  {EVENT_BOOKMARKCHANGED, "BookmarkChanged"},
     };
     return names;
 }
@@ -72,6 +78,25 @@ std::vector<std::string> Words(const std::string& s) {
     std::vector<std::string> words;
     for (std::string w; in >> w;) words.push_back(w);
     return words;
+}
+
+// The arguments of an automation call: numbers, and "strings" that may hold spaces.
+std::vector<Variant> CallArgs(const std::string& s) {
+    std::vector<Variant> args;
+    for (size_t i = 0; i < s.size();) {
+        if (std::isspace(static_cast<unsigned char>(s[i]))) {
+            ++i;
+        } else if (s[i] == '"') {
+            const size_t close = s.find('"', i + 1);
+            args.push_back(Variant::Str(s.substr(i + 1, close - i - 1)));
+            i = close == std::string::npos ? s.size() : close + 1;
+        } else {
+            const size_t end = std::min(s.find(' ', i), s.size());
+            args.push_back(Variant::Long(static_cast<int32_t>(std::stol(s.substr(i, end - i), nullptr, 0))));
+            i = end;
+        }
+    }
+    return args;
 }
 
 long Number(const std::string& s) { return std::stol(s, nullptr, 0); }
@@ -180,7 +205,9 @@ private:
             {"undotitle", &CEditPlayer::UndoTitle}, {"caretwidth", &CEditPlayer::CaretWidth},
             {"goalx", &CEditPlayer::GoalX},      {"mousedown", &CEditPlayer::MouseDown},
             {"toprow", &CEditPlayer::TopRow},    {"clipboard", &CEditPlayer::Clipboard},
-            {"putclipboard", &CEditPlayer::PutClipboard},
+            {"putclipboard", &CEditPlayer::PutClipboard}, {"resulttext", &CEditPlayer::ResultText},
+            {"table", &CEditPlayer::Table},        {"blocks", &CEditPlayer::Blocks},
+            {"bookmarks", &CEditPlayer::BookmarkList}, {"flag", &CEditPlayer::Flag},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -272,8 +299,12 @@ private:
         pt.y += 1;
         const std::string where = what.substr(0, at);
         const long gutterEdge = m_ctrl->GetIndentSize() - m_ctrl->m_nCharWidth;
-        if (where == "gutter")
+        if (where == "gutter") {
             pt.x = 2;
+        } else if (where == "box") {
+            pt.x = 18;
+            pt.y += m_ctrl->m_nLineHeight / 2 - 1;
+        }
         else if (where == "strip")
             pt.x = gutterEdge - 1;
         else
@@ -342,19 +373,24 @@ private:
         const auto words = Words(rest);
         m_outs.clear();
         std::vector<Variant> args;
-        for (size_t i = 1; i < words.size(); ++i) {
-            if (words[i] == "out") {
-                m_outs.push_back(std::make_unique<int32_t>(0));
-                args.push_back(Variant::RefLong(m_outs.back().get()));
-            } else {
-                args.push_back(Variant::Long(static_cast<int32_t>(Number(words[i]))));
+        const std::string argText = rest.substr(std::min(rest.size(), words.at(0).size()));
+        if (argText.find('"') != std::string::npos) {
+            args = CallArgs(argText);
+        } else {
+            for (size_t i = 1; i < words.size(); ++i) {
+                if (words[i] == "out") {
+                    m_outs.push_back(std::make_unique<int32_t>(0));
+                    args.push_back(Variant::RefLong(m_outs.back().get()));
+                } else {
+                    args.push_back(Variant::Long(static_cast<int32_t>(Number(words[i]))));
+                }
             }
         }
         Invoke(words.at(0), DISPATCH_METHOD, args);
     }
     void Set(const std::string& rest) {
         const auto words = Words(rest);
-        Invoke(words.at(0), DISPATCH_PROPERTYPUT, {Variant::Long(static_cast<int32_t>(Number(words.at(1))))});
+        Invoke(words.at(0), DISPATCH_PROPERTYPUT, CallArgs(rest.substr(words.at(0).size())));
     }
 
     // --- Checks ---
@@ -374,7 +410,10 @@ private:
             if (name == EventNames().end()) continue;
             if (!actual.empty()) actual += ' ';
             actual += name->second + "(";
-            for (size_t a = 0; a < e.args.size(); ++a) actual += (a ? "," : "") + std::to_string(e.args[a]);
+            for (size_t a = 0; a < e.args.size(); ++a) {
+                auto text = e.texts.find(a);
+                actual += (a ? "," : "") + (text != e.texts.end() ? '"' + text->second + '"' : std::to_string(e.args[a]));
+            }
             actual += ")";
         }
         m_nEventsSeen = m_log.events.size();
@@ -449,6 +488,51 @@ private:
             ASSERT_EQ(kind, "none");
         }
         m_platform.Clipboard().Write(formats);
+    }
+    void ResultText(const std::string& text) {
+        EXPECT_EQ(m_hr, S_OK) << m_excep.description;
+        std::string value;
+        EXPECT_TRUE(m_result.ToStr(&value));
+        EXPECT_EQ(value, ParseMarkedText(text).text);
+    }
+    void Table(const std::string& list) {
+        const CLineIndex& lines = m_ctrl->Lines();
+        std::string actual;
+        for (long i = 0; i < lines.m_nCount; ++i) actual += (i ? " " : "") + std::to_string(lines.GetAt(i));
+        EXPECT_EQ(actual, list);
+        CLineIndex fresh;
+        m_ctrl->WrapAll(m_ctrl->GetOptionsWord(), m_ctrl->BreakWidth(), &fresh);
+        std::string full;
+        for (long i = 0; i < fresh.m_nCount; ++i) full += (i ? " " : "") + std::to_string(fresh.GetAt(i));
+        EXPECT_EQ(actual, full) << "the line table differs from a fresh layout";
+    }
+    static std::string Tree(const CCollapseNode& node) {
+        std::string out;
+        for (long i = 0; i < node.GetChildCount(); ++i) {
+            const CCollapseNode& child = node.GetChild(i);
+            out += (i ? " " : "") + std::to_string(child.GetStart()) + "-" + std::to_string(child.GetEnd());
+            if (child.GetChildCount()) out += "[" + Tree(child) + "]";
+        }
+        return out;
+    }
+    void Blocks(const std::string& tree) {
+        const std::string actual = Tree(m_ctrl->CollapseRoot());
+        EXPECT_EQ(actual.empty() ? "none" : actual, tree);
+    }
+    void BookmarkList(const std::string& list) {
+        const CBookmarkManager& marks = m_ctrl->Bookmarks();
+        std::string actual;
+        for (long i = 0; i < marks.GetCount(); ++i) {
+            const CBookmark& b = *marks.GetAt(i);
+            actual += (i ? " | " : "") + b.GetName() + "@" + std::to_string(b.GetRange()->GetActive()) + "," +
+                      std::to_string(b.GetRange()->GetAnchor());
+        }
+        EXPECT_EQ(actual.empty() ? "none" : actual, list);
+    }
+    void Flag(const std::string& rest) {
+        const auto words = Words(rest);
+        const CBookmark* b = m_ctrl->Bookmarks().FindAtPosition(m_ctrl->Lines().GetLineStart(Number(words.at(0))));
+        EXPECT_EQ(b ? std::to_string(b->GetBitmapId()) : "none", words.at(1));
     }
 
     const EditCase& m_case;

@@ -1,6 +1,7 @@
 // Helpers of the control tests: a host-side event sink and a control made the way a host makes one.
 #pragma once
 #include <gtest/gtest.h>
+#include <map>
 
 #include <string>
 #include <vector>
@@ -16,6 +17,7 @@ public:
     struct Event {
         DISPID id;
         std::vector<long> args;
+        std::map<size_t, std::string> texts;  // the string arguments, by their place
     };
 
     HRESULT QueryInterface(REFIID riid, void** ppv) override {
@@ -31,6 +33,7 @@ public:
         for (const Variant& v : args) {
             int32_t n = 0;
             v.ToLong(&n);
+            if (v.Type() == VT_BSTR) e.texts[e.args.size()] = v.StrVal();
             e.args.push_back(n);
         }
         events.push_back(e);
