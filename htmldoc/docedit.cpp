@@ -21,7 +21,11 @@ void CHtmlDocument::ReportSelection(const CSelectionMark& mark) {
     if (mark.range) mark.range->ReportIfMoved(mark.active, mark.anchor);
 }
 
-void CHtmlDocument::Apply(long pos, long oldCount, std::string_view text) {
+void CHtmlDocument::Apply(long pos, long oldCount, std::string_view text, std::vector<CLoadMark>* touched,
+                          const std::vector<CLoadMark>* restore) {
+    const auto newCount = static_cast<long>(text.size());
+    if (restore) m_marks.Restore(pos, oldCount, newCount, *restore);
+    else m_marks.Replace(pos, oldCount, newCount, touched);
     // The lines read the new text before the buffer changes, in case it points into it.
     m_lines.Replace(pos, oldCount, text);
     m_text.Replace(pos, oldCount, text.data(), static_cast<long>(text.size()));
@@ -59,8 +63,8 @@ HRESULT CHtmlDocument::Edit(const CEditArgs& args) {
     // paste over the selection) leaves the caret behind the new text, as typing does.
     bool selectionCovered = m_pSelection && !args.actor && m_pSelection->GetStart() >= args.pos &&
                             m_pSelection->GetEnd() <= args.pos + args.oldCount;
-    CEdit record{args.pos, m_text.Substr(args.pos, args.oldCount), std::string(args.text)};
-    Apply(args.pos, args.oldCount, record.inserted);
+    CEdit record{args.pos, m_text.Substr(args.pos, args.oldCount), std::string(args.text), {}};
+    Apply(args.pos, args.oldCount, record.inserted, &record.marks);
     long behind = args.pos + newCount;
     if (args.actor) args.actor->PlaceSilently(behind, behind);
     else if (selectionCovered) m_pSelection->PlaceSilently(behind, behind);
@@ -81,7 +85,7 @@ HRESULT CHtmlDocument::EditBlock(std::vector<CEdit> edits, EditKind kind, const 
     for (CEdit& e : edits) {
         long removed = static_cast<long>(e.removed.size());
         e.removed = m_text.Substr(e.pos, removed);
-        Apply(e.pos, removed, e.inserted);
+        Apply(e.pos, removed, e.inserted, &e.marks);
         span.Add(e.pos, removed, static_cast<long>(e.inserted.size()));
     }
     if (placeRanges) placeRanges();
