@@ -69,10 +69,11 @@ bool CEditorWindow::OpenFile(const QString& path) {
         return false;
     }
     setWindowTitle(path + " - zentrel-edit");
-    ShowEvent(QString("%1 bytes, %2 lines, %3")
+    ShowEvent(QString("%1 bytes, %2 lines, %3, %4 undecodable bytes")
                   .arg(m_doc->GetLength())
                   .arg(m_pCtrl->GetLineCount())
-                  .arg(QString::fromStdString(m_doc->Encoding())));
+                  .arg(QString::fromStdString(m_doc->Encoding()))
+                  .arg(m_doc->LastLoad().nUndecodable));
     return true;
 }
 
