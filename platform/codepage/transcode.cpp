@@ -53,6 +53,23 @@ size_t RunEnd(const CEncodingInfo& enc, std::string_view in, size_t pos) {
     return pos;
 }
 
+// Copies the ASCII stretches of `in` to `out` as they are (where `asciiThrough` allows) and hands
+// each run of other text to convert(run, offset, last) while `going()` holds.
+template <class Convert, class Going>
+void ForEachRun(const CEncodingInfo& from, bool asciiThrough, std::string_view in, std::string& out, Convert convert,
+                Going going) {
+    size_t pos = 0;
+    while (pos < in.size() && going()) {
+        const size_t ascii = asciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
+        out.append(in.data() + pos, ascii);
+        pos += ascii;
+        if (pos == in.size()) break;
+        const size_t end = asciiThrough ? RunEnd(from, in, pos) : in.size();
+        convert(in.substr(pos, end - pos), pos, end == in.size());
+        pos = end;
+    }
+}
+
 // ISO-2022-JP shifts with escape sequences: an escape character is not ASCII text there.
 bool IsIso2022Jp(const CEncodingInfo& enc) { return enc.pszIconv && std::string_view(enc.pszIconv) == "ISO-2022-JP"; }
 
@@ -67,17 +84,13 @@ public:
 
     CTranscodeResult Run(std::string_view in, std::string& out) {
         out.reserve(out.size() + in.size() + in.size() / 8);
-        size_t pos = 0;
-        while (pos < in.size() && m_result.Ok()) {
-            const size_t ascii = m_bAsciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
-            out.append(in.data() + pos, ascii);
-            pos += ascii;
-            if (pos == in.size()) break;
-            const size_t end = m_bAsciiThrough ? RunEnd(m_from, in, pos) : in.size();
-            m_result.bNonAscii = true;
-            ConvertRun(in.substr(pos, end - pos), pos, end == in.size(), out);
-            pos = end;
-        }
+        ForEachRun(
+            m_from, m_bAsciiThrough, in, out,
+            [&](std::string_view run, size_t offset, bool last) {
+                m_result.bNonAscii = true;
+                ConvertRun(run, offset, last, out);
+            },
+            [&] { return m_result.Ok(); });
         return m_result;
     }
 
@@ -274,18 +287,13 @@ public:
             SplitIso2022Jp(in, [&](const CJisPiece& piece) { ReadJisPiece(in.substr(piece.nOffset, piece.nLength), piece); });
             return m_result;
         }
-        const bool asciiThrough = m_from.form != EncodingForm::Opaque;
-        size_t pos = 0;
-        while (pos < in.size()) {
-            const size_t ascii = asciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
-            m_out.append(in.data() + pos, ascii);
-            pos += ascii;
-            if (pos == in.size()) break;
-            const size_t end = asciiThrough ? RunEnd(m_from, in, pos) : in.size();
-            m_result.bNonAscii = true;
-            ReadRun(in.substr(pos, end - pos));
-            pos = end;
-        }
+        ForEachRun(
+            m_from, m_from.form != EncodingForm::Opaque, in, m_out,
+            [&](std::string_view run, size_t, bool) {
+                m_result.bNonAscii = true;
+                ReadRun(run);
+            },
+            [] { return true; });
         return m_result;
     }
 

@@ -9,6 +9,7 @@
 #include "platform/codepage/codepage.h"
 #include "tests/codepagescope.h"
 #include "tests/htmldoc/recordingsink.h"
+#include "tests/htmldoc/tempfolder.h"
 
 namespace {
 
@@ -39,23 +40,9 @@ const std::string kGbkPage = "<meta charset=gb2312><p>\xD6\xD0\xCE\xC4 \xA8\xA6<
 const std::string kEucKrPage = "<meta charset=ks_c_5601-1987><p>\xC7\xD1\xB1\xB9 \xA8\xAC</p>";
 const std::string kBig5Page = "<meta charset=big5><p>\xA4\xA4\xA4\xE5</p>";
 
-class EncodedFiles : public ::testing::TestWithParam<UINT> {
+class EncodedFiles : public ::testing::TestWithParam<UINT>, protected CTempFolder {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("encoding_test_" + std::to_string(::getpid()));
-        fs::create_directories(dir);
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        const std::string path = (dir / name).string();
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path;
-    }
-    static std::string ReadAll(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    EncodedFiles() : CTempFolder("encoding_test") {}
     // Loads the bytes, saves them to another file and gives what that file holds.
     std::string RoundTrip(const std::string& bytes, CHtmlDocument* doc) const {
         std::string error;
@@ -65,8 +52,6 @@ protected:
         EXPECT_EQ(doc->SaveFile(out, &error), S_OK) << error;
         return ReadAll(out);
     }
-
-    fs::path dir;
 };
 
 TEST_P(EncodedFiles, SaveGivesBackTheBytesThatWereLoaded) {

@@ -5,19 +5,15 @@
 // bytes, and undoing edits brings the file back.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <random>
-#include <unistd.h>
 
 #include "htmldoc/htmldocument.h"
 #include "platform/codepage/iso2022jp.h"
 #include "platform/codepage/transcode.h"
 #include "tests/codepagescope.h"
+#include "tests/htmldoc/tempfolder.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 const UINT kCodePages[] = {1252, 932, 936, 949, 950};
 
@@ -113,28 +109,15 @@ std::vector<CPage> Pages() {
     return pages;
 }
 
-class RoundTrip : public ::testing::Test {
+class RoundTrip : public ::testing::Test, protected CTempFolder {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("roundtrip_test_" + std::to_string(::getpid()));
-        fs::create_directories(dir);
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        const std::string path = (dir / name).string();
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path;
-    }
+    RoundTrip() : CTempFolder("roundtrip_test") {}
     std::string Saved(CHtmlDocument* doc) const {
-        const std::string path = (dir / "saved.htm").string();
+        const std::string path = PathOf("saved.htm");
         std::string error;
         EXPECT_EQ(doc->SaveFile(path, &error), S_OK) << error;
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+        return ReadAll(path);
     }
-
-    fs::path dir;
 };
 
 // The bytes of ASCII text in the page's encoding.

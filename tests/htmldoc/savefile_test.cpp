@@ -7,34 +7,18 @@
 #include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "htmldoc/htmldocument.h"
+#include "tests/htmldoc/tempfolder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class SaveFile : public ::testing::Test {
+class SaveFile : public ::testing::Test, protected CTempFolder {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("savefile_test_" + std::to_string(::getpid()));
-        fs::create_directories(dir);
-    }
-    void TearDown() override { fs::remove_all(dir); }
-
-    std::string Write(const std::string& name, const std::string& bytes) const {
-        const std::string path = (dir / name).string();
-        std::ofstream(path, std::ios::binary) << bytes;
-        return path;
-    }
-    static std::string ReadAll(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
+    SaveFile() : CTempFolder("savefile_test") {}
     size_t FilesInDir() const { return static_cast<size_t>(std::distance(fs::directory_iterator(dir), fs::directory_iterator())); }
-
-    fs::path dir;
 };
 
 TEST_F(SaveFile, PermissionsStay) {
