@@ -99,7 +99,9 @@ class CUnmarkedSink final : public CKeepSink {
 public:
     void Unmappable(char32_t ch, std::string& out) override { out += "&#" + std::to_string(static_cast<uint32_t>(ch)) + ";"; }
     void Undecodable(std::string_view, std::string& out) override { out += "&#65533;"; }
-    void Inexact(std::string_view, char32_t ch, std::string& out) override { Unmappable(ch, out); }
+    void Inexact(std::string_view, std::u32string_view chars, std::string& out) override {
+        for (char32_t ch : chars) Unmappable(ch, out);
+    }
     void Shift(std::string_view, std::string&) override {}
 };
 

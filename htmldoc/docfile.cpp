@@ -98,7 +98,7 @@ HRESULT CHtmlDocument::SetEncoding(std::string_view label) {
 }
 
 void CHtmlDocument::SetByteOrderMark(bool on) {
-    // UTF-16 is always written with one, and other encodings have none.
+    // Only UTF-8 may go either way: UTF-16 keeps what the file had or SetEncoding gave it.
     if (&m_fileEncoding.Resolved() != &Utf8Encoding() || on == m_fileEncoding.bByteOrderMark) return;
     m_fileEncoding.bByteOrderMark = on;
     SetModified(true);

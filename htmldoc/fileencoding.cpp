@@ -80,9 +80,9 @@ public:
         Mark(pos, out, bytes);
         m_file.report.nUndecodable += bytes.size();
     }
-    void Inexact(std::string_view bytes, char32_t ch, std::string& out) override {
+    void Inexact(std::string_view bytes, std::u32string_view chars, std::string& out) override {
         const size_t pos = out.size();
-        EncodeCodePoints(ProcessEncoding(), std::u32string_view(&ch, 1), &out, AppendCharacterReference);
+        EncodeCodePoints(ProcessEncoding(), chars, &out, AppendCharacterReference);
         Mark(pos, out, bytes);
     }
     void Shift(std::string_view bytes, std::string& out) override { Mark(out.size(), out, bytes); }
@@ -220,8 +220,7 @@ HRESULT EncodeFileText(std::string_view text, const CFileEncoding& encoding, con
                        std::string* bytes, std::string* reason) {
     const CEncodingInfo& target = encoding.Resolved();
     std::string out;
-    if (encoding.bByteOrderMark || &target == &Utf16LeEncoding() || &target == &Utf16BeEncoding())
-        out += ByteOrderMarkOf(target);
+    if (encoding.bByteOrderMark) out += ByteOrderMarkOf(target);
     const CTranscodeResult result = CTextWriter(target, keepBytes, out).Write(text, marks);
     if (!result.Ok()) {
         if (reason) *reason = ReasonOf(result, "the text", ProcessEncoding());

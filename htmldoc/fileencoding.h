@@ -20,7 +20,7 @@ constexpr HRESULT HR_E_NO_CONVERTER = MakeHr(0x80070491u);
 // The encoding that a file was read in and is written back in.
 struct CFileEncoding {
     const CEncodingInfo* encoding = nullptr;  // nullptr: the process code page's own
-    bool bByteOrderMark = false;              // the file begins with one (always so for UTF-16)
+    bool bByteOrderMark = false;              // the file begins with one (UTF-16 chosen by SetEncoding does)
     const CEncodingInfo& Resolved() const;
 };
 

@@ -345,15 +345,28 @@ private:
             m_out.append(original);
             return;
         }
-        if (!m_bVerify || WritesBack(name, chars, bytes)) return Emit(chars);
+        if (!m_bVerify || (WritesBack(name, chars, bytes) && OneEach(bytes, chars))) return Emit(chars);
         // Some character here has bytes of its own: find it, one character at a time.
         size_t pos = 0;
-        for (char32_t ch : chars) {
+        std::u32string one;
+        while (pos < bytes.size()) {
             const size_t length = CharLength(name, bytes.substr(pos));
-            if (WritesBack(name, std::u32string_view(&ch, 1), bytes.substr(pos, length))) Emit(std::u32string_view(&ch, 1));
-            else m_sink.Inexact(original.substr(pos, length), ch, m_out);
+            one.clear();
+            IconvDecode(name, bytes.substr(pos, length), &one, {});
+            if (one.size() == 1 && WritesBack(name, one, bytes.substr(pos, length))) Emit(one);
+            else m_sink.Inexact(original.substr(pos, length), one, m_out);
             pos += length;
         }
+    }
+
+    // Whether each character of a double-byte encoding read as one character: some read as a
+    // letter and its accent, which are written as two things.
+    bool OneEach(std::string_view bytes, std::u32string_view chars) const {
+        if (m_from.form != EncodingForm::DoubleByte) return true;
+        size_t count = 0;
+        for (size_t i = 0; i < bytes.size(); ++count)
+            i += IsDBCSLeadByteEx(m_from.nCodePage, static_cast<BYTE>(bytes[i])) ? 2 : 1;
+        return count == chars.size();
     }
 
     static bool WritesBack(const char* name, std::u32string_view chars, std::string_view bytes) {
@@ -363,13 +376,13 @@ private:
         return !refused && again == bytes;
     }
 
-    // Bytes of the one character at the start of `bytes`.
+    // Bytes of the one character at the start of `bytes`, which read well.
     static size_t CharLength(const char* name, std::string_view bytes) {
         for (size_t length = 1; length < bytes.size() && length <= 4; ++length) {
             std::u32string one;
             bool bad = false;
             IconvDecode(name, bytes.substr(0, length), &one, [&](size_t, size_t, bool) { bad = true; });
-            if (!bad && one.size() == 1) return length;
+            if (!bad && !one.empty()) return length;
         }
         return std::min<size_t>(bytes.size(), 4);
     }
@@ -403,12 +416,14 @@ private:
             const bool text = b < 0x80 && b != 0x0E && b != 0x0F && b != 0x1B;
             if (set == JisSet::Katakana && b >= 0x21 && b <= 0x5F) {
                 flush();
-                m_sink.Inexact(bytes.substr(i, 1), 0xFF61 + (b - 0x21), m_out);
+                const char32_t kana = 0xFF61 + (b - 0x21);
+                m_sink.Inexact(bytes.substr(i, 1), std::u32string_view(&kana, 1), m_out);
             } else if (text && set != JisSet::Katakana) {
                 m_chars += set == JisSet::Roman && b == 0x5C ? U'\u00A5' : set == JisSet::Roman && b == 0x7E ? U'\u203E' : char32_t(b);
             } else if (text && b < 0x21) {
                 flush();
-                m_sink.Inexact(bytes.substr(i, 1), b, m_out);
+                const char32_t control = b;
+                m_sink.Inexact(bytes.substr(i, 1), std::u32string_view(&control, 1), m_out);
             } else {
                 flush();
                 m_sink.Undecodable(bytes.substr(i, 1), m_out);
@@ -435,7 +450,8 @@ private:
             }
             const auto b = static_cast<unsigned char>(bytes[pos]);
             if (b <= 0x20 && b != 0x0E && b != 0x0F && b != 0x1B) {
-                m_sink.Inexact(bytes.substr(pos, 1), b, m_out);
+                const char32_t control = b;
+                m_sink.Inexact(bytes.substr(pos, 1), std::u32string_view(&control, 1), m_out);
             } else {
                 m_sink.Undecodable(bytes.substr(pos, 1), m_out);
                 ++m_result.nUnmappable;

@@ -51,8 +51,9 @@ public:
     virtual void Unmappable(char32_t ch, std::string& out) = 0;
     // Bytes that read as no character.
     virtual void Undecodable(std::string_view bytes, std::string& out) = 0;
-    // A character whose bytes differ from the ones its encoding writes for it.
-    virtual void Inexact(std::string_view bytes, char32_t ch, std::string& out) = 0;
+    // Bytes of a character that differ from the ones its encoding writes for it, or that read
+    // as more than one character (a letter with its accent).
+    virtual void Inexact(std::string_view bytes, std::u32string_view chars, std::string& out) = 0;
     // A shift sequence of ISO-2022-JP, which stands for no text.
     virtual void Shift(std::string_view bytes, std::string& out) = 0;
 

@@ -147,7 +147,8 @@ TEST_F(RoundTrip, AnEditChangesOnlyItsCharacter) {
         const size_t edit = page.bytes.find(AsciiIn(page.encoding, U"EDIT-HERE"));
         if (edit == std::string::npos) continue;
         const std::string path = Write(page.name + ".htm", page.bytes);
-        for (UINT cp : kCodePages) {
+        // A single-byte code page, where most characters are references, and a double-byte one.
+        for (UINT cp : {1252u, 932u}) {
             CodePageScope scope(cp);
             SCOPED_TRACE(page.name + " in code page " + std::to_string(cp));
             auto doc = CreateHtmlDocument();
