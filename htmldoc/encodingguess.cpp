@@ -1,6 +1,8 @@
 #include "htmldoc/encodingguess.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -99,6 +101,12 @@ bool IsValidUtf8(std::string_view bytes, bool* nonAscii) {
     size_t i = 0;
     const size_t n = bytes.size();
     while (i < n) {
+        // Eight ASCII bytes at a time.
+        uint64_t word;
+        if (i + 8 <= n && (std::memcpy(&word, bytes.data() + i, 8), (word & 0x8080808080808080ULL) == 0)) {
+            i += 8;
+            continue;
+        }
         const auto b = static_cast<unsigned char>(bytes[i]);
         if (b < 0x80) {
             ++i;

@@ -13,10 +13,10 @@ void CLoadMarks::Reset(long textLength) {
 }
 
 void CLoadMarks::Append(long pos, long length, std::string_view raw) {
-    MoveGap(m_nLength + 1);  // all in front
-    CLoadMark mark{pos, length, static_cast<uint32_t>(m_pool.size()), static_cast<uint32_t>(raw.size())};
+    if (!m_back.empty()) MoveGap(m_nLength + 1);  // all in front
+    m_front.push_back({static_cast<int32_t>(pos), static_cast<uint16_t>(length), static_cast<uint16_t>(raw.size()),
+                       static_cast<uint32_t>(m_pool.size())});
     m_pool += raw;
-    m_front.push_back(mark);
     m_nLength = std::max(m_nLength, pos + length);
 }
 
@@ -29,13 +29,13 @@ void CLoadMarks::MoveGap(long pos) {
     while (!m_front.empty() && m_front.back().pos >= pos) {
         CLoadMark mark = m_front.back();
         m_front.pop_back();
-        mark.pos = m_nLength - mark.pos;
+        mark.pos = static_cast<int32_t>(m_nLength - mark.pos);
         m_back.push_back(mark);
     }
     while (!m_back.empty() && m_nLength - m_back.back().pos < pos) {
         CLoadMark mark = m_back.back();
         m_back.pop_back();
-        mark.pos = m_nLength - mark.pos;
+        mark.pos = static_cast<int32_t>(m_nLength - mark.pos);
         m_front.push_back(mark);
     }
 }
@@ -51,7 +51,7 @@ std::vector<CLoadMark> CLoadMarks::TakeSpan(long pos, long count) {
     }
     while (!m_back.empty()) {
         CLoadMark mark = m_back.back();
-        mark.pos = m_nLength - mark.pos;
+        mark.pos = static_cast<int32_t>(m_nLength - mark.pos);
         if (mark.pos > end || (mark.pos == end && mark.length > 0)) break;
         m_back.pop_back();
         taken.push_back(mark);
@@ -60,7 +60,7 @@ std::vector<CLoadMark> CLoadMarks::TakeSpan(long pos, long count) {
 }
 
 void CLoadMarks::PushBack(CLoadMark mark) {
-    mark.pos = m_nLength - mark.pos;
+    mark.pos = static_cast<int32_t>(m_nLength - mark.pos);
     m_back.push_back(mark);
 }
 
@@ -75,7 +75,7 @@ void CLoadMarks::Replace(long pos, long oldCount, long newCount, std::vector<CLo
     }
     for (auto it = behind.rbegin(); it != behind.rend(); ++it) {
         CLoadMark mark = *it;
-        mark.pos = pos + newCount;
+        mark.pos = static_cast<int32_t>(pos + newCount);
         PushBack(mark);
     }
     if (touched) *touched = std::move(taken);

@@ -13,11 +13,13 @@
 #include <string_view>
 #include <vector>
 
+// Twelve bytes, since a page may hold millions: positions stay below 2 GB, and the text and the
+// bytes of a mark are a few bytes.
 struct CLoadMark {
-    long pos = 0;            // where its text starts
-    long length = 0;         // bytes of its text; 0 for a shift sequence, which stands for no text
+    int32_t pos = 0;         // where its text starts
+    uint16_t length = 0;     // bytes of its text; 0 for a shift sequence, which stands for no text
+    uint16_t rawLength = 0;  // 0: the text is a reference whose character is written in the file's encoding
     uint32_t rawOffset = 0;  // the file's bytes, in the store's pool
-    uint32_t rawLength = 0;  // 0: the text is a reference whose character is written in the file's encoding
 };
 
 class CLoadMarks {
@@ -45,7 +47,7 @@ public:
         for (const CLoadMark& mark : m_front) f(mark);
         for (auto it = m_back.rbegin(); it != m_back.rend(); ++it) {
             CLoadMark mark = *it;
-            mark.pos = m_nLength - mark.pos;
+            mark.pos = static_cast<int32_t>(m_nLength - mark.pos);
             f(mark);
         }
     }

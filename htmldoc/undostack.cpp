@@ -46,7 +46,7 @@ void CUndoStack::AppendMarks(CEdit& last, const CEdit& next) {
     const auto shift = static_cast<long>(last.removed.size()) - static_cast<long>(last.inserted.size());
     for (CLoadMark mark : next.marks) {
         if (mark.length == 0 && mark.pos == next.pos) continue;
-        mark.pos += shift;
+        mark.pos = static_cast<int32_t>(mark.pos + shift);
         last.marks.push_back(mark);
     }
 }
