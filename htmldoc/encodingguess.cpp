@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
-#include <vector>
+#include <unordered_set>
 
 #include "platform/codepage/iconvcodec.h"
 #include "platform/codepage/unicode.h"
@@ -28,10 +28,10 @@ constexpr std::string_view kCommonKorean =
     "동무화구내우위문회신세민마유미개중연계생방비학관공교실재발저진선안합식물설본분당체통말결명조치법를은며했"
     "습니까니던었음된되지만년월";
 
-bool Contains(std::string_view set, char32_t ch) {
-    std::string utf8;
-    AppendUtf8(utf8, ch);
-    return set.find(utf8) != std::string_view::npos;
+std::unordered_set<char32_t> CharsOf(std::string_view utf8) {
+    std::unordered_set<char32_t> chars;
+    for (const CodePointAt& at : DecodeUtf8(utf8)) chars.insert(at.ch);
+    return chars;
 }
 
 bool IsKana(char32_t ch) {
@@ -45,8 +45,14 @@ struct CCandidate {
 };
 
 bool CommonJapanese(char32_t ch) { return IsKana(ch); }
-bool CommonChinese(char32_t ch) { return Contains(kCommonChinese, ch); }
-bool CommonKorean(char32_t ch) { return Contains(kCommonKorean, ch); }
+bool CommonChinese(char32_t ch) {
+    static const std::unordered_set<char32_t> common = CharsOf(kCommonChinese);
+    return common.count(ch) > 0;
+}
+bool CommonKorean(char32_t ch) {
+    static const std::unordered_set<char32_t> common = CharsOf(kCommonKorean);
+    return common.count(ch) > 0;
+}
 
 const CCandidate kCandidates[] = {
     {"Shift_JIS", CommonJapanese}, {"EUC-JP", CommonJapanese}, {"GBK", CommonChinese},

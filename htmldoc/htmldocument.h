@@ -118,8 +118,8 @@ public:
     // encodings that have one.
     bool ByteOrderMark() const { return m_fileEncoding.bByteOrderMark; }
     void SetByteOrderMark(bool on);
-    // The encoding of files that declare none; empty: UTF-8 for files that read as UTF-8, else
-    // the process code page's. An empty label sets that; E_INVALIDARG for an unknown one.
+    // The encoding of files that declare none; empty: a guess from their bytes. An empty label
+    // sets that; E_INVALIDARG for an unknown one.
     std::string DefaultEncoding() const { return m_pDefaultEncoding ? m_pDefaultEncoding->pszName : ""; }
     HRESULT SetDefaultEncoding(std::string_view label);
     bool IsModified() const { return !m_undo.IsAtSaved(); }

@@ -98,6 +98,7 @@ std::vector<CPage> Pages() {
                          MakePage(language.label, false, Encode(*FindEncoding(language.label), language.text)),
                          language.label, 0});
     pages.push_back({"undeclared-latin1", "<p>caf\xE9 na\xEFve</p>\n", "windows-1252", 0});
+    pages.push_back({"ascii-with-one-ff", std::string(68 << 10, 'a') + "\xFF\n", "windows-1252", 0});
     // Characters with bytes of their own: an NEC-selected IBM extension of Shift_JIS, whose
     // character the encoder writes elsewhere; ISO-2022-JP's older shift sequences, its Roman set
     // and half-width katakana, and a file that ends shifted.
