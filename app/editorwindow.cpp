@@ -1,6 +1,9 @@
 #include "app/editorwindow.h"
 
 #include <QAction>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QLabel>
 #include <QActionGroup>
 #include <QFileDialog>
 #include <QFontDialog>
@@ -14,7 +17,7 @@
 #include "platform/qt/qtwindow.h"
 #include "src/view/module.h"
 
-// Hears the control's events and shows them in the status line.
+// Hears the control's events and hands them to the window with a readable text.
 class CStatusSink final : public IDispatch {
 public:
     explicit CStatusSink(CEditorWindow* window) : m_pWindow(window) {}
@@ -27,18 +30,33 @@ public:
     ULONG Release() override { return 1; }
     HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
     HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
-        QString text = id == EVENT_DOCUMENTCHANGED ? "DocumentChanged" : id == EVENT_SELECTIONCHANGED ? "SelectionChanged"
-                                                                                                     : QString("Event %1").arg(id);
         QStringList values;
         for (const Variant& v : args) {
             int32_t n = 0;
             if (v.ToLong(&n)) values << QString::number(n);
         }
-        m_pWindow->ShowEvent(text + "(" + values.join(", ") + ")");
+        m_pWindow->OnControlEvent(id, EventName(id) + "(" + values.join(", ") + ")");
         return S_OK;
     }
 
 private:
+    static QString EventName(DISPID id) {
+        switch (id) {
+            case EVENT_DOCUMENTCHANGED: return "DocumentChanged";
+            case EVENT_SELECTIONCHANGED: return "SelectionChanged";
+            case EVENT_EDITMODETOGGLED: return "EditModeToggled";
+            case EVENT_AUTOCONVERTTOGGLED: return "AutoConvertToggled";
+            case DISPID_KEYDOWN: return "KeyDown";
+            case DISPID_KEYUP: return "KeyUp";
+            case DISPID_CLICK: return "Click";
+            case DISPID_DBLCLICK: return "DblClick";
+            case DISPID_MOUSEDOWN: return "MouseDown";
+            case DISPID_MOUSEUP: return "MouseUp";
+            case DISPID_MOUSEMOVE: return "MouseMove";
+            default: return QString("Event %1").arg(id);
+        }
+    }
+
     CEditorWindow* m_pWindow;
 };
 
@@ -46,11 +64,21 @@ CEditorWindow::CEditorWindow() : m_doc(CreateHtmlDocument()), m_sink(std::make_u
     m_pPreviousPlatform = SetPlatformBackend(&m_platform);
     m_pCtrl = CreateZentrelCtrl();
     m_dwCookie = m_pCtrl->AdviseEvents(m_sink.get());
+    ApplyEditorLook(m_pCtrl, EditorLook::Modern);
     HWND hwnd = CreateQtChildWindow(m_pCtrl, nullptr);
     setCentralWidget(QtWidgetFromHwnd(hwnd));
     m_pCtrl->SetDocument(static_cast<IDispatch*>(m_doc.Get()));
+    m_pEvents = new QLabel(this);
+    m_pMode = new QLabel(this);
+    m_pConvert = new QLabel(this);
+    statusBar()->addWidget(m_pEvents, 1);
+    statusBar()->addPermanentWidget(m_pMode);
+    statusBar()->addPermanentWidget(m_pConvert);
     BuildMenus();
-    statusBar()->showMessage("Ready");
+    m_pEvents->setText("Ready");
+    UpdateModes();
+    UpdateTitle();
+    QtWidgetFromHwnd(hwnd)->setFocus();
 }
 
 CEditorWindow::~CEditorWindow() {
@@ -68,36 +96,105 @@ bool CEditorWindow::OpenFile(const QString& path) {
         else std::fprintf(stderr, "%s\n", qPrintable(text));
         return false;
     }
-    setWindowTitle(path + " - zentrel-edit");
-    ShowEvent(QString("%1 bytes, %2 lines, %3, %4 undecodable bytes")
-                  .arg(m_doc->GetLength())
-                  .arg(m_pCtrl->GetLineCount())
-                  .arg(QString::fromStdString(m_doc->Encoding()))
-                  .arg(m_doc->LastLoad().nUndecodable));
+    UpdateTitle();
+    FitGutter();
+    OnControlEvent(0, QString("%1 bytes, %2 lines, %3, %4 undecodable bytes")
+                          .arg(m_doc->GetLength())
+                          .arg(m_pCtrl->GetLineCount())
+                          .arg(QString::fromStdString(m_doc->Encoding()))
+                          .arg(m_doc->LastLoad().nUndecodable));
     return true;
 }
 
-void CEditorWindow::ShowEvent(const QString& text) {
+void CEditorWindow::OnControlEvent(DISPID id, const QString& text) {
+    // Mouse moves would drown everything else.
+    if (id == DISPID_MOUSEMOVE) return;
     // The newest events first; of a burst of one event only the latest shows, so that typing
     // does not push the other events out.
     if (!m_events.isEmpty() && m_events.front().startsWith(text.section('(', 0, 0) + "(")) m_events.pop_front();
     m_events.push_front(text);
     while (m_events.size() > kShownEvents) m_events.pop_back();
-    statusBar()->showMessage(QString("%1   |   LineCount %2").arg(m_events.join("   ")).arg(m_pCtrl->GetLineCount()));
+    m_pEvents->setText(QString("%1   |   LineCount %2").arg(m_events.join("   ")).arg(m_pCtrl->GetLineCount()));
+    if (id == EVENT_DOCUMENTCHANGED) {
+        setWindowModified(m_doc->IsModified());
+        FitGutter();
+    }
+    if (id == EVENT_EDITMODETOGGLED || id == EVENT_AUTOCONVERTTOGGLED) UpdateModes();
+}
+
+// The gutter grows to hold the largest line number, and never shrinks below the control's default.
+void CEditorWindow::FitGutter() {
+    const long digits = static_cast<long>(QString::number(m_pCtrl->GetLineCount()).size());
+    const long width = (digits + 2) * m_pCtrl->GetGutterFontWidth() + m_pCtrl->m_nCharWidth;
+    if (width > m_pCtrl->GetIndentSize()) m_pCtrl->SetGutterSize(width);
+}
+
+void CEditorWindow::UpdateTitle() {
+    const std::string& path = m_doc->PathName();
+    const QString name = path.empty() ? QString("untitled") : QFileInfo(QString::fromStdString(path)).fileName();
+    setWindowTitle(name + "[*] - zentrel-edit");
+    setWindowModified(m_doc->IsModified());
+}
+
+void CEditorWindow::UpdateModes() {
+    m_pMode->setText(m_pCtrl->GetOption(OPT_OVERWRITE) ? "Overwrite" : "Insert");
+    m_pConvert->setText(m_pCtrl->GetOption(OPT_AUTOCONVERT) ? "AutoConvert on" : "AutoConvert off");
 }
 
 void CEditorWindow::BuildMenus() {
+    BuildFileMenu();
+    BuildEditMenu();
+    BuildViewMenu();
+}
+
+void CEditorWindow::BuildFileMenu() {
     QMenu* file = menuBar()->addMenu("&File");
     file->addAction("&Open...", QKeySequence::Open, this, &CEditorWindow::Open);
     file->addAction("&Save", QKeySequence::Save, this, &CEditorWindow::Save);
+    file->addAction("Save &As...", QKeySequence::SaveAs, this, &CEditorWindow::SaveAs);
     file->addSeparator();
     file->addAction("&Quit", QKeySequence::Quit, this, &QWidget::close);
+}
+
+// The control handles its keys itself; the menu offers the same commands to the mouse and
+// shows their keys.
+void CEditorWindow::BuildEditMenu() {
+    QMenu* edit = menuBar()->addMenu("&Edit");
+    const auto command = [&](const char* label, const char* keys, auto run) {
+        QAction* action = edit->addAction(QString("%1\t%2").arg(label, keys));
+        connect(action, &QAction::triggered, this, [this, run] {
+            run(m_pCtrl);
+            centralWidget()->setFocus();
+        });
+    };
+    command("&Undo", "Ctrl+Z", [](CZentrelCtrl* c) { c->DoUndo(); });
+    command("&Redo", "Ctrl+Y", [](CZentrelCtrl* c) { c->DoRedo(); });
+    edit->addSeparator();
+    command("Select &All", "Ctrl+A", [](CZentrelCtrl* c) { c->SelectAll(); });
+    edit->addSeparator();
+    command("&Overwrite", "Insert", [](CZentrelCtrl* c) { c->ToggleOverwrite(); });
+    command("Auto&Convert", "Pause", [](CZentrelCtrl* c) { c->ToggleAutoConvert(); });
+    struct Option {
+        const char* label;
+        DWORD mask;
+    };
+    edit->addSeparator();
+    for (Option o : {Option{"Auto &indent", OPT_AUTOINDENT}, Option{"Close &brackets", OPT_AUTOCLOSEBRACKET},
+                     Option{"Read-onl&y", OPT_READONLY}}) {
+        QAction* action = edit->addAction(o.label);
+        action->setCheckable(true);
+        action->setChecked(m_pCtrl->GetOption(o.mask));
+        connect(action, &QAction::toggled, this, [this, mask = o.mask](bool on) { ToggleOption(mask, on); });
+    }
+}
+
+void CEditorWindow::BuildViewMenu() {
     QMenu* view = menuBar()->addMenu("&View");
     struct Option {
         const char* label;
         DWORD mask;
     };
-    for (Option o : {Option{"&Word wrap", OPT_WORDWRAP}, Option{"&Hidden characters", OPT_DISPLAYALL},
+    for (Option o : {Option{"&Word wrap", OPT_WORDWRAP}, Option{"Hi&dden characters", OPT_DISPLAYALL},
                      Option{"&Right margin", OPT_RIGHTMARGINVISIBLE}, Option{"&Left margin line", OPT_LEFTMARGINVISIBLE},
                      Option{"Line &numbers", OPT_SHOWLINENUMBER}, Option{"&Smooth paging", OPT_SMOOTHREFRESH},
                      Option{"&Monochrome", OPT_MONODRAW}}) {
@@ -117,10 +214,13 @@ void CEditorWindow::BuildMenus() {
         styles->addAction(action);
         connect(action, &QAction::triggered, this, [this, style] { m_pCtrl->SetHighlightStyle(style); });
     }
+    QAction* classic = view->addAction("&Classic look");
+    classic->setCheckable(true);
+    connect(classic, &QAction::toggled, this,
+            [this](bool on) { ApplyEditorLook(m_pCtrl, on ? EditorLook::Classic : EditorLook::Modern); });
     view->addAction("&Font...", this, &CEditorWindow::ChooseFont);
     view->addAction("Right margin &column...", this, &CEditorWindow::ChooseRightMargin);
 }
-
 void CEditorWindow::ChooseFont() {
     const FontDesc& now = m_pCtrl->GetEditFont();
     QFont initial(QString::fromStdString(now.name));
@@ -150,10 +250,42 @@ void CEditorWindow::Open() {
     if (!path.isEmpty()) OpenFile(path);
 }
 
-void CEditorWindow::Save() {
+bool CEditorWindow::Save() {
+    if (m_doc->PathName().empty()) return SaveAs();
     std::string error;
-    if (FAILED(m_doc->SaveFile({}, &error)))
+    if (FAILED(m_doc->SaveFile({}, &error))) {
         QMessageBox::warning(this, "zentrel-edit", QString("Cannot save: %1").arg(QString::fromStdString(error)));
+        return false;
+    }
+    UpdateTitle();
+    OnControlEvent(0, QString("Saved %1 bytes").arg(m_doc->GetLength()));
+    return true;
+}
+
+bool CEditorWindow::SaveAs() {
+    const QString path = QFileDialog::getSaveFileName(this, "Save as", QString::fromStdString(m_doc->PathName()),
+                                                      "HTML files (*.html *.htm);;All files (*)");
+    if (path.isEmpty()) return false;
+    std::string error;
+    if (FAILED(m_doc->SaveFile(path.toStdString(), &error))) {
+        QMessageBox::warning(this, "zentrel-edit", QString("Cannot save: %1").arg(QString::fromStdString(error)));
+        return false;
+    }
+    UpdateTitle();
+    return true;
+}
+
+// Unsaved changes are offered for saving before the window goes.
+void CEditorWindow::closeEvent(QCloseEvent* e) {
+    if (m_doc->IsModified()) {
+        const auto answer = QMessageBox::question(this, "zentrel-edit", "Save the changes before closing?",
+                                                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !Save())) {
+            e->ignore();
+            return;
+        }
+    }
+    e->accept();
 }
 
 void CEditorWindow::ToggleOption(DWORD mask, bool on) { m_pCtrl->SetOption(mask, on ? TRUE : FALSE); }

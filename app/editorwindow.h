@@ -6,11 +6,14 @@
 #include <QStringList>
 #include <memory>
 
+#include "app/editorlook.h"
+
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
 #include "src/view/zentrelctrl.h"
 
 class CStatusSink;
+class QLabel;
 
 class CEditorWindow : public QMainWindow {
     Q_OBJECT
@@ -20,15 +23,25 @@ public:
 
     // Loads a file into the document; on failure says why in a message box or on stderr.
     bool OpenFile(const QString& path);
-    void ShowEvent(const QString& text);
+    // Hears an event of the control: the status line lists it, and the title and the mode
+    // fields follow what it changed.
+    void OnControlEvent(DISPID id, const QString& text);
 
 private:
     void BuildMenus();
+    void BuildFileMenu();
+    void BuildEditMenu();
+    void BuildViewMenu();
     void Open();
-    void Save();
+    bool Save();
+    bool SaveAs();
     void ToggleOption(DWORD mask, bool on);
     void ChooseFont();
     void ChooseRightMargin();
+    void UpdateTitle();
+    void FitGutter();
+    void UpdateModes();
+    void closeEvent(QCloseEvent* e) override;
 
     CQtPlatform m_platform;  // the window services of this process; outlives the control's window
     IPlatformBackend* m_pPreviousPlatform = nullptr;
@@ -38,4 +51,9 @@ private:
     static constexpr int kShownEvents = 4;  // events the status line lists, newest first
     QStringList m_events;
     DWORD m_dwCookie = 0;
+    // The status line: recent events, then the typing mode and the converter, as fields that
+    // stay when a menu shows its own tips.
+    QLabel* m_pEvents = nullptr;
+    QLabel* m_pMode = nullptr;
+    QLabel* m_pConvert = nullptr;
 };

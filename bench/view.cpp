@@ -10,7 +10,8 @@
 //     load and layout, and again once the whole text is classified;
 // and once:
 //   - a click at the end of a 5000-byte line (PositionFromClientPoint, us);
-//   - a minified page (one 10 MB line) attached, wrapped and painted (ms).
+//   - a minified page (one 10 MB line) attached, wrapped and painted (ms), and a typed character
+//     in its middle, wrapped and not (us, median and p99 over 200).
 // Built with QScintilla, the same workloads run on a QScintilla widget of the same size, font
 // and wrap mode in the same process, and each figure gets its ratio to the peer's
 // (peer time / our time: above 1 means faster than the peer).
@@ -24,6 +25,8 @@
 #include <string>
 
 #include "bench/benchtools.h"
+#include "bench/peerreport.h"
+#include "bench/viewwindow.h"
 #include "bench/htmlgen.h"
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
@@ -39,65 +42,8 @@ namespace {
 
 using namespace bench;
 
-constexpr LONG kWidth = 1000, kHeight = 800;
 constexpr int kTypedCharacters = 200;
 constexpr int kRepaints = 100;
-
-// Figures of ours by name, for the ratios to the peer.
-std::map<std::string, double>& Ours() {
-    static std::map<std::string, double> figures;
-    return figures;
-}
-
-void Report(const std::string& name, double value, const char* unit) {
-    Ours()[name] = value;
-    Print(name, value, unit);
-}
-
-// The peer's figure for the same workload, with its ratio to ours, put so that above 1 is better
-// for us: the peer's time or memory over ours, or our throughput over the peer's.
-void ReportPeer(const std::string& name, double value, const char* unit) {
-    Print("peer_" + name, value, unit);
-    auto it = Ours().find(name);
-    if (it == Ours().end() || it->second <= 0 || value <= 0) return;
-    const bool throughput = std::string(unit) == "MB/s";
-    Print("ratio_" + name, throughput ? it->second / value : value / it->second, "x");
-}
-
-void ReportMedianAndP99(const std::string& name, const std::vector<double>& samples, const char* unit) {
-    Report(name + "_median", Percentile(samples, 0.5), unit);
-    Report(name + "_p99", Percentile(samples, 0.99), unit);
-}
-
-// The control in a top-level window of its own, over a document.
-class CView {
-public:
-    explicit CView(CHtmlDocument* doc, bool wrap) {
-        m_pCtrl = CreateZentrelCtrl();
-        m_pCtrl->SetOption(OPT_WORDWRAP, wrap);
-        m_hwnd = CreateQtChildWindow(m_pCtrl, nullptr, {0, 0, kWidth, kHeight});
-        QtWidgetFromHwnd(m_hwnd)->show();
-        QApplication::processEvents();
-        m_pCtrl->SetDocument(static_cast<IDispatch*>(doc));
-        QApplication::processEvents();
-    }
-    ~CView() {
-        m_pCtrl->SetDocument(nullptr);
-        m_pCtrl->DestroyControlWindow();
-        m_pCtrl->Release();
-        QApplication::processEvents();
-    }
-    CZentrelCtrl* operator->() const { return m_pCtrl; }
-    HWND Hwnd() const { return m_hwnd; }
-    void RepaintAll() {
-        InvalidateRect(m_hwnd, nullptr, FALSE);
-        UpdateWindow(m_hwnd);
-    }
-
-private:
-    CZentrelCtrl* m_pCtrl;
-    HWND m_hwnd;
-};
 
 double LineTableBytes(const CLineIndex& table) {
     const CLineBlockPool& pool = CLineBlock::Pool();
@@ -215,25 +161,23 @@ void MeasureMinified() {
     CView view(doc.Get(), true);
     view.RepaintAll();
     Report("minified_10mb_wrap_and_paint", 1e3 * SecondsSince(t0), "ms");
+    MeasureTyping(view, doc.Get(), "minified_10mb", false);
+    view->SetOption(OPT_WORDWRAP, FALSE);
+    view->Reformat(TRUE);
+    MeasureTyping(view, doc.Get(), "minified_10mb_nowrap", false);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (!std::getenv("DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    QApplication app(argc, argv);
-    CQtPlatform platform;
-    IPlatformBackend* previous = SetPlatformBackend(&platform);
-    std::vector<double> sizes;
-    for (int i = 1; i < argc; ++i) sizes.push_back(std::atof(argv[i]));
-    if (sizes.empty()) sizes = {1, 10, 100};
-
-    MeasureClickOnLongLine();
-    MeasureMinified();
-    for (double megabytes : sizes) MeasureSize(megabytes);
+    const auto ours = [](const std::vector<double>& sizes) {
+        MeasureClickOnLongLine();
+        MeasureMinified();
+        for (double megabytes : sizes) MeasureSize(megabytes);
+    };
 #ifdef ZENTREL_HAVE_QSCINTILLA
-    if (!std::getenv("ZENTREL_BENCH_NO_PEER")) RunPeer(sizes, ReportPeer);
+    return RunViewBenchmark(argc, argv, ours, [](const std::vector<double>& sizes) { RunPeer(sizes, ReportPeer); });
+#else
+    return RunViewBenchmark(argc, argv, ours, nullptr);
 #endif
-    SetPlatformBackend(previous);
-    return 0;
 }

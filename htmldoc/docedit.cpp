@@ -6,6 +6,7 @@
 #include "htmldoc/htmldocument.h"
 #include "htmldoc/sourcechange.h"
 #include "htmldoc/sourcerange.h"
+#include "htmldoc/unicodetext.h"
 
 CHtmlDocument::CSelectionMark CHtmlDocument::MarkSelectionEnds() const {
     CSelectionMark mark;
@@ -117,9 +118,15 @@ HRESULT CHtmlDocument::InsertData(long pos, long replaceCount, long* insertedCou
     if (!data) return E_POINTER;
     if (HRESULT hr = CheckSpan(pos, replaceCount); FAILED(hr)) return hr;
     std::string bytes;
-    if (HRESULT hr = data->GetData(CF_TEXT, &bytes); FAILED(hr)) return hr;
-    // Clipboard text runs to its first NUL.
-    bytes.resize(std::min(bytes.size(), bytes.find('\0')));
+    if (SUCCEEDED(data->QueryGetData(CF_TEXT)) || FAILED(data->QueryGetData(CF_UNICODETEXT))) {
+        if (HRESULT hr = data->GetData(CF_TEXT, &bytes); FAILED(hr)) return hr;
+        // Clipboard text runs to its first NUL.
+        bytes.resize(std::min(bytes.size(), bytes.find('\0')));
+    } else {
+        std::string units;
+        if (HRESULT hr = data->GetData(CF_UNICODETEXT, &units); FAILED(hr)) return hr;
+        bytes = TextFromUtf16Bytes(units);
+    }
     if (bytes.empty()) return S_FALSE;
     long action = replaceCount > 0 ? SA_REPLACE : SA_INSERT;
     HRESULT hr = Edit({pos, replaceCount, bytes, action, EditKind::Paste});

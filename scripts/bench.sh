@@ -18,5 +18,7 @@ for program in lineindex htmldoc encodings syntax qtdc; do
   echo "== bench_$program =="
   build/bench/bench_$program
 done
-echo "== bench_view ${sizes[*]} =="
-build/bench/bench_view "${sizes[@]}"
+for program in view editing; do
+  echo "== bench_$program ${sizes[*]} =="
+  build/bench/bench_$program "${sizes[@]}"
+done

@@ -12,6 +12,8 @@ extern const IID IID_IDataObject;
 
 using CLIPFORMAT = UINT;
 constexpr CLIPFORMAT CF_TEXT = 1;
+// UTF-16 text in little-endian byte order with its terminating NUL.
+constexpr CLIPFORMAT CF_UNICODETEXT = 13;
 constexpr HRESULT DV_E_FORMATETC = MakeHr(0x80040064u);
 
 CLIPFORMAT RegisterClipboardFormat(std::string_view name);

@@ -1,6 +1,7 @@
 #include "platform/qt/qtcontrolwidget.h"
 
 #include <QFocusEvent>
+#include <QGuiApplication>
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -14,6 +15,7 @@
 
 #include "platform/codepage/convert.h"
 #include "platform/qt/qtkeys.h"
+#include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/qt/qtwindowbackend.h"
 #include "platform/window/scrollbar.h"
@@ -42,6 +44,16 @@ bool IsTabKey(const QKeyEvent* e) {
 }  // namespace
 
 int CQtControlWidget::s_nDelivering = 0;
+
+// The key state that a handler sees while an input event is delivered: the event's own, as
+// the window system reported it when the event was made. Other events read the state of now.
+CQtInputState CQtControlWidget::InputStateOf(const QEvent* e) {
+    Qt::KeyboardModifiers modifiers = QGuiApplication::queryKeyboardModifiers();
+    Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
+    if (const auto* input = dynamic_cast<const QInputEvent*>(e)) modifiers = input->modifiers();
+    if (const auto* mouse = dynamic_cast<const QMouseEvent*>(e)) buttons = mouse->buttons();
+    return CQtInputState(modifiers, buttons);
+}
 
 CQtControlWidget::CQtControlWidget(HWND hwnd, QWidget* parent) : QAbstractScrollArea(parent), m_hwnd(hwnd) {
     setFrameShape(QFrame::NoFrame);
@@ -119,6 +131,7 @@ void CQtControlWidget::WakeForPostedMessages() {
 
 bool CQtControlWidget::event(QEvent* e) {
     CDelivery delivery;
+    const CQtInputState state = InputStateOf(e);
     switch (e->type()) {
     case QEvent::ShortcutOverride:
         ShortcutOverride(static_cast<QKeyEvent*>(e));
@@ -136,6 +149,7 @@ bool CQtControlWidget::event(QEvent* e) {
 
 bool CQtControlWidget::viewportEvent(QEvent* e) {
     CDelivery delivery;
+    const CQtInputState state = InputStateOf(e);
     return QAbstractScrollArea::viewportEvent(e);
 }
 
@@ -209,7 +223,7 @@ void CQtControlWidget::KeyRelease(QKeyEvent* e) {
 }
 
 // Each character in the process code page: one byte as WM_CHAR, two as WM_IME_CHAR with the
-// lead byte high. A character the code page cannot hold is refused with a beep.
+// lead byte high; a character that the code page cannot hold as WM_UNICHAR.
 void CQtControlWidget::DeliverText(const QString& text, LPARAM lParam) {
     const std::u16string_view all(reinterpret_cast<const char16_t*>(text.utf16()), text.size());
     size_t i = 0;
@@ -222,7 +236,9 @@ void CQtControlWidget::DeliverText(const QString& text, LPARAM lParam) {
         const ConvertResult r = Utf16ToMultiByte(CP_ACP, all.substr(i, count), &bytes, drop);
         i += count;
         if (!r.Exact() || bytes.empty() || bytes.size() > 2) {
-            MessageBeep(static_cast<UINT>(-1));
+            // The window asks the document to keep what the code page cannot hold.
+            const char32_t cp = pair ? QChar::surrogateToUcs4(all[i - 2], all[i - 1]) : all[i - 1];
+            Send(WM_UNICHAR, cp, lParam);
             continue;
         }
         const auto lead = static_cast<uint8_t>(bytes[0]);
@@ -231,11 +247,6 @@ void CQtControlWidget::DeliverText(const QString& text, LPARAM lParam) {
         else
             Send(WM_IME_CHAR, (WPARAM(lead) << 8) | static_cast<uint8_t>(bytes[1]), lParam);
     }
-}
-
-void CQtControlWidget::inputMethodEvent(QInputMethodEvent* e) {
-    e->accept();
-    DeliverText(e->commitString(), 1);
 }
 
 void CQtControlWidget::MouseButton(QMouseEvent* e, UINT left, UINT right, UINT middle) {

@@ -19,6 +19,8 @@
 #include "platform/window/window.h"
 
 class CDC;
+class CQtInputState;
+class QPainter;
 class QScrollBar;
 struct ScrollBarState;
 
@@ -60,6 +62,8 @@ public:
     const QImage& Surface() const { return m_surface; }
     // Whether the caret is drawn now (shown by its count, the window focused, in the blink's on phase).
     bool CaretVisible() const;
+    // The text an input method is composing, drawn at the caret and not yet in the document.
+    const QString& PreeditText() const { return m_strPreedit; }
 
 protected:
     bool event(QEvent* e) override;
@@ -74,7 +78,10 @@ protected:
     void mouseMoveEvent(QMouseEvent* e) override;
     void wheelEvent(QWheelEvent* e) override;
     void timerEvent(QTimerEvent* e) override;
+    // Input methods (qtinputmethod.cpp): the committed text is typed, the text being composed is
+    // shown at the caret until then, and the caret's place and line are told to the method.
     void inputMethodEvent(QInputMethodEvent* e) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
 
 private:
     // Marks the time a Qt event is being delivered to a handler (see IsDelivering).
@@ -86,6 +93,7 @@ private:
         CDelivery& operator=(const CDelivery&) = delete;
     };
     LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam);
+    static CQtInputState InputStateOf(const QEvent* e);
     bool Pretranslate(QKeyEvent* e, int vk, LPARAM lParam);
     void ShortcutOverride(QKeyEvent* e);
     void KeyPress(QKeyEvent* e);
@@ -102,6 +110,8 @@ private:
     QRect CloseContext(CDC* dc);
     bool HasWindowContext() const;
     void RestartBlink();
+    QRect PreeditRect() const;
+    void DrawPreedit(QPainter& p) const;
     bool CaretTimerEvent(QTimerEvent* e);
 
     struct CContext {
@@ -117,6 +127,8 @@ private:
     bool m_bDelivering = false;       // a WM_PAINT of ours is being handled
     bool m_bPresentOnly = false;      // a paint event that only shows the surface
     QRect m_rcCaret;
+    QString m_strPreedit;
+    int m_nPreeditCursor = 0;         // the input method's cursor in the preedit text
     bool m_bCaretShown = false;       // by the caret's count
     bool m_bCaretOn = true;           // the blink's phase
     QBasicTimer m_caretTimer;

@@ -1,6 +1,8 @@
 #include "platform/qt/qtplatform.h"
 
 #include <QApplication>
+#include <QCursor>
+#include <QStyleHints>
 #include <QGuiApplication>
 #include <QWidget>
 #include <utility>
@@ -56,9 +58,30 @@ DWORD CQtPlatform::TickCount() {
     return static_cast<DWORD>(m_clock.msecsSinceReference() + m_clock.elapsed());
 }
 
+namespace {
+
+CQtInputState* g_pInputState = nullptr;
+
+}  // namespace
+
+CQtInputState::CQtInputState(Qt::KeyboardModifiers modifiers, Qt::MouseButtons buttons)
+    : m_pOuter(g_pInputState), m_modifiers(modifiers), m_buttons(buttons) {
+    g_pInputState = this;
+}
+
+CQtInputState::~CQtInputState() { g_pInputState = m_pOuter; }
+
+bool CQtInputState::Current(Qt::KeyboardModifiers* modifiers, Qt::MouseButtons* buttons) {
+    if (!g_pInputState) return false;
+    *modifiers = g_pInputState->m_modifiers;
+    *buttons = g_pInputState->m_buttons;
+    return true;
+}
+
 short CQtPlatform::KeyState(int vk) {
-    const Qt::KeyboardModifiers mods = QGuiApplication::queryKeyboardModifiers();
-    const Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
+    Qt::KeyboardModifiers mods = QGuiApplication::queryKeyboardModifiers();
+    Qt::MouseButtons buttons = QGuiApplication::mouseButtons();
+    CQtInputState::Current(&mods, &buttons);
     bool down = false;
     switch (vk) {
     case VK_SHIFT: down = mods & Qt::ShiftModifier; break;
@@ -89,6 +112,15 @@ void CQtPlatform::SetWaitCursor(bool on) {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     else
         QGuiApplication::restoreOverrideCursor();
+}
+
+POINT CQtPlatform::CursorPos() {
+    const QPoint p = QCursor::pos();
+    return {p.x(), p.y()};
+}
+
+UINT CQtPlatform::DoubleClickTime() {
+    return static_cast<UINT>(QGuiApplication::styleHints()->mouseDoubleClickInterval());
 }
 
 HWND CQtPlatform::CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc) {

@@ -4,10 +4,29 @@
 #include <QElapsedTimer>
 #include <vector>
 
+#include <Qt>
+
 #include "platform/qt/qtgdi.h"
 #include "platform/window/window.h"
 
 class QWidget;
+
+// The modifiers and buttons of the input event that a widget is delivering as a message, for
+// the key state of that moment, as a window's handler reads it. Scopes nest.
+class CQtInputState {
+public:
+    CQtInputState(Qt::KeyboardModifiers modifiers, Qt::MouseButtons buttons);
+    ~CQtInputState();
+    CQtInputState(const CQtInputState&) = delete;
+    CQtInputState& operator=(const CQtInputState&) = delete;
+    // The innermost scope's state; false outside every scope.
+    static bool Current(Qt::KeyboardModifiers* modifiers, Qt::MouseButtons* buttons);
+
+private:
+    CQtInputState* m_pOuter;
+    Qt::KeyboardModifiers m_modifiers;
+    Qt::MouseButtons m_buttons;
+};
 
 class CQtPlatform : public IPlatformBackend {
 public:
@@ -21,13 +40,16 @@ public:
     // The widget's parent is the parent window's viewport, or none for a top-level window.
     std::unique_ptr<IWindowBackend> CreateWindowBackend(HWND hwnd, HWND parent, const RECT& rc) override;
     DWORD TickCount() override;
-    // Shift, Ctrl, Alt and the three mouse buttons, as they are now; other keys read as up.
+    // Shift, Ctrl, Alt and the three mouse buttons: as the input event being delivered has them
+    // (see CQtInputState), else as they are now; other keys read as up.
     short KeyState(int vk) override;
     void Beep(UINT type) override;
     std::unique_ptr<IWindowBackend> CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
                                                        const RECT& rc) override;
     // Each call pushes or pops Qt's override cursor, which nests by itself.
     void SetWaitCursor(bool on) override;
+    POINT CursorPos() override;
+    UINT DoubleClickTime() override;
 
     // CreateWindowFor with a widget as the parent instead of a window.
     HWND CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc);

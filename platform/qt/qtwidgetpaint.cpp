@@ -1,6 +1,7 @@
 // Painting of CQtControlWidget: the surface, paint and window contexts, presenting, scrolling
 // pixels, the caret and the scroll bars.
 #include <QGuiApplication>
+#include <QInputMethod>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
@@ -157,6 +158,10 @@ void CQtControlWidget::Present(const QRegion& region) {
     QPainter p(viewport());
     p.setCompositionMode(QPainter::CompositionMode_Source);
     for (const QRect& r : region) p.drawImage(r.topLeft(), m_surface, r);
+    if (!m_strPreedit.isEmpty() && region.intersects(PreeditRect())) {
+        DrawPreedit(p);
+        return;
+    }
     if (CaretVisible() && region.intersects(m_rcCaret)) {
         p.setCompositionMode(QPainter::CompositionMode_Difference);
         p.fillRect(m_rcCaret, Qt::white);
@@ -191,6 +196,7 @@ void CQtControlWidget::SetCaret(bool shown, const RECT& rc) {
     m_bCaretShown = shown;
     RestartBlink();
     viewport()->update(QRegion(old) | m_rcCaret);
+    if (hasFocus() && old != m_rcCaret) QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle);
 }
 
 // The caret starts in its on phase whenever it moves, shows, or the focus changes.

@@ -93,3 +93,9 @@ void CQtWindowBackend::Move(const RECT& rc) {
 void CQtWindowBackend::Show(bool show) {
     if (m_pWidget) m_pWidget->setVisible(show);
 }
+
+POINT CQtWindowBackend::ClientOrigin() const {
+    if (!m_pWidget) return {0, 0};
+    const QPoint p = m_pWidget->viewport()->mapToGlobal(QPoint(0, 0));
+    return {p.x(), p.y()};
+}

@@ -31,6 +31,8 @@ public:
     void ScrollBarChanged(int bar, const ScrollBarState& state) override;
     void Move(const RECT& rc) override;
     void Show(bool show) override;
+    // No Capture: Qt sends the moves of a button pressed in the widget to the widget anyway.
+    POINT ClientOrigin() const override;
 
     // Null once Qt has deleted the widget (with its parent, say) ahead of the window.
     CQtControlWidget* Widget() const { return m_pWidget; }

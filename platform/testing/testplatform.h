@@ -25,6 +25,9 @@ public:
     std::unique_ptr<IWindowBackend> CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
                                                        const RECT& rc) override;
     void SetWaitCursor(bool on) override { m_nWaitCursor += on ? 1 : -1; }
+    POINT CursorPos() override { return m_ptCursor; }
+    UINT DoubleClickTime() override { return m_nDoubleClickTime; }
+    bool ButtonsSwapped() override { return m_bSwapped; }
 
     // The drawing layer: fonts by the formulas of testfont.h; a screen of kScreenSize.
     static constexpr SIZE kScreenSize{1280, 1024};
@@ -45,6 +48,12 @@ public:
     // Out-of-range key codes are ignored and read as 0.
     void SetKeyState(int vk, short state);
     void SetKeyDown(int vk, bool down);
+
+    // The mouse: its place on the screen (a top-level window's client area starts at the
+    // rectangle it was made with), the double-click time, swapped buttons.
+    void SetCursorPos(POINT pt) { m_ptCursor = pt; }
+    void SetDoubleClickTime(UINT ms) { m_nDoubleClickTime = ms; }
+    void SetButtonsSwapped(bool swapped) { m_bSwapped = swapped; }
 
     int BeepCount() const { return m_nBeeps; }
     UINT LastBeepType() const { return m_nLastBeep; }
@@ -77,6 +86,9 @@ private:
     HWND m_hwndFocus = nullptr;
     std::vector<CTestWindowBackend*> m_windows;  // in order of creation
     int m_nWaitCursor = 0;
+    POINT m_ptCursor{};
+    UINT m_nDoubleClickTime = 500;
+    bool m_bSwapped = false;
 };
 
 // Installs a fresh test platform, as the window and the drawing backend, for its lifetime; on the

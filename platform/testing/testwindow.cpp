@@ -172,3 +172,14 @@ int CTestWindowBackend::PumpPostedMessages() {
 CTestWindowBackend* TestWindow(HWND hwnd) {
     return dynamic_cast<CTestWindowBackend*>(GetWindowBackend(hwnd));
 }
+
+// A child's origin is relative to its parent's client area, which lies on the screen in turn.
+POINT CTestWindowBackend::ClientOrigin() const {
+    POINT origin = m_ptOrigin;
+    if (const CTestWindowBackend* parent = TestWindow(m_hwndParent)) {
+        const POINT outer = parent->ClientOrigin();
+        origin.x += outer.x;
+        origin.y += outer.y;
+    }
+    return origin;
+}

@@ -51,9 +51,13 @@ public:
     void Move(const RECT& rc) override;
     void Show(bool show) override { m_bShown = show; }
     void Animate(UINT resourceId, bool play) override;
+    POINT ClientOrigin() const override;
+    void Capture(bool on) override { m_bCaptured = on; }
 
     HWND Handle() const { return m_hwnd; }
     HWND Parent() const { return m_hwndParent; }
+    // Whether the window holds the mouse capture, as its backend was told.
+    bool Captured() const { return m_bCaptured; }
 
     // Changes the client size as a user's resize would: WM_SIZE follows if the size changed.
     // Negative sizes count as 0. Pixels inside both sizes stay.
@@ -152,6 +156,7 @@ private:
     std::map<UINT, CTimer> m_timers;
     bool m_bPostWaiting = false;
     int m_nWakes = 0;
+    bool m_bCaptured = false;
 };
 
 // The test window behind a handle, or null if the handle is invalid or belongs to another backend.

@@ -2,6 +2,8 @@
 // and key messages a backend delivers, scroll bar codes, and helpers to unpack their arguments.
 // Numbers are the classic ones, so that control code written against them reads the same.
 #pragma once
+#include <string>
+
 #include "platform/window/window.h"
 
 // Virtual-key codes.
@@ -63,6 +65,18 @@ constexpr UINT WM_MBUTTONDBLCLK = 0x0209;
 // WM_CHAR of that key is delivered (the handler may send itself WM_KEYDOWN if it wants one).
 // For Tab, an unclaimed key goes to the toolkit's focus navigation instead of the window.
 constexpr UINT WM_PRETRANSLATEKEY = 0x8001;
+
+// A character that the process code page cannot hold, as one Unicode code point in wParam.
+constexpr UINT WM_UNICHAR = 0x0109;
+
+// Sent by a backend whose input method asks for the text around the caret: lParam points to a
+// SurroundingText, which the window fills with the text of the caret's line (multi-byte, at most
+// a few hundred bytes each side) and the caret's offset in it. A nonzero result says it did.
+constexpr UINT WM_GETSURROUNDINGTEXT = 0x8002;
+struct SurroundingText {
+    std::string text;
+    long caret = 0;
+};
 
 // Key message lParam bits.
 constexpr LPARAM KF_REPEAT_BIT = LPARAM(1) << 30;  // the key was already down

@@ -204,7 +204,8 @@ COLORREF COleControl::TranslateColor(OLE_COLOR color) {
 
 void COleControl::ThrowError(SCODE scode, const std::string& text) { throw AutomationError(scode, text); }
 
-LRESULT COleControl::DefWindowProc(UINT message, WPARAM, LPARAM) {
+LRESULT COleControl::DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (FireStockEvents(message, wParam, lParam)) return 0;
     switch (message) {
         case WM_PAINT: OnPaint(); return 0;
         case WM_MOUSEWHEEL: return 1;  // the window's default: its vertical bar scrolls by lines

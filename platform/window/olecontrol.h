@@ -32,6 +32,15 @@ constexpr DISPID DISPID_ENABLED = -514;
 constexpr DISPID DISPID_BACKCOLOR = -501;
 constexpr DISPID DISPID_REFRESH = -550;
 constexpr DISPID DISPID_ABOUTBOX = -552;
+// Stock event dispatch ids.
+constexpr DISPID DISPID_CLICK = -600;
+constexpr DISPID DISPID_DBLCLICK = -601;
+constexpr DISPID DISPID_KEYDOWN = -602;
+constexpr DISPID DISPID_KEYPRESS = -603;
+constexpr DISPID DISPID_KEYUP = -604;
+constexpr DISPID DISPID_MOUSEDOWN = -605;
+constexpr DISPID DISPID_MOUSEMOVE = -606;
+constexpr DISPID DISPID_MOUSEUP = -607;
 
 class COleControl : public IDispatch, public IMessageHandler {
 public:
@@ -113,7 +122,10 @@ protected:
     void ExchangeStockProps(CPropExchange* pPX);
 
     // Default message handling: what a window does with a message the control does not take.
+    // Key and mouse messages raise their stock events here.
     LRESULT DefWindowProc(UINT message, WPARAM wParam, LPARAM lParam);
+    // The stock events of a key or mouse message (stockevents.cpp); FALSE for other messages.
+    BOOL FireStockEvents(UINT message, WPARAM wParam, LPARAM lParam);
     void OnPaint();
 
     HWND m_hWnd = nullptr;

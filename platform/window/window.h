@@ -126,6 +126,11 @@ public:
     virtual void Move(const RECT& rc) {}
     virtual void Show(bool show) {}
     virtual void Animate(UINT resourceId, bool play) {}
+
+    // Mouse input (platform/window/input.h): where the client area's origin is on the screen,
+    // and the capture given to or taken from this window.
+    virtual POINT ClientOrigin() const { return {0, 0}; }
+    virtual void Capture(bool on) {}
 };
 
 // The process-wide services a backend supplies.
@@ -141,6 +146,11 @@ public:
     virtual std::unique_ptr<IWindowBackend> CreateChildControl(HWND hwnd, ChildControlKind kind, HWND parent,
                                                                const RECT& rc) = 0;
     virtual void SetWaitCursor(bool on) = 0;
+    // Mouse input (platform/window/input.h): the cursor in screen coordinates, the double-click
+    // time, and whether the buttons are swapped.
+    virtual POINT CursorPos() { return {0, 0}; }
+    virtual UINT DoubleClickTime() { return 500; }
+    virtual bool ButtonsSwapped() { return false; }
 };
 
 // Installs the backend for the process; returns the previous one. The caller keeps ownership.

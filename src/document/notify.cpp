@@ -51,7 +51,9 @@ HRESULT CZentrelCtrl::OnSelectionChanged(long active, long anchor) {
             long c = std::max(oldLow, newLow), d = std::min(oldHigh, newHigh);
             InvalidateRange(a, std::min(c, d));
             InvalidateRange(std::max(c, d), b);
-            InvalidateGutter();
+            // The bracket in the gutter changes on the rows between an end's old and new place,
+            // repainted above, and on the rows of the four ends, where its boxes come and go.
+            for (long end : {oldLow, oldHigh, newLow, newHigh}) InvalidateGutterAt(end);
         }
         if (m_bFocused) ScrollCaretIntoView();
         PlaceCaret();

@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr UINT kCompletionTimerId = 1;
 constexpr UINT kCompletionTimerMs = 5;
 
 }  // namespace
@@ -15,12 +14,12 @@ void CZentrelCtrl::StartCodeCompletion() {
         return;
     }
     if (!HasWindow() || m_bCompletionTimer) return;
-    SetTimer(m_hWnd, kCompletionTimerId, kCompletionTimerMs);
+    SetTimer(m_hWnd, kCompletionTimer, kCompletionTimerMs);
     m_bCompletionTimer = 1;
 }
 
 void CZentrelCtrl::StopCodeCompletion() {
     if (!m_bCompletionTimer) return;
-    if (HasWindow()) KillTimer(m_hWnd, kCompletionTimerId);
+    if (HasWindow()) KillTimer(m_hWnd, kCompletionTimer);
     m_bCompletionTimer = 0;
 }

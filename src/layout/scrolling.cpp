@@ -20,6 +20,14 @@ constexpr int kSmoothFrames = 7;
 // SIF_ALL with SIF_DISABLENOSCROLL: a bar with nothing to scroll shows disabled.
 constexpr UINT kScrollMask = 31;
 
+// A rectangle of document points in long, where a RECT could overflow.
+struct Box {
+    long left, top, right, bottom;
+    Box Union(const Box& o) const {
+        return {std::min(left, o.left), std::min(top, o.top), std::max(right, o.right), std::max(bottom, o.bottom)};
+    }
+};
+
 void SetBar(HWND hwnd, int bar, long nMax, long nPage, long nPos) {
     SCROLLINFO info;
     info.fMask = kScrollMask;
@@ -137,11 +145,15 @@ void CZentrelCtrl::OnVScroll(int nCode, int nPos) {
     }
 }
 
+long CZentrelCtrl::HScrollLimit() const {
+    // Worked out wide, so that it holds at the default ColumnMax of 0x7FFFFFFF too.
+    const long long wide = static_cast<long long>(m_nCharWidth) * m_nColumnMax - m_rcClient.Width();
+    return static_cast<long>(std::clamp<long long>(wide, 0, 0x7FFFFFFF));
+}
+
 void CZentrelCtrl::OnHScroll(int nCode, int nPos) {
     const long width = m_rcClient.Width();
-    // Worked out wide, so that it holds at the default ColumnMax of 0x7FFFFFFF too.
-    const long long wide = static_cast<long long>(m_nCharWidth) * m_nColumnMax - width;
-    const long limit = static_cast<long>(std::clamp<long long>(wide, 0, 0x7FFFFFFF));
+    const long limit = HScrollLimit();
     const auto within = [limit](long left) { return std::clamp(left, 0L, limit); };
     switch (nCode) {
         case SB_LINELEFT: ScrollTo(m_nTopLine, std::max(0L, m_nLeftPixel - m_nCharWidth)); break;
@@ -176,21 +188,21 @@ void CZentrelCtrl::UpdateScrollBars(long, long) {
 
 void CZentrelCtrl::ScrollRangeIntoView(long nFirst, long nSecond) {
     if (!m_pDoc) return;
+    // In long: the view may stand far right at a ColumnMax of 0x7FFFFFFF, beyond what a RECT holds.
     const long lh = m_nLineHeight, cw = m_nCharWidth;
-    RECT view = m_rcClient;
-    view.right = std::max(view.left, view.right - m_nIndentSize);
-    view.bottom = view.top + (view.Height() / lh) * lh;
-    view = OffsetRect(view, m_nLeftPixel, m_nTopLine * lh);
+    const long viewWidth = std::max(0L, static_cast<long>(m_rcClient.Width()) - m_nIndentSize);
+    const Box view{m_nLeftPixel, m_nTopLine * lh, m_nLeftPixel + viewWidth,
+                   m_nTopLine * lh + (m_rcClient.Height() / lh) * lh};
 
     const auto marginBox = [&](long pos) {
         POINT pt;
         DocPointFromPosition(pos, &pt);
         const long h = m_nScrollMarginH * cw;
-        return RECT{static_cast<LONG>(pt.x - h), static_cast<LONG>(pt.y - m_nScrollMarginV), static_cast<LONG>(pt.x + h),
-                    static_cast<LONG>(pt.y + m_nScrollMarginV + lh)};
+        return Box{pt.x - h, pt.y - m_nScrollMarginV, pt.x + h, pt.y + m_nScrollMarginV + lh};
     };
-    RECT u = marginBox(nFirst);
-    if (nSecond != nFirst) u = UnionRects(u, marginBox(nSecond));
+    // The union holds both boxes, also when they have no width (no horizontal margin).
+    Box u = marginBox(nFirst);
+    if (nSecond != nFirst) u = u.Union(marginBox(nSecond));
 
     long top = m_nTopLine, left = m_nLeftPixel;
     const auto above = [&] { if (u.top < view.top) top = u.top / lh; };
@@ -217,7 +229,7 @@ void CZentrelCtrl::ScrollRangeIntoView(long nFirst, long nSecond) {
             toLeft();
         }
     }
-    ScrollTo(std::max(0L, top), std::max(0L, left));
+    ScrollTo(std::max(0L, top), std::clamp(left, 0L, HScrollLimit()));
 }
 
 void CZentrelCtrl::ScrollCaretIntoView() { ScrollRangeIntoView(m_nSelActive, m_nSelActive); }

@@ -1,5 +1,6 @@
-// Keeping the line table in step with the document's changes. Each handler keeps the table's
-// total equal to the document's length; the line breaker then puts the boundaries right.
+// Keeping the line table in step with the document's changes. In a window the table after each
+// change is what a whole layout of the new text gives; without one only its total is kept equal
+// to the document's length, and the first layout in a window breaks the lines.
 #include <algorithm>
 #include <cstdlib>
 
@@ -44,39 +45,26 @@ void TakeBytes(CLineIndex& lines, long pos, long count, long end, LayoutRange* r
 void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
     LayoutRange range{std::min(nFirst, nSecond), std::max(nFirst, nSecond)};
     m_CollapseRoot.RemoveEmpty(m_pDoc);
-    const bool textChanged = nAction == SA_INSERT || nAction == SA_DELETE || nAction == SA_REPLACE;
-    if (textChanged && HasWindow() && MovedBytes(nAction, nFirst, nSecond) > kWholeLayoutBytes) {
-        RelayoutAll(range.nStart, &range);
-    } else {
-        switch (nAction) {
-            case SA_INSERT:
-                range.nEnd = nSecond;
-                m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
-                if (HasWindow()) RewrapLines(nFirst, &range, 2);
-                break;
-            case SA_DELETE: {
-                range.nEnd = nFirst;
-                long first = m_Lines.GetLineStart(std::max(0L, m_Lines.FindLine(nFirst) - 1));
-                TakeBytes(m_Lines, nFirst, nSecond - nFirst, nSecond, &range);
-                if (HasWindow()) RewrapLines(first, &range, 3);
-                break;
-            }
-            case SA_RESET:
-                range.nEnd = POS_TO_END;
-                m_Lines.RemoveAll();
-                m_Lines.InsertAt(0, 0);
-                break;
-            case SA_REPLACE: {
-                range.nEnd = nSecond;
-                long removed = ReplacedBytes(nFirst, nSecond);
-                if (removed > 0) TakeBytes(m_Lines, nFirst, removed, nFirst + removed, &range);
-                m_Lines.AddAt(ReceivingLine(m_Lines, nFirst), nSecond - nFirst);
-                if (HasWindow()) RewrapLines(nFirst, &range, 3);
-                break;
-            }
-            default:
-                break;  // style-only and unknown changes leave the layout alone
-        }
+    switch (nAction) {
+        case SA_INSERT:
+            range.nEnd = nSecond;
+            ApplyTextChange(nFirst, 0, nSecond - nFirst, &range);
+            break;
+        case SA_DELETE:
+            range.nEnd = nFirst;
+            ApplyTextChange(nFirst, nSecond - nFirst, 0, &range);
+            break;
+        case SA_RESET:
+            range.nEnd = POS_TO_END;
+            m_Lines.RemoveAll();
+            m_Lines.InsertAt(0, 0);
+            break;
+        case SA_REPLACE:
+            range.nEnd = nSecond;
+            ApplyTextChange(nFirst, std::max(0L, ReplacedBytes(nFirst, nSecond)), nSecond - nFirst, &range);
+            break;
+        default:
+            break;  // style-only and unknown changes leave the layout alone
     }
     if (HasWindow()) {
         InvalidateRange(range.nStart, range.nEnd);
@@ -86,17 +74,26 @@ void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
                                       Variant::Long(std::abs(nSecond - nFirst))});
 }
 
+// In a window the rows are laid out anew: a large change in one pass over the whole text, any
+// other around the change. Without a window only the table's total is kept right; the layout
+// that follows the window's creation breaks the lines.
+void CZentrelCtrl::ApplyTextChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange) {
+    if (!HasWindow()) {
+        if (nRemoved > 0) TakeBytes(m_Lines, nPos, nRemoved, nPos + nRemoved, pRange);
+        if (nInserted > 0) m_Lines.AddAt(ReceivingLine(m_Lines, nPos), nInserted);
+    } else if (std::max(nRemoved, nInserted) > kWholeLayoutBytes) {
+        RelayoutAll(nPos, pRange);
+    } else {
+        RelayoutChange(nPos, nRemoved, nInserted, pRange);
+    }
+}
+
 long CZentrelCtrl::ReplacedBytes(long nFirst, long nSecond) const {
     return m_Lines.m_nTotal + (nSecond - nFirst) - (m_pDoc ? m_pDoc->GetLength() : 0);
 }
 
-long CZentrelCtrl::MovedBytes(long nAction, long nFirst, long nSecond) const {
-    const long span = std::labs(nSecond - nFirst);
-    return nAction == SA_REPLACE ? std::max(span, ReplacedBytes(nFirst, nSecond)) : span;
-}
-
 void CZentrelCtrl::RelayoutAll(long nFrom, LayoutRange* pRange) {
-    WrapAll(m_Options, GetOption(OPT_WORDWRAP) ? GetWrapWidth() : WIDTH_UNLIMITED, &m_Lines);
+    WrapAll(m_Options, BreakWidth(), &m_Lines);
     // The lines above the change came out as they were; everything from the line above it on
     // counts as changed, down to the bottom of the window.
     const long first = std::max(0L, static_cast<long>(m_Lines.FindLine(std::min<long>(nFrom, m_Lines.m_nTotal))) - 1);

@@ -9,6 +9,7 @@
 // CR and the LF behind it stay together. A tab runs to the next stop, m_nTabPixels apart.
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "src/layout/linelengthlist.h"
 #include "src/layout/textreader.h"
@@ -226,6 +227,66 @@ struct LineScanner {
     }
 };
 
+// The scanner of a run of the breaker that starts at lineStart, with the one width table of the
+// run: wrapping never looks at the style of what it measures. On the screen the table is the
+// widest width of each byte over the edit font's faces; a printout measures in the font of the
+// first byte's format.
+LineScanner ScannerFrom(CZentrelCtrl& view, CTextReader& text, DWORD dwOptions, long nWidth, long lineStart) {
+    const long docLen = text.Length();
+    const LONG* widths = view.m_WrapMetrics.m_aWidth;
+    if (!(dwOptions & OPT_SCREENMETRICS) && lineStart < docLen) {
+        CharFormat format;
+        view.GetCharFormat(text.At(lineStart), lineStart, dwOptions, &format);
+        if (const CFontMetrics* metrics = view.GetFontMetrics(format.dwFont)) widths = metrics->m_aWidth;
+    }
+    return LineScanner{view, text, widths, Kinds(), nWidth, docLen, view.NextCollapseStart(lineStart)};
+}
+
+// The rows of the table from before a change, passed in order while the new rows are scanned,
+// with their starts compared in the new text: a start behind the change moves by its size.
+struct OldRows {
+    const CLineIndex& table;
+    long index;     // the first row not yet passed
+    long start;     // its start in the old text
+    long changeEnd; // the end of the changed bytes in the old text
+    long delta;     // bytes the change added (negative when it took bytes out)
+
+    // Passes the rows inside the change and those that start in front of pos in the new text.
+    void PassTo(long pos) {
+        while (index < table.m_nCount && (start < changeEnd || start + delta < pos)) start += table.GetAt(index++);
+    }
+    // Whether pos, a row start in the new text, is the start of the row not yet passed.
+    bool StartsAt(long pos) const { return index < table.m_nCount && start >= changeEnd && start + delta == pos; }
+};
+
+// Puts `rows` in place of the table's rows [first, last), whose first starts at `start`, changing
+// only the entries that differ, and widens `range` over the rows that changed.
+void SpliceRows(CLineIndex& table, long first, long last, const std::vector<long>& rows, long start,
+                LayoutRange* range) {
+    const long oldCount = last - first, newCount = static_cast<long>(rows.size());
+    const long common = std::min(oldCount, newCount);
+    long changedFrom = -1, changedTo = -1;
+    for (long i = 0; i < common; ++i) {
+        const long old = table.GetAt(first + i);
+        if (old != rows[static_cast<size_t>(i)]) {
+            table.AddAt(first + i, rows[static_cast<size_t>(i)] - old);
+            if (changedFrom < 0) changedFrom = start;
+            changedTo = start + rows[static_cast<size_t>(i)];
+        }
+        start += rows[static_cast<size_t>(i)];
+    }
+    for (long i = common; i < newCount; ++i) table.InsertAt(first + i, rows[static_cast<size_t>(i)]);
+    for (long i = common; i < oldCount; ++i) table.RemoveAt(first + common);
+    if (oldCount != newCount) {
+        // Rows came or went: everything below moved.
+        range->nStart = std::min(range->nStart, changedFrom < 0 ? start : changedFrom);
+        range->nEnd = POS_TO_END;
+    } else if (changedFrom >= 0) {
+        range->nStart = std::min(range->nStart, changedFrom);
+        range->nEnd = std::max(range->nEnd, changedTo);
+    }
+}
+
 }  // namespace
 
 void CZentrelCtrl::WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines,
@@ -256,16 +317,7 @@ void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, 
     run.oldLen = pTable->GetAt(run.line);
     run.unchanged = nLines;
 
-    // One width table for the whole run: wrapping never looks at the style of what it measures.
-    // On the screen it is the widest width of each byte over the edit font's faces; a printout
-    // measures in the font of the first byte's format.
-    const LONG* widths = m_WrapMetrics.m_aWidth;
-    if (!(dwOptions & OPT_SCREENMETRICS) && run.lineStart < docLen) {
-        CharFormat format;
-        GetCharFormat(text.At(run.lineStart), run.lineStart, dwOptions, &format);
-        if (const CFontMetrics* metrics = GetFontMetrics(format.dwFont)) widths = metrics->m_aWidth;
-    }
-    LineScanner scanner{*this, text, widths, Kinds(), nWidth, docLen, NextCollapseStart(run.lineStart)};
+    LineScanner scanner = ScannerFrom(*this, text, dwOptions, nWidth, run.lineStart);
 
     for (;;) {
         ScannedLine scanned = scanner.Scan(run.lineStart);
@@ -277,8 +329,7 @@ void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, 
 }
 
 void CZentrelCtrl::RewrapLines(long nPos, LayoutRange* pRange, long nLines) {
-    long width = GetOption(OPT_WORDWRAP) ? GetWrapWidth() : WIDTH_UNLIMITED;
-    WrapLines(m_Options, nPos, pRange, width, nLines, &m_Lines);
+    WrapLines(m_Options, nPos, pRange, BreakWidth(), nLines, &m_Lines);
 }
 
 BOOL CZentrelCtrl::FindCollapse(long nPos, long* pnStart, long* pnEnd) const {
@@ -286,3 +337,40 @@ BOOL CZentrelCtrl::FindCollapse(long nPos, long* pnStart, long* pnEnd) const {
 }
 
 long CZentrelCtrl::NextCollapseStart(long nPos) const { return m_CollapseRoot.NextStart(nPos); }
+
+long CZentrelCtrl::BreakWidth() { return GetOption(OPT_WORDWRAP) ? GetWrapWidth() : WIDTH_UNLIMITED; }
+
+// A row's layout depends only on the text from its start on (a collapsed block being one unit),
+// and its scan reads at most into the first character of the row after next. So the rows in
+// front of the row that holds the byte two in front of the change read nothing that changed, and
+// that row's start still stands. From there the rows are scanned anew until a new row start at
+// or behind the end of the new text meets an old row start moved by the change's size: from there
+// on the old rows are what a scan would give. The end of the text ends the scan too, and then a
+// final line feed is followed by an empty row, as in a whole layout.
+void CZentrelCtrl::RelayoutChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange) {
+    CTextReader text(m_pDoc);
+    const long docLen = text.Length();
+    if (docLen == 0) {
+        m_Lines.RemoveAll();
+        m_Lines.InsertAt(0, 0);
+        *pRange = {0, POS_TO_END};
+        return;
+    }
+    const long first = nPos < 2 ? 0 : std::max(0L, static_cast<long>(m_Lines.FindLine(nPos - 2)) - 1);
+    const long firstStart = m_Lines.GetLineStart(first);
+    LineScanner scanner = ScannerFrom(*this, text, m_Options, BreakWidth(), firstStart);
+    OldRows old{m_Lines, first, firstStart, nPos + nRemoved, nInserted - nRemoved};
+    std::vector<long> rows;
+    long pos = firstStart;
+    for (;;) {
+        const ScannedLine row = scanner.Scan(pos);
+        rows.push_back(row.newLen);
+        pos = row.scan;
+        if (pos >= docLen) break;
+        old.PassTo(pos);
+        if (old.StartsAt(pos)) break;
+    }
+    const bool toTheEnd = pos >= docLen;
+    if (toTheEnd && text.At(docLen - 1) == kLF) rows.push_back(0);
+    SpliceRows(m_Lines, first, toTheEnd ? m_Lines.m_nCount : old.index, rows, firstStart, pRange);
+}

@@ -23,3 +23,14 @@ void CZentrelCtrl::InvalidateGutter() {
     rc.right = std::min<LONG>(rc.right, m_nIndentSize);
     if (!rc.IsEmpty()) InvalidateControl(&rc);
 }
+
+// The gutter cell of the row that holds a position: where the selection's bracket has its box.
+void CZentrelCtrl::InvalidateGutterAt(long nPos) {
+    if (!HasWindow()) return;
+    const long line = nPos < m_Lines.m_nTotal ? m_Lines.FindLine(nPos) : m_Lines.m_nCount - 1;
+    RECT rc = m_rcClient;
+    rc.right = std::min<LONG>(rc.right, m_nIndentSize);
+    rc.top = std::max<LONG>(rc.top, (line - m_nTopLine) * m_nLineHeight);
+    rc.bottom = std::min<LONG>(rc.bottom, rc.top + m_nLineHeight);
+    if (!rc.IsEmpty()) InvalidateControl(&rc);
+}

@@ -30,6 +30,8 @@ const std::map<UINT, const char*>& StringTable() {
         {169, "No HTML document attached"},
         {173, "Bookmark index is out of range"},
         {178, "Collapsed text block"},
+        {179, "Inserting converted character"},
+        {180, "Replacing with converted character"},
         {181, "Line number"},
     };
     return table;

@@ -205,6 +205,34 @@ void AddMapping(Table& t) {
     });
 }
 
+// A method without arguments or result that runs one command of the control.
+void CommandMethod(Table& t, DISPID id, const char* name, void (CZentrelCtrl::*command)()) {
+    t.Method(id, name, 0, [command](CZentrelCtrl& c, Args&) {
+        (c.*command)();
+        return Nothing();
+    });
+}
+
+void AddEditing(Table& t) {
+    CommandMethod(t, 54, "Cut", &CZentrelCtrl::Cut);
+    CommandMethod(t, 55, "Copy", &CZentrelCtrl::Copy);
+    CommandMethod(t, 56, "Paste", &CZentrelCtrl::Paste);
+    CommandMethod(t, 60, "Undo", &CZentrelCtrl::DoUndo);
+    CommandMethod(t, 61, "Redo", &CZentrelCtrl::DoRedo);
+    t.Method(66, "SelectWordAtPos", 1, [](CZentrelCtrl& c, Args& a) {
+        c.SelectWordAtPos(ArgLong(a, 0));
+        return Nothing();
+    });
+    t.Method(67, "GetWordPosAtPos", 3, [](CZentrelCtrl& c, Args& a) {
+        long start = 0, end = 0;
+        c.GetWordPosAtPos(ArgLong(a, 0), &start, &end);
+        ArgSetOut(a, 1, Variant::Long(start));
+        ArgSetOut(a, 2, Variant::Long(end));
+        return Nothing();
+    });
+    t.Method(90, "GetMatchChar", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Long(c.GetMatchChar(ArgLong(a, 0))); });
+}
+
 const Table& ControlTable() {
     static const Table table = [] {
         Table t;
@@ -213,6 +241,7 @@ const Table& ControlTable() {
         AddFormats(t);
         AddDocument(t);
         AddMapping(t);
+        AddEditing(t);
         return t;
     }();
     return table;

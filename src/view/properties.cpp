@@ -26,8 +26,7 @@ void CZentrelCtrl::SetOption(DWORD mask, BOOL value) {
     if (mask == OPT_AUTOCONVERT) {
         // The converter is a toggle: a set to the state it has already does nothing.
         if (on == ((m_Options & mask) != 0)) return;
-        m_Options ^= mask;
-        FireEvent(EVENT_AUTOCONVERTTOGGLED, {});
+        ToggleAutoConvert();
         SetModifiedFlag();
         return;
     }
@@ -67,7 +66,7 @@ void CZentrelCtrl::OnOptionChanged(DWORD mask, BOOL on) {
             if (!on) Reformat(FALSE);
             break;
         case OPT_OVERWRITE:
-            if (m_bFocused) FireEvent(EVENT_EDITMODETOGGLED, {Variant::Bool(on)});
+            OnOverwriteChanged();
             break;
         case OPT_CODECOMPLETION:
             if (!on) m_bPickerOpen = 0;
@@ -298,7 +297,9 @@ void CZentrelCtrl::SetEditFontDispatch(IDispatch* font) {
 }
 
 void CZentrelCtrl::OnEditFontChanged() {
+    // A new edit font takes effect at once: the fonts are measured again (with them the tab
+    // width), and the text is wrapped anew in the new widths even where the width stays.
     RebuildFontCache();
-    if (HasWindow()) Reformat(TRUE);
+    if (HasWindow() && m_pDoc) Reformat(FALSE);
     SetModifiedFlag();
 }

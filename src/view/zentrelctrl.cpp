@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "platform/window/keys.h"
 #include "src/view/module.h"
 
 const CLSID CLSID_Zentrel = MakeGuid("{09D5F3E5-B21C-11D1-9B66-0000C0E4E6E4}");
@@ -114,8 +115,40 @@ LRESULT CZentrelCtrl::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
         case WM_KILLFOCUS: OnKillFocus(); return 0;
         case WM_VSCROLL: OnVScroll(LOWORD(wParam), HIWORD(wParam)); return 0;
         case WM_HSCROLL: OnHScroll(LOWORD(wParam), HIWORD(wParam)); return 0;
-        default: return COleControl::WindowProc(hwnd, message, wParam, lParam);
+        default: return OnInputMessage(message, wParam, lParam);
     }
+}
+
+// Keys, characters, the mouse and the drag selection's timer; the rest takes the default path.
+LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto flags = static_cast<UINT>(wParam);
+    const int x = GET_X_LPARAM(lParam), y = GET_Y_LPARAM(lParam);
+    const auto repeat = static_cast<UINT>(lParam & 0xFFFF), keyFlags = static_cast<UINT>((lParam >> 16) & 0xFFFF);
+    switch (message) {
+        case WM_PRETRANSLATEKEY: return PreTranslateMessage(MSG{m_hWnd, WM_KEYDOWN, wParam, lParam});
+        case WM_KEYDOWN:
+            if (OnKeyDown(flags, repeat, keyFlags)) return 0;
+            break;
+        case WM_CHAR: OnChar(flags, repeat, keyFlags); return 0;
+        case WM_IME_CHAR: return OnImeChar(wParam, lParam);
+        case WM_UNICHAR: OnUniChar(static_cast<char32_t>(wParam)); return 0;
+        case WM_GETSURROUNDINGTEXT: return OnGetSurroundingText(reinterpret_cast<SurroundingText*>(lParam));
+        case WM_LBUTTONDOWN: OnLButtonDown(flags, x, y); return 0;
+        case WM_LBUTTONUP: OnLButtonUp(flags, x, y); return 0;
+        case WM_LBUTTONDBLCLK: OnLButtonDblClk(flags, x, y); return 0;
+        case WM_MOUSEMOVE: OnMouseMove(flags, x, y); return 0;
+        case WM_MBUTTONDOWN: OnMButtonDown(flags, x, y); return 0;
+        case WM_RBUTTONDOWN: OnRButtonDown(flags, x, y); return 0;
+        case WM_NCLBUTTONDOWN: OnNcLButtonDown(); break;
+        case WM_TIMER:
+            if (wParam == kDragSelectTimer) {
+                OnDragSelectTimer();
+                return 0;
+            }
+            break;
+        default: break;
+    }
+    return COleControl::WindowProc(m_hWnd, message, wParam, lParam);
 }
 
 int CZentrelCtrl::OnCreate() {

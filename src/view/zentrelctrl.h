@@ -8,6 +8,7 @@
 
 #include "platform/com/propnotify.h"
 #include "platform/gdi/fontholder.h"
+#include "platform/window/keys.h"
 #include "platform/window/olecontrol.h"
 #include "src/annotations/bookmarkmanager.h"
 #include "src/annotations/collapsenode.h"
@@ -30,6 +31,10 @@ constexpr DISPID EVENT_ONOLEDRAGOVER = 3;
 constexpr DISPID EVENT_EDITMODETOGGLED = 4;
 constexpr DISPID EVENT_DOCUMENTCHANGED = 5;
 constexpr DISPID EVENT_AUTOCONVERTTOGGLED = 6;
+
+// Window timers of the control.
+constexpr UINT kCompletionTimer = 1;
+constexpr UINT kDragSelectTimer = 2;
 
 // Sentinels of positions and widths.
 constexpr long POS_TO_END = 0x7FFFFFFF;
@@ -91,6 +96,7 @@ public:
     void OnDestroy();
     LRESULT OnGetTextLength();
     LRESULT OnGetText(WPARAM size, char* buffer);
+    LRESULT OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
     // --- Document binding (src/document) ---
     BOOL AttachDocument(IDispatch* pDocument);
@@ -108,10 +114,15 @@ public:
     void OnTextChanged(long nAction, long nFirst, long nSecond);
     // Bytes a replacement took out, worked out from the table's total and the new length.
     long ReplacedBytes(long nFirst, long nSecond) const;
-    // Bytes a change put in or took out, whichever is more.
-    long MovedBytes(long nAction, long nFirst, long nSecond) const;
+    // Brings the table in step with nRemoved bytes at nPos replaced by nInserted.
+    void ApplyTextChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange);
     // Lays the whole text out anew after a large change; widens pRange to all below nFrom.
     void RelayoutAll(long nFrom, LayoutRange* pRange);
+    // Lays out anew the rows that a change of the text touched (nRemoved bytes at nPos replaced by
+    // nInserted), so that the table is what a whole layout of the new text gives.
+    void RelayoutChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange);
+    // The width the breaker wraps the view's text at: no limit without word wrap.
+    long BreakWidth();
     BOOL Reformat(BOOL bOnlyIfWidthChanged);
     long GetWrapWidth();
     void WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, CLineIndex* pTable);
@@ -168,6 +179,8 @@ public:
     void UpdateScrollBars(long nWidth, long nHeight);
     void OnVScroll(int nCode, int nPos);
     void OnHScroll(int nCode, int nPos);
+    // The farthest m_nLeftPixel can go: ColumnMax columns less the window's width.
+    long HScrollLimit() const;
     long GetVisibleLines() const;
     long GetScrollScale() const;
     void CreateViewCaret();
@@ -193,7 +206,86 @@ public:
     void PaintGutterMarks(LinePaint* pLine);
     void InvalidateRange(long nFrom, long nTo);
     void InvalidateGutter();
+    void InvalidateGutterAt(long nPos);
     struct RunPainter;
+
+    // --- Editing (src/edit) ---
+    // The modifier word of the moment: bit 0 Shift, bit 1 Ctrl.
+    static int Mods();
+    // Keys (keyrouting.cpp). PreTranslateMessage gives 1 for a key it claims ahead of the host;
+    // OnKeyDown gives FALSE for a key that falls through to the default handling.
+    LRESULT PreTranslateMessage(const MSG& msg);
+    BOOL OnKeyDown(UINT nChar, UINT nRepCnt, UINT nFlags);
+    // Caret movement (caretmove.cpp).
+    long PrevCharPos(long pos);
+    long NextCharPos(long pos);
+    void MoveCaret(long pos, int mods);
+    void CharLeft(int mods);
+    void CharRight(int mods);
+    void LineUp(int mods);
+    void LineDown(int mods);
+    void PageUp(int mods);
+    void PageDown(int mods);
+    void LineHome(int mods);
+    void LineEnd(int mods);
+    void MatchBracket(int mods);
+    void StepBack(int mods);
+    void StepForward(int mods);
+    // Deletion, undo and the two mode toggles (editcommands.cpp).
+    void Backspace(int mods);
+    void DeleteForward(int mods);
+    void SelectAll();
+    void DoUndo();
+    void DoRedo();
+    void ToggleOverwrite();
+    void ToggleAutoConvert();
+    // Typing (typing.cpp).
+    void OnChar(UINT nChar, UINT nRepCnt, UINT nFlags);
+    LRESULT OnImeChar(WPARAM wParam, LPARAM lParam);
+    // Input methods (inputmethod.cpp).
+    void OnUniChar(char32_t cp);
+    LRESULT OnGetSurroundingText(SurroundingText* pText);
+    // The mouse and the selection (mouse.cpp, selection.cpp).
+    void OnLButtonDown(UINT nFlags, int x, int y);
+    void OnLButtonUp(UINT nFlags, int x, int y);
+    void OnLButtonDblClk(UINT nFlags, int x, int y);
+    void OnMouseMove(UINT nFlags, int x, int y);
+    void OnMButtonDown(UINT nFlags, int x, int y);
+    void OnRButtonDown(UINT nFlags, int x, int y);
+    void OnNcLButtonDown();
+    void OnTripleClick(int x, int y);
+    void OnDragSelectTimer();
+    void DragSelectTo(int x, int y);
+    void EndDragSelect();
+    BOOL GutterBoxTakesClick(int x, int y);
+    void SetSelectionEnds(long active, long anchor);
+    void GetWordRange(long pos, long* pActive, long* pAnchor);
+    void GetTokenRange(long pos, long* pActive, long* pAnchor);
+    void SelectWordAtPos(long nPos);
+    void GetWordPosAtPos(long nPos, long* pnStart, long* pnEnd);
+    long GetMatchChar(long nPosition);
+    // Clipboard and text drags (clipboard.cpp).
+    void Cut();
+    void Copy();
+    void Paste();
+    BOOL BeginTextDrag(long nPos);
+
+    // --- Picker window (src/picker) ---
+    BOOL IsPickerVisible() const;
+    BOOL PickerHasCurrentRow() const;
+    void ShowPicker();
+    void HidePicker();
+    void AcceptPick();
+    // Hands a key message to the picker's window, so that its list moves instead of the caret.
+    void ForwardToPicker(const MSG& msg);
+
+    // --- Bookmarks and blocks reached from keys (src/annotations) ---
+    BOOL Collapse();
+    BOOL Expand(BOOL bOneLevel);
+    void GotoNumberedBookmark(int n);
+    BOOL ToggleNumberedBookmark(int n);
+    // The plus or minus box of a line in the gutter: TRUE if the click at (x, y) hit it and acted.
+    BOOL OnGutterBox(long nLine, int x, int y);
 
     // --- Code completion (src/edit) ---
     // Runs timer 1 in completion mode 1 and stops it in the others.
@@ -257,6 +349,8 @@ public:
     IDispatch* GetEditFontDispatch() const { return m_fontEdit.GetFontDispatch(); }
     void SetEditFontDispatch(IDispatch* font);
     void OnEditFontChanged();
+    // Makes the caret anew in the mode's width and tells the host, after Overwrite changed.
+    void OnOverwriteChanged();
 
     // Read access for tests and the host.
     const CLineIndex& Lines() const { return m_Lines; }
@@ -277,6 +371,12 @@ protected:
                       ExcepInfo* excep) override;
 
 private:
+    // The paths of a typed character (typing.cpp).
+    void OnControlChar(UINT nChar);
+    void TabKey(int mods);
+    void TypeEnter();
+    void TypeOvertype(BYTE ch);
+    void TypeInsert(BYTE ch);
     // Helpers of the option setters.
     void OnOptionChanged(DWORD mask, BOOL value);
     void CheckFormatIndex(SHORT nFormat, SCODE scode) const;
@@ -329,6 +429,7 @@ public:
     ISourceRange* m_pSelection = nullptr;
     DWORD m_dwSelCookie = 0;
     BOOL m_bMouseDown = FALSE;
+    BOOL m_bDragSelectTimer = FALSE;
 
     // Annotations and styles.
     CBookmarkManager m_Bookmarks;

@@ -3,50 +3,19 @@
 // checks of that picture. The picture stays in the build folder (e2e/) for people and CI to see.
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QStandardPaths>
-#include <fcntl.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdlib>
 #include <functional>
 #include <map>
 #include <string>
 
-#include "tests/e2e/childprocess.h"
+#include "tests/e2e/xdisplay.h"
 
 namespace {
 
-constexpr int kServerStartMs = 10000;
-constexpr int kEditorMs = 60000;  // generous: the sanitizer build starts slowly
-
-// Reads the display number that Xvfb writes once it accepts clients; -1 on failure or timeout.
-int ReadDisplayNumber(int fd) {
-    std::string text;
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kServerStartMs);
-    while (text.find('\n') == std::string::npos) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - std::chrono::steady_clock::now());
-        pollfd p{fd, POLLIN, 0};
-        if (left.count() <= 0 || poll(&p, 1, static_cast<int>(left.count())) <= 0) return -1;
-        char buffer[32];
-        const ssize_t n = read(fd, buffer, sizeof buffer);
-        if (n <= 0) return -1;
-        text.append(buffer, static_cast<size_t>(n));
-    }
-    char* end = nullptr;
-    const long number = std::strtol(text.c_str(), &end, 10);
-    return end != text.c_str() && number >= 0 ? static_cast<int>(number) : -1;
-}
-
-std::string ReadLog(const std::string& path) {
-    QFile file(QString::fromStdString(path));
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
-}
+using namespace e2e;
 
 // --- Reading the picture ---
 
@@ -114,43 +83,14 @@ QRect StatusLine(const QImage& image) {
     return QRect(0, top, image.width(), image.height() - top);
 }
 
-class EditorOnXDisplay : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (QStandardPaths::findExecutable("Xvfb").isEmpty()) GTEST_SKIP() << "Xvfb is not installed: no X display to test on";
-        ASSERT_TRUE(QDir().mkpath(ZENTREL_E2E_DIR));
-    }
-    static std::string Path(const char* name) { return std::string(ZENTREL_E2E_DIR) + "/" + name; }
-
-    // Starts a server on a display number that it chooses itself, so that tests running at the
-    // same time never collide.
-    int StartServer() {
-        int fds[2];
-        if (pipe2(fds, O_CLOEXEC) != 0) return -1;
-        const bool started = m_server.Start({"Xvfb", "-displayfd", std::to_string(CChild::kKeptFd), "-screen", "0", "1280x1024x24",
-                                             "-nolisten", "tcp"},
-                                            EnvironmentWith({}), Path("xvfb.log"), fds[1]);
-        close(fds[1]);
-        const int display = started ? ReadDisplayNumber(fds[0]) : -1;
-        close(fds[0]);
-        return display;
-    }
-
-    CChild m_server;
-};
-
 TEST_F(EditorOnXDisplay, ShowsTheSamplePageInSyntaxColoursWithGutterAndStatusLine) {
     const int display = StartServer();
     ASSERT_GE(display, 0) << "Xvfb did not start:\n" << ReadLog(Path("xvfb.log"));
 
     const std::string shot = Path("zentrel-edit-screenshot.png");
     QFile::remove(QString::fromStdString(shot));
-    // The private display has no session bus: saying so keeps the toolkit from looking for one.
     CChild editor;
-    ASSERT_TRUE(editor.Start({ZENTREL_EDIT, "--screenshot", shot},
-                             EnvironmentWith({"DISPLAY=:" + std::to_string(display), "QT_QPA_PLATFORM=xcb",
-                                              "DBUS_SESSION_BUS_ADDRESS=disabled:"}),
-                             Path("zentrel-edit.log")));
+    ASSERT_TRUE(editor.Start({ZENTREL_EDIT, "--screenshot", shot}, DisplayEnvironment(display), Path("zentrel-edit.log")));
     const CChild::Ending ending = editor.Wait(kEditorMs);
     ASSERT_TRUE(ending.finished) << "zentrel-edit did not finish within " << kEditorMs << " ms:\n"
                                  << ReadLog(Path("zentrel-edit.log"));
@@ -173,16 +113,17 @@ TEST_F(EditorOnXDisplay, ShowsTheSamplePageInSyntaxColoursWithGutterAndStatusLin
     const QRect gutterArea(0, rows.first, gutter, rows.second - rows.first);
     EXPECT_GT(CountIn(image, gutterArea, IsInk), 100) << "no line numbers in the gutter";
 
-    // The sample page's syntax colours, right of the gutter: blue tag names, magenta attribute
-    // names, green string values, the comment's grey band and the red band of the unknown tag.
+    // The sample page in the editor's own palette, right of the gutter: green tag names, brown
+    // attribute names, dark blue string values, grey comment text and the pale red band of the
+    // unknown tag.
     const QRect text(gutter, rows.first, image.width() - gutter, rows.second - rows.first);
     auto exactly = [](QRgb c) { return [c](QRgb px) { return px == (c | 0xFF000000); }; };
-    EXPECT_GT(CountIn(image, text, exactly(qRgb(0, 0, 255))), 200) << "no blue tag names";
-    EXPECT_GT(CountIn(image, text, exactly(qRgb(255, 0, 255))), 100) << "no magenta attributes";
-    EXPECT_GT(CountIn(image, text, exactly(qRgb(0, 128, 0))), 100) << "no green string values";
-    EXPECT_GT(LongestRun(image, text, qRgb(192, 192, 192)), 300) << "no grey comment band";
-    EXPECT_GT(LongestRun(image, text, qRgb(255, 0, 0)), 20) << "no red error band";
-    EXPECT_EQ(CountIn(image, gutterArea, exactly(qRgb(0, 0, 255))), 0) << "text spilled into the gutter";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x11, 0x63, 0x29))), 200) << "no green tag names";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x95, 0x38, 0x00))), 100) << "no brown attributes";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x0A, 0x30, 0x69))), 100) << "no dark blue string values";
+    EXPECT_GT(CountIn(image, text, exactly(qRgb(0x6E, 0x77, 0x81))), 100) << "no grey comments";
+    EXPECT_GT(LongestRun(image, text, qRgb(0xFF, 0xEB, 0xE9)), 20) << "no pale red error band";
+    EXPECT_EQ(CountIn(image, gutterArea, exactly(qRgb(0x11, 0x63, 0x29))), 0) << "text spilled into the gutter";
 
     // The status line below the view reports the page.
     const QRect status = StatusLine(image);

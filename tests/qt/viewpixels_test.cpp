@@ -21,6 +21,7 @@
 #include "platform/qt/qtwindow.h"
 #include "platform/window/paint.h"
 #include "src/view/zentrelctrl.h"
+#include "tests/qt/qtviewfixture.h"
 #include "tests/view/viewfixture.h"
 
 namespace {
@@ -108,18 +109,9 @@ bool HasInk(const QImage& image, const QRect& area, QRgb back) { return Distance
                                          << " on " << (b & 0xFFFFFF) << std::dec << " (depth " << along << ")";
 }
 
-class ViewPixels : public ::testing::Test {
+class ViewPixels : public QtViewFixture {
 protected:
-    ViewPixels() : m_pPrevious(SetPlatformBackend(&platform)) {}
-    ~ViewPixels() override {
-        if (ctrl) {
-            ctrl->SetDocument(nullptr);
-            ctrl->DestroyControlWindow();
-            ctrl->Release();
-        }
-        SetPlatformBackend(m_pPrevious);
-        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
-    }
+    ~ViewPixels() override { CloseView(); }
 
     // The control in a shown top-level window, over a reference document with `text` and its
     // own classification, or over a scripted one whose classes the test sets.
@@ -135,13 +127,7 @@ protected:
         Open(syntax.get());
         return *syntax;
     }
-    void Open(IDispatch* document) {
-        ctrl = CreateZentrelCtrl();
-        hwnd = CreateQtChildWindow(ctrl, nullptr, {0, 0, kWidth, kHeight});
-        ASSERT_NE(hwnd, nullptr);
-        QtWidgetFromHwnd(hwnd)->show();
-        ctrl->SetDocument(document);
-    }
+    void Open(IDispatch* document) { OpenView(document, kWidth, kHeight); }
 
     // The window's pixels as its viewport shows them, once what is invalid is painted.
     QImage Shot() {
@@ -188,12 +174,8 @@ protected:
         }
     }
 
-    CQtPlatform platform;
-    IPlatformBackend* m_pPrevious;
     ComPtr<CHtmlDocument> doc;
     std::unique_ptr<CScriptedSyntax> syntax;
-    CZentrelCtrl* ctrl = nullptr;
-    HWND hwnd = nullptr;
 };
 
 TEST_F(ViewPixels, ARealPageIsColouredAsItsClassesSay) {

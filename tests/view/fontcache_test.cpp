@@ -2,6 +2,7 @@
 // h pixels, an average width of h / 2, narrow and wide bytes, and one more pixel when bold.
 #include "platform/gdi/fontdispatch.h"
 #include "platform/gdi/fontobject.h"
+#include "platform/window/keys.h"
 #include "tests/view/viewfixture.h"
 
 namespace {
@@ -148,6 +149,43 @@ TEST_F(EditFontObject, ChangesThroughTheHandedOutObjectShowAtTheNextRebuild) {
     EXPECT_EQ(ctrl->FindFontMetrics(0)->m_tm.tmHeight, 14);
     ExcepInfo ex;
     EXPECT_EQ(PutProperty(font, "Size", Variant::Long(-3), &ex), DISP_E_EXCEPTION);
+}
+
+// Through the property and through the font object's notification alike, a new edit font is
+// measured and the text wrapped again at once, and the text at the top of the window stays there.
+TEST_F(EditFontObject, ANewEditFontIsMeasuredAndWrappedAtOnceAndKeepsTheTopText) {
+    std::string text;
+    for (int i = 0; i < 200; ++i) text += "row " + std::to_string(i) + " with\ttabs and words to wrap at the edge\n";
+    NewControl(400, 300, OPT_WORDWRAP);
+    doc = CreateHtmlDocument();
+    doc->SetText(text);
+    ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    ctrl->OnVScroll(SB_THUMBPOSITION, 150);
+    const long topPos = ctrl->Lines().GetLineStart(ctrl->GetTopLine());
+    struct Case {
+        long points, charWidth;
+        bool throughObject;
+    };
+    // 20 points: a 26-pixel cell, 13 a character; 8 points: 7, below the 9 of the gutter font.
+    for (const Case& c : {Case{20, 13, false}, Case{8, 9, true}, Case{20, 13, true}, Case{12, 9, false}}) {
+        FontDesc font = DefaultEditFont();
+        font.height = c.points * 10000;
+        if (c.throughObject) {
+            ctrl->m_fontEdit.FontRef() = font;
+            ctrl->OnEditFontChanged();
+        } else {
+            ctrl->SetEditFont(font);
+        }
+        EXPECT_EQ(ctrl->m_nCharWidth, c.charWidth) << c.points;
+        EXPECT_EQ(ctrl->m_nTabPixels, 5 * c.charWidth) << c.points;
+        CLineIndex fresh;
+        ctrl->WrapAll(ctrl->GetOptionsWord(), ctrl->GetWrapWidth(), &fresh);
+        ASSERT_EQ(ctrl->GetLineCount(), fresh.m_nCount) << c.points;
+        for (long i = 0; i < fresh.m_nCount; ++i) ASSERT_EQ(ctrl->Lines().GetAt(i), fresh.GetAt(i)) << c.points << " row " << i;
+        const long top = ctrl->GetTopLine();
+        EXPECT_LE(ctrl->Lines().GetLineStart(top), topPos) << c.points;
+        EXPECT_GT(ctrl->Lines().GetLineStart(top + 1), topPos) << c.points;
+    }
 }
 
 }  // namespace

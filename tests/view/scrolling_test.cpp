@@ -162,4 +162,39 @@ TEST_F(Scrolling, ScrollingToTheSamePlaceDoesNotTouchTheCaret) {
     EXPECT_EQ(Window().CaretChanges(), changes);
 }
 
+TEST_F(Scrolling, ARangeWithoutHorizontalMarginsScrollsOnlyAsFarAsItTakes) {
+    Open(Lines(100, std::string(100, 'a')));
+    ctrl->SetScrollMarginHorizontal(0);
+    ctrl->SetScrollByHorizontal(0);
+    ctrl->ScrollTo(50, 0);
+    // Two positions on lines 52 and 53, both in view: nothing moves.
+    ctrl->ScrollRangeIntoView(52 * 101 + 3, 53 * 101 + 5);
+    EXPECT_EQ(ctrl->GetTopLine(), 50);
+    EXPECT_EQ(ctrl->m_nLeftPixel, 0);
+    // The far end 20 pixels right of the 340-pixel view.
+    ctrl->ScrollRangeIntoView(52 * 101 + 3, 53 * 101 + 40);
+    EXPECT_EQ(ctrl->GetTopLine(), 50);
+    EXPECT_EQ(ctrl->m_nLeftPixel, 20);
+}
+
+TEST_F(Scrolling, AtTheRightEdgeOfTheDefaultColumnMaxARangeBringsTheTextBack) {
+    Open(Lines(30, std::string(100, 'a')));
+    ASSERT_EQ(ctrl->m_nColumnMax, 0x7FFFFFFF);
+    ctrl->OnHScroll(SB_RIGHT, 0);
+    ASSERT_EQ(ctrl->m_nLeftPixel, 0x7FFFFFFF);
+    // Near the start of a line and near its end, with the range in either order (the right
+    // rule applied last or first); the view follows, within the scroll range.
+    for (long column : {3L, 95L, 0L}) {
+        for (bool backwards : {true, false}) {
+            const long pos = 5 * 101 + column;
+            ctrl->OnHScroll(SB_RIGHT, 0);
+            ctrl->ScrollRangeIntoView(backwards ? pos + 1 : pos, backwards ? pos : pos + 1);
+            EXPECT_GE(ctrl->m_nLeftPixel, 0) << column << backwards;
+            EXPECT_LE(ctrl->m_nLeftPixel, column * 9) << column << backwards;
+            EXPECT_GT(ctrl->m_nLeftPixel + 340, column * 9) << column << backwards;
+            EXPECT_EQ(ctrl->GetTopLine(), 0) << column << backwards;
+        }
+    }
+}
+
 }  // namespace

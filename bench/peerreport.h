@@ -1,0 +1,38 @@
+// Figures of ours and of the peer component, printed as "name value unit" lines; each figure
+// of the peer gets its ratio to ours, put so that above 1 is better for us.
+#pragma once
+#include <map>
+#include <string>
+#include <vector>
+
+#include "bench/benchtools.h"
+
+namespace bench {
+
+// Figures of ours by name, for the ratios to the peer.
+inline std::map<std::string, double>& Ours() {
+    static std::map<std::string, double> figures;
+    return figures;
+}
+
+inline void Report(const std::string& name, double value, const char* unit) {
+    Ours()[name] = value;
+    Print(name, value, unit);
+}
+
+// The peer's figure for the same workload, with its ratio to ours, put so that above 1 is better
+// for us: the peer's time or memory over ours, or our throughput over the peer's.
+inline void ReportPeer(const std::string& name, double value, const char* unit) {
+    Print("peer_" + name, value, unit);
+    auto it = Ours().find(name);
+    if (it == Ours().end() || it->second <= 0 || value <= 0) return;
+    const bool throughput = std::string(unit) == "MB/s";
+    Print("ratio_" + name, throughput ? it->second / value : value / it->second, "x");
+}
+
+inline void ReportMedianAndP99(const std::string& name, const std::vector<double>& samples, const char* unit) {
+    Report(name + "_median", Percentile(samples, 0.5), unit);
+    Report(name + "_p99", Percentile(samples, 0.99), unit);
+}
+
+}  // namespace bench

@@ -1,0 +1,453 @@
+// Plays the behaviour cases of tests/edit/cases on a control in a window of the test backend,
+// over a reference document, with keys delivered as the Qt backend delivers them. The control is
+// alone in its window, so a Tab it does not claim comes back to it as a key and a character.
+//
+// Actions:
+//   key [Shift+][Ctrl+]Name    Left Right Up Down Home End PageUp PageDown Back Delete Insert Tab
+//                              Enter Escape Space Pause Plus Minus Comma Period RBracket, A..Z, 0..9
+//   keydown [Shift+][Ctrl+]Name  WM_KEYDOWN alone, as from a host that offers no key first
+//   type TEXT                  each byte as WM_CHAR
+//   char N                     WM_CHAR with code N
+//   ime 0xLLTT                 WM_IME_CHAR with lead and trail byte
+//   click POINT, shiftclick POINT, dblclick POINT, ctrldblclick POINT
+//                              POINT: @pos (just right of the position's left edge), x,y in
+//                              client pixels, gutter@pos (in the gutter on pos's row),
+//                              strip@pos (in the strip at the gutter's right edge), below
+//                              (10 pixels under the client area)
+//   press POINT, moveto POINT, release    a drag by hand: the button held, the mouse moved
+//   mbutton POINT, rbutton POINT
+//   wait MS                    the clock moves on (drag-selection passes run meanwhile)
+//   The left button is the physical right one with the setup line `swapbuttons`.
+//   call Name [ARG...]         an automation method with long arguments; `set Name V` a property
+//   focus, blur                the focus comes or goes
+// Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
+//   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
+//   mousedown 0|1, toprow N.
+// Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
+// `nowindow`, `swapbuttons`.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <sstream>
+
+#include "platform/testing/testplatform.h"
+#include "platform/testing/testwindow.h"
+#include "platform/window/input.h"
+#include "platform/window/keys.h"
+#include "tests/codepagescope.h"
+#include "tests/edit/editscript.h"
+#include "tests/view/viewtest.h"
+
+namespace {
+
+const std::map<std::string, int>& KeyNames() {
+    static const std::map<std::string, int> names = {
+        {"Left", VK_LEFT},       {"Right", VK_RIGHT},       {"Up", VK_UP},          {"Down", VK_DOWN},
+        {"Home", VK_HOME},       {"End", VK_END},           {"PageUp", VK_PRIOR},   {"PageDown", VK_NEXT},
+        {"Back", VK_BACK},       {"Delete", VK_DELETE},     {"Insert", VK_INSERT},  {"Tab", VK_TAB},
+        {"Enter", VK_RETURN},    {"Escape", VK_ESCAPE},     {"Space", VK_SPACE},    {"Pause", VK_PAUSE},
+        {"Plus", VK_OEM_PLUS},   {"Minus", VK_OEM_MINUS},   {"Comma", VK_OEM_COMMA}, {"Period", VK_OEM_PERIOD},
+        {"RBracket", VK_OEM_6},
+    };
+    return names;
+}
+
+const std::map<DISPID, std::string>& EventNames() {
+    static const std::map<DISPID, std::string> names = {
+        {EVENT_SELECTIONCHANGED, "SelectionChanged"}, {EVENT_EDITMODETOGGLED, "EditModeToggled"},
+        {EVENT_DOCUMENTCHANGED, "DocumentChanged"},   {EVENT_AUTOCONVERTTOGGLED, "AutoConvertToggled"},
+        {DISPID_KEYDOWN, "KeyDown"},
+    };
+    return names;
+}
+
+std::vector<std::string> Words(const std::string& s) {
+    std::istringstream in(s);
+    std::vector<std::string> words;
+    for (std::string w; in >> w;) words.push_back(w);
+    return words;
+}
+
+long Number(const std::string& s) { return std::stol(s, nullptr, 0); }
+
+class CEditPlayer {
+public:
+    explicit CEditPlayer(const EditCase& c) : m_case(c) {}
+    ~CEditPlayer() {
+        if (m_ctrl) {
+            m_ctrl->UnadviseEvents(m_cookie);
+            m_ctrl->DestroyControlWindow();
+        }
+        m_control = nullptr;
+        if (m_codePage) {
+            m_codePage.reset();
+            ZentrelApp().InitInstance();
+        }
+    }
+
+    void Run() {
+        Setup();
+        for (const EditStep& step : m_case.steps) {
+            SCOPED_TRACE(m_case.file + ":" + std::to_string(step.line) + ": " + step.verb + " " + step.rest);
+            if (m_nErrorsUnchecked && step.verb != "error") ADD_FAILURE() << "an automation error nobody expected";
+            Play(step);
+            if (::testing::Test::HasFatalFailure()) return;
+        }
+        EXPECT_EQ(m_nErrorsUnchecked, 0) << "an automation error nobody expected";
+    }
+
+private:
+    const std::string* SetupValue(const char* verb) const {
+        for (const EditStep& s : m_case.setup)
+            if (s.verb == verb) return &s.rest;
+        return nullptr;
+    }
+
+    void Setup() {
+        if (const std::string* cp = SetupValue("codepage")) {
+            m_codePage.emplace(static_cast<UINT>(Number(*cp)));
+            ZentrelApp().InitInstance();
+        }
+        m_control = MakeControlThroughFactory();
+        m_ctrl = AsControl(m_control.Get());
+        m_cookie = m_ctrl->AdviseEvents(&m_log);
+        // A fixed-pitch face, so that columns are the same on every row.
+        m_ctrl->SetEditFont({"Courier New", 100000, 400, 1});
+        if (const std::string* options = SetupValue("options")) SetProperties(*options);
+        LONG cx = 400, cy = 300;
+        if (const std::string* size = SetupValue("size")) {
+            const auto wh = Words(*size);
+            cx = Number(wh.at(0));
+            cy = Number(wh.at(1));
+        }
+        if (!SetupValue("nowindow")) m_ctrl->CreateControlWindow(nullptr, {100, 50, 100 + cx, 50 + cy});
+        if (const std::string* columns = SetupValue("wrapcolumns")) {
+            m_ctrl->SetOption(OPT_WORDWRAP, TRUE);
+            Window().SetClientSize(m_ctrl->GetIndentSize() + Number(*columns) * m_ctrl->m_nCharWidth + 1, cy);
+        }
+        if (const std::string* rows = SetupValue("rows")) Window().SetClientSize(cx, Number(*rows) * m_ctrl->m_nLineHeight);
+        m_platform->SetButtonsSwapped(SetupValue("swapbuttons") != nullptr);
+        const std::string* text = SetupValue("text");
+        const MarkedText start = ParseMarkedText(text ? *text : "");
+        if (!SetupValue("nodoc")) {
+            m_doc = CreateHtmlDocument();
+            m_doc->SetText(start.text);
+            m_ctrl->SetDocument(m_doc.Get());
+            m_ctrl->SetSelection(start.active, start.anchor);
+        }
+        if (!SetupValue("nofocus") && m_ctrl->HasWindow()) m_platform->MoveFocus(m_ctrl->GetSafeHwnd());
+        m_log.events.clear();
+        m_nEventsSeen = 0;
+        m_platform->ResetBeeps();
+    }
+
+    void SetProperties(const std::string& assignments) {
+        for (const std::string& a : Words(assignments)) {
+            const size_t eq = a.find('=');
+            ASSERT_NE(eq, std::string::npos) << a;
+            ExcepInfo ex;
+            const HRESULT hr = PutProperty(m_control.Get(), a.substr(0, eq).c_str(),
+                                           Variant::Long(static_cast<int32_t>(Number(a.substr(eq + 1)))), &ex);
+            ASSERT_TRUE(SUCCEEDED(hr)) << a;
+        }
+    }
+
+    CTestWindowBackend& Window() { return *TestWindow(m_ctrl->GetSafeHwnd()); }
+    HWND Hwnd() { return m_ctrl->GetSafeHwnd(); }
+
+    void Play(const EditStep& step) {
+        using Handler = void (CEditPlayer::*)(const std::string&);
+        static const std::map<std::string, Handler> handlers = {
+            {"key", &CEditPlayer::Key},          {"keydown", &CEditPlayer::KeyDown},
+            {"type", &CEditPlayer::Type},
+            {"char", &CEditPlayer::Char},        {"ime", &CEditPlayer::Ime},
+            {"click", &CEditPlayer::Click},      {"shiftclick", &CEditPlayer::ShiftClick},
+            {"dblclick", &CEditPlayer::DblClick}, {"ctrldblclick", &CEditPlayer::CtrlDblClick},
+            {"press", &CEditPlayer::Press},      {"moveto", &CEditPlayer::MoveTo},
+            {"release", &CEditPlayer::Release},  {"mbutton", &CEditPlayer::MButton},
+            {"rbutton", &CEditPlayer::RButton},  {"wait", &CEditPlayer::Wait},
+            {"call", &CEditPlayer::Call},        {"set", &CEditPlayer::Set},
+            {"focus", &CEditPlayer::Focus},      {"blur", &CEditPlayer::Blur},
+            {"expect", &CEditPlayer::Expect},    {"events", &CEditPlayer::Events},
+            {"beeps", &CEditPlayer::Beeps},      {"result", &CEditPlayer::Result},
+            {"error", &CEditPlayer::Error},      {"prop", &CEditPlayer::Prop},
+            {"undotitle", &CEditPlayer::UndoTitle}, {"caretwidth", &CEditPlayer::CaretWidth},
+            {"goalx", &CEditPlayer::GoalX},      {"mousedown", &CEditPlayer::MouseDown},
+            {"toprow", &CEditPlayer::TopRow},
+        };
+        auto it = handlers.find(step.verb);
+        ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
+        (this->*(it->second))(step.rest);
+    }
+
+    // --- Keys and characters ---
+
+    // A key as the Qt backend delivers it: offered first, then WM_KEYDOWN and the character.
+    void Key(const std::string& what) {
+        int mods = 0;
+        const int vk = ParseKey(what, &mods);
+        if (!vk) return;
+        PressModifiers(mods);
+        const LPARAM lp = 1;
+        if (SendMessage(Hwnd(), WM_PRETRANSLATEKEY, vk, lp) == 0) {
+            SendMessage(Hwnd(), WM_KEYDOWN, vk, lp);
+            if (const int c = KeyChar(vk, mods)) SendMessage(Hwnd(), WM_CHAR, c, lp);
+        }
+        PressModifiers(0);
+    }
+
+    void KeyDown(const std::string& what) {
+        int mods = 0;
+        const int vk = ParseKey(what, &mods);
+        if (!vk) return;
+        PressModifiers(mods);
+        SendMessage(Hwnd(), WM_KEYDOWN, vk, 1);
+        PressModifiers(0);
+    }
+
+    void PressModifiers(int mods) {
+        m_platform->SetKeyDown(VK_SHIFT, mods & 1);
+        m_platform->SetKeyDown(VK_CONTROL, mods & 2);
+    }
+
+    // [Shift+][Ctrl+]Name: the virtual key, 0 (and a failure) for an unknown one.
+    static int ParseKey(const std::string& what, int* mods) {
+        std::string name = what;
+        *mods = 0;
+        for (;;) {
+            if (name.rfind("Shift+", 0) == 0) {
+                *mods |= 1;
+                name = name.substr(6);
+            } else if (name.rfind("Ctrl+", 0) == 0) {
+                *mods |= 2;
+                name = name.substr(5);
+            } else {
+                break;
+            }
+        }
+        int vk = 0;
+        if (auto it = KeyNames().find(name); it != KeyNames().end())
+            vk = it->second;
+        else if (name.size() == 1 && std::isalnum(static_cast<unsigned char>(name[0])))
+            vk = std::toupper(static_cast<unsigned char>(name[0]));
+        EXPECT_NE(vk, 0) << "unknown key " << what;
+        return vk;
+    }
+
+    // The character a key types, as the toolkit gives it; 0 for none.
+    static int KeyChar(int vk, int mods) {
+        if (mods & 2) return vk >= 'A' && vk <= 'Z' ? vk - 'A' + 1 : 0;
+        if (vk == VK_RETURN) return '\r';
+        if (vk == VK_TAB) return '\t';
+        if (vk == VK_SPACE) return ' ';
+        if (vk >= 'A' && vk <= 'Z') return (mods & 1) ? vk : vk - 'A' + 'a';
+        if (vk >= '0' && vk <= '9') return vk;
+        return 0;
+    }
+
+    void Type(const std::string& text) {
+        for (char c : ParseMarkedText(text).text) SendMessage(Hwnd(), WM_CHAR, static_cast<unsigned char>(c), 1);
+    }
+    void Char(const std::string& code) { SendMessage(Hwnd(), WM_CHAR, static_cast<WPARAM>(Number(code)), 1); }
+    void Ime(const std::string& code) { SendMessage(Hwnd(), WM_IME_CHAR, static_cast<WPARAM>(Number(code)), 1); }
+
+    // --- The mouse ---
+
+    POINT PointOf(const std::string& what) {
+        if (what == "below") return {100, static_cast<LONG>(m_ctrl->m_rcClient.Height()) + 10};
+        const size_t at = what.find('@');
+        if (at == std::string::npos) {
+            const size_t comma = what.find(',');
+            return {static_cast<LONG>(Number(what.substr(0, comma))), static_cast<LONG>(Number(what.substr(comma + 1)))};
+        }
+        POINT pt;
+        m_ctrl->ClientPointFromPosition(Number(what.substr(at + 1)), &pt);
+        pt.y += 1;
+        const std::string where = what.substr(0, at);
+        const long gutterEdge = m_ctrl->GetIndentSize() - m_ctrl->m_nCharWidth;
+        if (where == "gutter")
+            pt.x = 2;
+        else if (where == "strip")
+            pt.x = gutterEdge - 1;
+        else
+            pt.x += 1;
+        return pt;
+    }
+
+    // The physical button behind the left (primary) one.
+    int PrimaryButton() const { return SetupValue("swapbuttons") ? VK_RBUTTON : VK_LBUTTON; }
+
+    void Button(UINT message, const std::string& what, int mods, bool held) {
+        const POINT pt = PointOf(what);
+        POINT screen = pt;
+        ClientToScreen(Hwnd(), &screen);
+        m_platform->SetCursorPos(screen);
+        PressModifiers(mods);
+        if (held) m_platform->SetKeyDown(PrimaryButton(), true);
+        WPARAM keys = (mods & 1 ? MK_SHIFT : 0) | (mods & 2 ? MK_CONTROL : 0) | (held ? MK_LBUTTON : 0);
+        SendMessage(Hwnd(), message, keys, MAKELPARAM(pt.x, pt.y));
+        PressModifiers(0);
+    }
+
+    // A click: down and up at one point, with time for the next click to count as a double one.
+    void ClickWith(const std::string& what, int mods) {
+        Button(WM_LBUTTONDOWN, what, mods, true);
+        m_platform->SetKeyDown(PrimaryButton(), false);
+        Button(WM_LBUTTONUP, what, mods, false);
+        m_platform->AdvanceClock(10);
+    }
+    void Click(const std::string& what) { ClickWith(what, 0); }
+    void ShiftClick(const std::string& what) { ClickWith(what, 1); }
+    void DblClickWith(const std::string& what, int mods) {
+        Button(WM_LBUTTONDBLCLK, what, mods, true);
+        m_platform->SetKeyDown(PrimaryButton(), false);
+        Button(WM_LBUTTONUP, what, mods, false);
+        m_platform->AdvanceClock(10);
+    }
+    void DblClick(const std::string& what) { DblClickWith(what, 0); }
+    void CtrlDblClick(const std::string& what) { DblClickWith(what, 2); }
+    void Press(const std::string& what) { Button(WM_LBUTTONDOWN, what, 0, true); }
+    void MoveTo(const std::string& what) { Button(WM_MOUSEMOVE, what, 0, m_platform->KeyState(PrimaryButton()) < 0); }
+    void Release(const std::string&) {
+        m_platform->SetKeyDown(PrimaryButton(), false);
+        POINT pt{};
+        GetCursorPos(&pt);
+        ScreenToClient(Hwnd(), &pt);
+        SendMessage(Hwnd(), WM_LBUTTONUP, 0, MAKELPARAM(pt.x, pt.y));
+    }
+    void MButton(const std::string& what) { Button(WM_MBUTTONDOWN, what, 0, false); }
+    void RButton(const std::string& what) { Button(WM_RBUTTONDOWN, what, 0, false); }
+    void Wait(const std::string& ms) { m_platform->AdvanceClock(static_cast<DWORD>(Number(ms))); }
+    void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
+    void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
+
+    // --- Automation ---
+
+    void Invoke(const std::string& name, WORD flags, std::vector<Variant> args) {
+        DISPID id;
+        ASSERT_EQ(m_control->GetIDsOfNames(name, &id), S_OK) << name;
+        m_excep = ExcepInfo();
+        m_result = Variant();
+        m_hr = m_control->Invoke(id, flags, args, &m_result, &m_excep);
+        if (m_hr == DISP_E_EXCEPTION) m_nErrorsUnchecked = 1;
+    }
+    void Call(const std::string& rest) {
+        const auto words = Words(rest);
+        m_outs.clear();
+        std::vector<Variant> args;
+        for (size_t i = 1; i < words.size(); ++i) {
+            if (words[i] == "out") {
+                m_outs.push_back(std::make_unique<int32_t>(0));
+                args.push_back(Variant::RefLong(m_outs.back().get()));
+            } else {
+                args.push_back(Variant::Long(static_cast<int32_t>(Number(words[i]))));
+            }
+        }
+        Invoke(words.at(0), DISPATCH_METHOD, args);
+    }
+    void Set(const std::string& rest) {
+        const auto words = Words(rest);
+        Invoke(words.at(0), DISPATCH_PROPERTYPUT, {Variant::Long(static_cast<int32_t>(Number(words.at(1))))});
+    }
+
+    // --- Checks ---
+
+    void Expect(const std::string& marked) {
+        ASSERT_TRUE(m_doc) << "no document";
+        const std::string actual =
+            FormatMarkedText(m_doc->GetText(), m_ctrl->GetSelectionStart(), m_ctrl->GetSelectionEnd());
+        const MarkedText want = ParseMarkedText(marked);
+        EXPECT_EQ(actual, FormatMarkedText(want.text, want.active, want.anchor));
+    }
+    void Events(const std::string& list) {
+        std::string actual;
+        for (size_t i = m_nEventsSeen; i < m_log.events.size(); ++i) {
+            const auto& e = m_log.events[i];
+            auto name = EventNames().find(e.id);
+            if (name == EventNames().end()) continue;
+            if (!actual.empty()) actual += ' ';
+            actual += name->second + "(";
+            for (size_t a = 0; a < e.args.size(); ++a) actual += (a ? "," : "") + std::to_string(e.args[a]);
+            actual += ")";
+        }
+        m_nEventsSeen = m_log.events.size();
+        EXPECT_EQ(actual, list == "none" ? "" : list);
+    }
+    void Beeps(const std::string& n) { EXPECT_EQ(m_platform->BeepCount(), Number(n)); }
+    // `result R` for a method's value; its out arguments follow: `result R OUT1 OUT2`, or
+    // `result - OUT1 OUT2` for a method without a value.
+    void Result(const std::string& expected) {
+        EXPECT_EQ(m_hr, S_OK) << m_excep.description;
+        const auto words = Words(expected);
+        ASSERT_EQ(words.size(), m_outs.size() + 1);
+        if (words[0] != "-") {
+            int32_t value = 0;
+            EXPECT_TRUE(m_result.ToLong(&value));
+            EXPECT_EQ(value, Number(words[0]));
+        }
+        for (size_t i = 0; i < m_outs.size(); ++i) EXPECT_EQ(*m_outs[i], Number(words[i + 1])) << "out " << i;
+    }
+    // `error CODE`, `error "TEXT"` or `error CODE "TEXT"`; "" is an error without a text.
+    void Error(const std::string& expected) {
+        EXPECT_EQ(m_hr, DISP_E_EXCEPTION);
+        m_nErrorsUnchecked = 0;
+        const size_t quote = expected.find('"');
+        const std::string code = expected.substr(0, quote);
+        if (!Words(code).empty())
+            EXPECT_EQ(static_cast<uint32_t>(m_excep.scode), static_cast<uint32_t>(0x800A0000 | Number(code)));
+        if (quote != std::string::npos) {
+            const size_t close = expected.rfind('"');
+            EXPECT_EQ(m_excep.description, expected.substr(quote + 1, close - quote - 1));
+        }
+    }
+    void Prop(const std::string& rest) {
+        const auto words = Words(rest);
+        int32_t value = 0;
+        GetProperty(m_control.Get(), words.at(0).c_str()).ToLong(&value);
+        EXPECT_EQ(value, Number(words.at(1))) << words[0];
+    }
+    void UndoTitle(const std::string& title) { EXPECT_EQ(m_doc->UndoTitle(), ParseMarkedText(title).text); }
+    void CaretWidth(const std::string& n) {
+        EXPECT_EQ(Window().CaretRect().Width(), n == "char" ? m_ctrl->m_nCharWidth : Number(n));
+    }
+    void GoalX(const std::string& n) { EXPECT_EQ(m_ctrl->m_nGoalX, Number(n)); }
+    void MouseDown(const std::string& n) { EXPECT_EQ(m_ctrl->m_bMouseDown, Number(n)); }
+    void TopRow(const std::string& n) { EXPECT_EQ(m_ctrl->GetTopLine(), Number(n)); }
+
+    const EditCase& m_case;
+    std::optional<CodePageScope> m_codePage;
+    CTestPlatformScope m_platform;
+    ComPtr<IDispatch> m_control;
+    CZentrelCtrl* m_ctrl = nullptr;
+    ComPtr<CHtmlDocument> m_doc;
+    CEventLog m_log;
+    DWORD m_cookie = 0;
+    size_t m_nEventsSeen = 0;
+    HRESULT m_hr = S_OK;
+    ExcepInfo m_excep;
+    Variant m_result;
+    int m_nErrorsUnchecked = 0;  // an error was raised and no `error` line looked at it
+    std::vector<std::unique_ptr<int32_t>> m_outs;
+};
+
+std::vector<EditCase> AllCases() { return ReadEditCases(ZENTREL_SOURCE_DIR "/tests/edit/cases"); }
+
+class EditBehaviour : public ::testing::TestWithParam<EditCase> {};
+
+TEST_P(EditBehaviour, Plays) {
+    CEditPlayer player(GetParam());
+    player.Run();
+}
+
+std::string CaseName(const ::testing::TestParamInfo<EditCase>& info) {
+    std::string name = info.param.file.substr(0, info.param.file.find('.')) + "_" + std::to_string(info.param.line);
+    for (char& c : name)
+        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, EditBehaviour, ::testing::ValuesIn(AllCases()), CaseName);
+
+}  // namespace

@@ -1,0 +1,161 @@
+// The line table after every change of the text against a whole layout of the same text: random
+// inserts, deletes and replacements of line ends (LF, CR LF, lone CR), tabs, spaces, hyphens,
+// long words and double-byte characters, with word wrap at several widths and without it.
+// ZENTREL_LONG_TESTS=1 runs many more edits.
+#include <cstdlib>
+#include <random>
+#include <sstream>
+
+#include "platform/codepage/codepage.h"
+#include "src/view/module.h"
+#include "tests/codepagescope.h"
+#include "tests/view/viewfixture.h"
+
+namespace {
+
+bool LongRun() {
+    const char* env = std::getenv("ZENTREL_LONG_TESTS");
+    return env && *env && std::string(env) != "0";
+}
+
+std::string Escaped(const std::string& text) {
+    std::string out;
+    for (unsigned char c : text) {
+        if (c == '\n') out += "\\n";
+        else if (c == '\r') out += "\\r";
+        else if (c == '\t') out += "\\t";
+        else if (c < 0x20 || c >= 0x80) out += "\\x" + std::string(1, "0123456789ABCDEF"[c >> 4]) + "0123456789ABCDEF"[c & 15];
+        else out += static_cast<char>(c);
+    }
+    return out;
+}
+
+struct Setting {
+    bool wrap;
+    LONG width;  // of the window; the 60-pixel gutter is not text
+    UINT codePage;
+};
+
+std::ostream& operator<<(std::ostream& os, const Setting& s) {
+    return os << (s.wrap ? "wrap" : "nowrap") << s.width << "_cp" << s.codePage;
+}
+
+class Relayout : public ViewFixture, public ::testing::WithParamInterface<Setting> {
+protected:
+    void SetUp() override {
+        SetProcessCodePage(GetParam().codePage);
+        ZentrelApp().InitInstance();
+        NewControl(GetParam().width, 200, GetParam().wrap ? OPT_WORDWRAP : 0);
+        doc = CreateHtmlDocument();
+        ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    }
+    void TearDown() override {
+        ViewFixture::TearDown();
+        SetProcessCodePage(1252);
+        ZentrelApp().InitInstance();
+    }
+
+    // Pieces of text that end rows in every way the breaker knows.
+    std::string Piece() {
+        static const char* const kPieces[] = {
+            "x", " ", "  ", "-", "\t", "\n", "\r\n", "\r", "\n\n", "word ", "a-b-", "ab\tcd",
+            "averyveryverylongwordthatisfarwiderthananyrowofthewindow", "<p class=\"x\">", " \r\n ",
+        };
+        static const char* const kDoubleByte[] = {"\x82\xA0", "\x82\xA0\x82\xA2\x82\xA4", "a\x88\x9F b"};
+        if (GetParam().codePage == 932 && rng() % 4 == 0) return kDoubleByte[rng() % std::size(kDoubleByte)];
+        std::string out;
+        for (unsigned n = 1 + rng() % 3; n > 0; --n) out += kPieces[rng() % std::size(kPieces)];
+        return out;
+    }
+    // A random position in the text on a character boundary.
+    long Boundary() {
+        const std::string text = doc->GetText();
+        const long target = static_cast<long>(rng() % (text.size() + 1));
+        long pos = 0;
+        while (pos < target) pos += IsLeadByte(static_cast<BYTE>(text[static_cast<size_t>(pos)])) ? 2 : 1;
+        return std::min<long>(pos, static_cast<long>(text.size()));
+    }
+    void RandomEdit() {
+        long a = Boundary(), b = Boundary();
+        if (a > b) std::swap(a, b);
+        // Most edits are short, as typing is; some take out or replace long stretches.
+        if (rng() % 4 != 0) b = std::min(b, a + static_cast<long>(rng() % 6));
+        while (b > a && b < doc->GetLength() && !OnBoundary(b)) ++b;
+        const std::string piece = Piece();
+        switch (rng() % 3) {
+            case 0: doc->InsertText(a, piece.data(), static_cast<long>(piece.size()), nullptr); break;
+            case 1: doc->DeleteText(a, b - a, nullptr); break;
+            default: doc->ReplaceText(a, b - a, piece.data(), static_cast<long>(piece.size()), nullptr); break;
+        }
+    }
+    bool OnBoundary(long pos) {
+        const std::string text = doc->GetText();
+        long p = 0;
+        while (p < pos) p += IsLeadByte(static_cast<BYTE>(text[static_cast<size_t>(p)])) ? 2 : 1;
+        return p == pos;
+    }
+    // An empty string when the table is what a whole layout of the text gives, else the first
+    // difference.
+    std::string DifferenceFromWholeLayout() {
+        CLineIndex fresh;
+        ctrl->WrapAll(ctrl->GetOptionsWord(), GetParam().wrap ? ctrl->GetWrapWidth() : WIDTH_UNLIMITED, &fresh);
+        const CLineIndex& lines = ctrl->Lines();
+        std::string why;
+        if (!lines.CheckInvariants(&why)) return why;
+        for (long i = 0; i < std::max(lines.m_nCount, fresh.m_nCount); ++i) {
+            const long have = i < lines.m_nCount ? lines.GetAt(i) : -1, want = i < fresh.m_nCount ? fresh.GetAt(i) : -1;
+            if (have != want)
+                return "row " + std::to_string(i) + " is " + std::to_string(have) + ", a whole layout gives " +
+                       std::to_string(want) + " (rows " + std::to_string(lines.m_nCount) + " and " +
+                       std::to_string(fresh.m_nCount) + ")";
+        }
+        return {};
+    }
+
+    std::mt19937 rng;
+};
+
+TEST_P(Relayout, TheTableAfterEveryChangeIsAWholeLayoutOfTheText) {
+    // A fixed seed per setting, so that a failure repeats; the long run tries new ones.
+    const Setting& s = GetParam();
+    const unsigned seed = LongRun() ? std::random_device{}() : s.codePage * 1000u + static_cast<unsigned>(s.width) + s.wrap;
+    rng.seed(seed);
+    const int texts = LongRun() ? 400 : 12, edits = LongRun() ? 400 : 120;
+    for (int t = 0; t < texts; ++t) {
+        std::string start;
+        for (unsigned n = rng() % 40; n > 0; --n) start += Piece();
+        doc->SetText(start);
+        ASSERT_EQ(DifferenceFromWholeLayout(), "") << "seed " << seed << ", set " << Escaped(start);
+        for (int e = 0; e < edits; ++e) {
+            const std::string before = doc->GetText();
+            RandomEdit();
+            ASSERT_EQ(DifferenceFromWholeLayout(), "")
+                << "seed " << seed << ", from " << Escaped(before) << " to " << Escaped(doc->GetText());
+        }
+    }
+}
+
+// The change that first showed the fault: a blank line and its neighbours' line ends replaced.
+TEST_P(Relayout, AReplacementAcrossABlankLineJoinsTheLines) {
+    doc->SetText("Hello\n\nWorld\n");
+    doc->ReplaceText(5, 2, "X", 1, nullptr);
+    EXPECT_EQ(DifferenceFromWholeLayout(), "");
+    // One row where the window is wide enough for it.
+    if (!GetParam().wrap || GetParam().width >= 260) {
+        ASSERT_EQ(ctrl->GetLineCount(), 2);
+        EXPECT_EQ(ctrl->Lines().GetAt(0), 12);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Settings, Relayout,
+                         ::testing::Values(Setting{false, 300, 1252}, Setting{true, 150, 1252},
+                                           Setting{true, 260, 1252}, Setting{true, 420, 1252},
+                                           Setting{false, 300, 932}, Setting{true, 170, 932},
+                                           Setting{true, 330, 932}),
+                         [](const ::testing::TestParamInfo<Setting>& info) {
+                             std::ostringstream os;
+                             os << info.param;
+                             return os.str();
+                         });
+
+}  // namespace
