@@ -142,6 +142,7 @@ public:
         long action = SA_REPLACE;
         EditKind kind = EditKind::Replace;
         CSourceRange* actor = nullptr;  // the range that edits its own text
+        const std::vector<CLoadMark>* made = nullptr;  // references made for the new text, marked
     };
     HRESULT Edit(const CEditArgs& args);
     // Makes several edits, in order and in positions current at each, as one undo step that is
@@ -173,9 +174,9 @@ private:
     HRESULT CheckSpan(long pos, long count) const;
     // Changes text, lines, tracked ranges and the marks of loading; no notification, no history.
     // `touched` gets the marks that the edit touched; undoing an edit passes them back as
-    // `restore`.
+    // `restore`. `made` marks references in the new text, at positions within it.
     void Apply(long pos, long oldCount, std::string_view text, std::vector<CLoadMark>* touched = nullptr,
-               const std::vector<CLoadMark>* restore = nullptr);
+               const std::vector<CLoadMark>* restore = nullptr, const std::vector<CLoadMark>* made = nullptr);
     void NotifyChange(long action, long start, long end);
     bool IsAdvised(ISourceTextSink* sink) const;
     HRESULT ResetText(std::string_view text, const char* busyText);

@@ -81,6 +81,16 @@ void CLoadMarks::Replace(long pos, long oldCount, long newCount, std::vector<CLo
     if (touched) *touched = std::move(taken);
 }
 
+void CLoadMarks::Insert(long pos, const std::vector<CLoadMark>& made) {
+    if (made.empty()) return;
+    // Behind the shift sequences that stay at pos, in front of the rest.
+    MoveGap(pos + 1);
+    for (CLoadMark mark : made) {
+        mark.pos = static_cast<int32_t>(pos + mark.pos);
+        m_front.push_back(mark);
+    }
+}
+
 void CLoadMarks::Restore(long pos, long oldCount, long newCount, const std::vector<CLoadMark>& touched) {
     TakeSpan(pos, oldCount);
     m_nLength += newCount - oldCount;

@@ -40,6 +40,8 @@ public:
     // Follows the undoing of such an edit: what is at or inside the span goes, and the marks that
     // the edit touched come back.
     void Restore(long pos, long oldCount, long newCount, const std::vector<CLoadMark>& touched);
+    // Adds marks for the text that an edit just put at pos, at positions within that text.
+    void Insert(long pos, const std::vector<CLoadMark>& made);
 
     // Calls f(mark) for every mark in order, with its position in the text.
     template <class F>

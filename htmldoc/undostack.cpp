@@ -49,6 +49,10 @@ void CUndoStack::AppendMarks(CEdit& last, const CEdit& next) {
         mark.pos = static_cast<int32_t>(mark.pos + shift);
         last.marks.push_back(mark);
     }
+    for (CLoadMark mark : next.made) {
+        mark.pos = static_cast<int32_t>(mark.pos + static_cast<long>(last.inserted.size()));
+        last.made.push_back(mark);
+    }
 }
 
 void CUndoStack::Record(std::vector<CEdit> edits, EditKind kind) {

@@ -9,6 +9,7 @@
 
 #include "htmldoc/htmldocument.h"
 #include "platform/codepage/iso2022jp.h"
+#include "platform/com/textdataobject.h"
 #include "platform/codepage/transcode.h"
 #include "tests/codepagescope.h"
 #include "tests/htmldoc/tempfolder.h"
@@ -211,6 +212,29 @@ TEST_F(RoundTrip, UndoingRandomEditsGivesTheFileBack) {
             EXPECT_EQ(Saved(doc.Get()), page.bytes);
         }
     }
+}
+
+// Text that an input method or the clipboard hands over as Unicode: a character that the code page
+// lacks is a reference in the text and the character in the saved file, and undo and redo take
+// it out and put it back.
+TEST_F(RoundTrip, ReferencesMadeForUnicodeInputSaveAsCharacters) {
+    CodePageScope scope(1252);
+    const std::string page = "<meta charset=utf-8><p>caf\xC3\xA9 &#9776;</p>";
+    auto doc = CreateHtmlDocument();
+    ASSERT_EQ(doc->LoadFile(Write("input.htm", page)), S_OK);
+    auto data = ComPtr<CDataObject>(new CDataObject);
+    data->SetData(CF_UNICODETEXT, std::string("\xE5\x65\x2C\x67\x00\x00", 6));  // 日本
+    const long at = static_cast<long>(doc->GetText().find("</p>"));
+    long inserted = 0;
+    ASSERT_EQ(doc->InsertData(at, 0, &inserted, data.Get(), nullptr), S_OK);
+    EXPECT_EQ(doc->GetText().substr(static_cast<size_t>(at), static_cast<size_t>(inserted)), "&#26085;&#26412;");
+    const std::string typed = "<meta charset=utf-8><p>caf\xC3\xA9 &#9776;\xE6\x97\xA5\xE6\x9C\xAC</p>";
+    EXPECT_EQ(Saved(doc.Get()), typed);
+    long caret = 0;
+    ASSERT_EQ(doc->Undo(nullptr, &caret), S_OK);
+    EXPECT_EQ(Saved(doc.Get()), page);
+    ASSERT_EQ(doc->Redo(nullptr, &caret), S_OK);
+    EXPECT_EQ(Saved(doc.Get()), typed);
 }
 
 }  // namespace
