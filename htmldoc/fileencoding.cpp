@@ -166,9 +166,11 @@ private:
         if (m_bJis) {
             m_chars.clear();
             if (DecodeCodePoints(ProcessEncoding(), text, &m_chars)) return m_jis.Write(m_chars, m_out, AppendCharacterReference);
-            // Let the transcoder say where the text does not read.
+            std::string scratch;  // only for the transcoder to say where the text does not read
+            m_result = Transcode(ProcessEncoding(), Utf8Encoding(), text, &scratch);
+        } else {
+            m_result = Transcode(ProcessEncoding(), m_to, text, &m_out, AppendCharacterReference);
         }
-        m_result = Transcode(ProcessEncoding(), m_bJis ? Utf8Encoding() : m_to, text, &m_out, AppendCharacterReference);
         if (m_result.nBadOffset != CTranscodeResult::npos) m_result.nBadOffset += offset;
     }
 

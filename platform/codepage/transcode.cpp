@@ -331,7 +331,6 @@ private:
             Good(decodable.substr(byte, bad.offset - byte), original.substr(byte, bad.offset - byte),
                  chars.substr(ch, bad.index - ch), name);
             m_sink.Undecodable(original.substr(bad.offset, bad.length), m_out);
-            ++m_result.nUnmappable;
             byte = bad.offset + bad.length;
             ch = bad.index + 1;
         }
@@ -427,7 +426,6 @@ private:
             } else {
                 flush();
                 m_sink.Undecodable(bytes.substr(i, 1), m_out);
-                ++m_result.nUnmappable;
             }
         }
         flush();
@@ -454,7 +452,6 @@ private:
                 m_sink.Inexact(bytes.substr(pos, 1), std::u32string_view(&control, 1), m_out);
             } else {
                 m_sink.Undecodable(bytes.substr(pos, 1), m_out);
-                ++m_result.nUnmappable;
             }
             ++pos;
         }
