@@ -1,5 +1,7 @@
 #include "platform/codepage/iso2022jp.h"
 
+#include <algorithm>
+
 #include "platform/codepage/iconvcodec.h"
 
 namespace {
@@ -44,20 +46,38 @@ void SplitIso2022Jp(std::string_view in, const std::function<void(const CJisPiec
     if (stretch < in.size()) piece({stretch, in.size() - stretch, set, false});
 }
 
-bool CIso2022JpWriter::Jis0208Of(char32_t ch, char bytes[2]) {
+namespace {
+
+// The pairs of JIS X 0208 for all the characters, each read back as itself, or false.
+bool Jis0208Pairs(std::u32string_view chars, std::string* pairs) {
     std::string euc;
     bool refused = false;
-    const char32_t one[1] = {ch};
-    IconvEncode("EUC-JP", std::u32string_view(one, 1), &euc, [&](size_t) { refused = true; });
-    if (refused || euc.size() != 2) return false;
-    for (int i = 0; i < 2; ++i) {
-        const auto b = static_cast<unsigned char>(euc[i]);
+    IconvEncode("EUC-JP", chars, &euc, [&](size_t) { refused = true; });
+    if (refused || euc.size() != 2 * chars.size()) return false;
+    for (char& c : euc) {
+        const auto b = static_cast<unsigned char>(c);
         if (b < 0xA1 || b > 0xFE) return false;
-        bytes[i] = static_cast<char>(b & 0x7F);
+        c = static_cast<char>(b & 0x7F);
     }
+    std::string high = euc;
+    for (char& c : high) c = static_cast<char>(c | 0x80);
     std::u32string back;
-    IconvDecode("EUC-JP", euc, &back, [&](size_t, size_t, bool) { refused = true; });
-    return !refused && back.size() == 1 && back[0] == ch;
+    IconvDecode("EUC-JP", high, &back, [&](size_t, size_t, bool) { refused = true; });
+    if (refused || back != chars) return false;
+    *pairs = std::move(euc);
+    return true;
+}
+
+bool IsJis0208Candidate(char32_t ch) { return !IsAsciiText(ch) && ch != 0xA5 && ch != 0x203E; }
+
+}  // namespace
+
+bool CIso2022JpWriter::Jis0208Of(char32_t ch, char bytes[2]) {
+    std::string pair;
+    if (!Jis0208Pairs(std::u32string_view(&ch, 1), &pair)) return false;
+    bytes[0] = pair[0];
+    bytes[1] = pair[1];
+    return true;
 }
 
 void CIso2022JpWriter::Shift(JisSet set, std::string& out) {
@@ -74,6 +94,25 @@ void CIso2022JpWriter::Shift(JisSet set, std::string& out) {
 
 void CIso2022JpWriter::Write(std::u32string_view chars, std::string& out, const UnmappableHandler& onUnmappable,
                              size_t* unmappable) {
+    // A run of characters that JIS X 0208 may hold goes to the converter in one piece; where one
+    // of them is not there, each of them on its own.
+    size_t run = 0;
+    while (run < chars.size()) {
+        size_t end = run;
+        while (end < chars.size() && IsJis0208Candidate(chars[end])) ++end;
+        std::string pairs;
+        if (end - run > 1 && Jis0208Pairs(chars.substr(run, end - run), &pairs)) {
+            Shift(JisSet::Jis0208, out);
+            out += pairs;
+        } else {
+            WriteEach(chars.substr(run, std::max<size_t>(end - run, 1)), out, onUnmappable, unmappable);
+        }
+        run = std::max(end, run + 1);
+    }
+}
+
+void CIso2022JpWriter::WriteEach(std::u32string_view chars, std::string& out, const UnmappableHandler& onUnmappable,
+                                 size_t* unmappable) {
     for (char32_t ch : chars) {
         char pair[2];
         if (IsAsciiText(ch)) {

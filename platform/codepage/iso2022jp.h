@@ -46,6 +46,8 @@ public:
     static bool Jis0208Of(char32_t ch, char bytes[2]);
 
 private:
+    void WriteEach(std::u32string_view chars, std::string& out, const UnmappableHandler& onUnmappable,
+                   size_t* unmappable);
     void Shift(JisSet set, std::string& out);
     JisSet m_set = JisSet::Ascii;
     bool m_bShiftedHere = false;
