@@ -110,8 +110,14 @@ bool DecodeIn(const CEncodingInfo& enc, std::string_view bytes, CDecodedFile* fi
 const CEncodingInfo* NamedEncoding(std::string_view bytes, const CDecodeOptions& options, EncodingSource* source) {
     const CEncodingInfo* named = options.forced;
     *source = EncodingSource::Host;
-    if (!named) named = PrescanMetaCharset(bytes), *source = EncodingSource::Declared;
-    if (!named) named = options.fallback, *source = EncodingSource::Default;
+    if (!named) {
+        named = PrescanMetaCharset(bytes);
+        *source = EncodingSource::Declared;
+    }
+    if (!named) {
+        named = options.fallback;
+        *source = EncodingSource::Default;
+    }
     return named && HasConverter(*named) ? named : nullptr;
 }
 
