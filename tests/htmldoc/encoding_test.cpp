@@ -197,15 +197,16 @@ TEST_F(EncodedFiles, UndecodableBytesAreKept) {
         const char* encoding;
         size_t undecodable;
         const char* text;  // the text, in code page 1252
+        EncodingSource source;
     } cases[] = {
-        {"overlong.htm", "<meta charset=utf-8><p>\xC0\xAF</p>", "UTF-8", 2, "<meta charset=utf-8><p>&#65533;&#65533;</p>"},
-        {"cut.htm", "\xEF\xBB\xBF<p>\xE6\x97", "UTF-8", 2, "<p>&#65533;&#65533;"},
-        {"odd.htm", std::string("\xFF\xFE<\0p", 5), "UTF-16LE", 1, "<&#65533;"},
-        {"lone.htm", std::string("\xFE\xFF\0<\xD8\x3D\0>", 8), "UTF-16BE", 2, "<&#65533;>"},
-        {"sjis.htm", "<meta charset=sjis><p>\x93\xFA\x85\x20</p>", "Shift_JIS", 1, "<meta charset=sjis><p>&#26085;&#65533; </p>"},
-        {"jis.htm", "<meta charset=iso-2022-jp>\x1B(\x1B(B", "ISO-2022-JP", 1, "<meta charset=iso-2022-jp>&#65533;("},
+        {"overlong.htm", "<meta charset=utf-8><p>\xC0\xAF</p>", "UTF-8", 2, "<meta charset=utf-8><p>&#65533;&#65533;</p>", EncodingSource::Declared},
+        {"cut.htm", "\xEF\xBB\xBF<p>\xE6\x97", "UTF-8", 2, "<p>&#65533;&#65533;", EncodingSource::ByteOrderMark},
+        {"odd.htm", std::string("\xFF\xFE<\0p", 5), "UTF-16LE", 1, "<&#65533;", EncodingSource::ByteOrderMark},
+        {"lone.htm", std::string("\xFE\xFF\0<\xD8\x3D\0>", 8), "UTF-16BE", 2, "<&#65533;>", EncodingSource::ByteOrderMark},
+        {"sjis.htm", "<meta charset=sjis><p>\x93\xFA\x85\x20</p>", "Shift_JIS", 1, "<meta charset=sjis><p>&#26085;&#65533; </p>", EncodingSource::Declared},
+        {"jis.htm", "<meta charset=iso-2022-jp>\x1B(\x1B(B", "ISO-2022-JP", 1, "<meta charset=iso-2022-jp>&#65533;(", EncodingSource::Declared},
         // A page that declares Big5 but is UTF-8 reads as UTF-8.
-        {"big5.htm", "<meta charset=big5><p>\xE6\x97\xA5\xE6\x9C\xAC</p>", "UTF-8", 0, "<meta charset=big5><p>&#26085;&#26412;</p>"},
+        {"big5.htm", "<meta charset=big5><p>\xE6\x97\xA5\xE6\x9C\xAC</p>", "UTF-8", 0, "<meta charset=big5><p>&#26085;&#26412;</p>", EncodingSource::Guessed},
     };
     CodePageScope cp(1252);
     for (const Case& c : cases) {
@@ -217,6 +218,7 @@ TEST_F(EncodedFiles, UndecodableBytesAreKept) {
         ASSERT_EQ(told.size(), 1u) << c.name;
         EXPECT_EQ(told[0].encoding, c.encoding) << c.name;
         EXPECT_EQ(told[0].nUndecodable, c.undecodable) << c.name;
+        EXPECT_EQ(told[0].source, c.source) << c.name;
     }
 }
 
