@@ -98,10 +98,11 @@ bool CEditorWindow::OpenFile(const QString& path) {
     }
     UpdateTitle();
     FitGutter();
-    OnControlEvent(0, QString("%1 bytes, %2 lines, %3")
+    OnControlEvent(0, QString("%1 bytes, %2 lines, %3, %4 undecodable bytes")
                           .arg(m_doc->GetLength())
                           .arg(m_pCtrl->GetLineCount())
-                          .arg(QString::fromStdString(m_doc->Encoding())));
+                          .arg(QString::fromStdString(m_doc->Encoding()))
+                          .arg(m_doc->LastLoad().nUndecodable));
     return true;
 }
 

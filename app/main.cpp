@@ -2,7 +2,8 @@
 // page when none is given) in a window with the control, and shows the control's events in the
 // status line. Without a display it renders the window to a PNG and says where it put it.
 //
-// Usage: zentrel-edit [--screenshot PNG] [FILE]
+// Usage: zentrel-edit [--screenshot PNG] [--codepage CP] [FILE]
+// The process code page is the one that holds the file's characters unless --codepage names one.
 // With --screenshot the editor shows its window, saves what the screen shows of it to PNG once
 // it is painted, and exits: a picture of the real window on a real display, for tests.
 #include <QApplication>
@@ -15,7 +16,9 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/codepagechoice.h"
 #include "app/editorwindow.h"
+#include "platform/codepage/codepage.h"
 
 namespace {
 
@@ -31,6 +34,7 @@ bool HasDisplay() {
 struct Arguments {
     QString file = DefaultDocument();
     QString screenshot;  // empty: run interactively
+    QString codePage;    // empty: the file's
 };
 
 // Reads the command line; false, with the reason on stderr, for one that makes no sense.
@@ -44,6 +48,8 @@ bool ParseArguments(const QStringList& args, Arguments* out) {
                 return false;
             }
             out->screenshot = args[++i];
+        } else if (arg == "--codepage" && i + 1 < args.size()) {
+            out->codePage = args[++i];
         } else if (arg.startsWith("--") || haveFile) {
             std::fprintf(stderr, "zentrel-edit: unexpected argument %s\nusage: zentrel-edit [--screenshot PNG] [FILE]\n",
                          qPrintable(arg));
@@ -93,6 +99,10 @@ int main(int argc, char** argv) {
     QApplication app(argc, argv);
     Arguments args;
     if (!ParseArguments(QApplication::arguments(), &args)) return 2;
+    if (const UINT cp = ChooseCodePage(ReadFileHead(args.file.toStdString()), args.codePage.toStdString()); !cp || !SetProcessCodePage(cp)) {
+        std::fprintf(stderr, "zentrel-edit: unknown code page %s\n", qPrintable(args.codePage));
+        return 2;
+    }
     CEditorWindow window;
     if (!window.OpenFile(args.file)) return 1;
     window.resize(1000, 800);

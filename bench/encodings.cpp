@@ -1,7 +1,10 @@
 // Figures of files in their own encodings, into code page 1252: loading a UTF-8 page of pure
 // ASCII, a UTF-8 page with some non-Latin text (every eighth paragraph starts with Japanese and
 // Greek words and a Latin word with an accent), the same page undeclared, and saving it back.
-// A windows-1252 page, which loads without conversion, is the baseline. Prints "name value unit".
+// A windows-1252 page, which loads without conversion, is the baseline. Then the cost of marking
+// what loading made, on a UTF-8 page of one million characters that code page 1252 lacks: its
+// load and save with the marks against the same work without them, and a keystroke in the middle
+// with and without the marks. Prints "name value unit".
 // Usage: bench_encodings [MEGABYTES]   (default 100)
 #include <algorithm>
 #include <chrono>
@@ -10,9 +13,11 @@
 #include <filesystem>
 #include <string>
 
+#include "bench/benchtools.h"
 #include "bench/htmlgen.h"
 #include "htmldoc/htmldocument.h"
 #include "platform/codepage/codepage.h"
+#include "platform/codepage/transcode.h"
 
 namespace {
 
@@ -89,6 +94,95 @@ void MeasureSave(const std::string& name, CHtmlDocument* doc, const std::string&
     Print("encodings_save_" + name, static_cast<double>(expected.size()) / (1 << 20) / seconds, "MB/s");
 }
 
+// Writes the stand-ins of loading as the document's loader does, but marks nothing.
+class CUnmarkedSink final : public CKeepSink {
+public:
+    void Unmappable(char32_t ch, std::string& out) override { out += "&#" + std::to_string(static_cast<uint32_t>(ch)) + ";"; }
+    void Undecodable(std::string_view, std::string& out) override { out += "&#65533;"; }
+    void Inexact(std::string_view, std::u32string_view chars, std::string& out) override {
+        for (char32_t ch : chars) Unmappable(ch, out);
+    }
+    void Shift(std::string_view, std::string&) override {}
+};
+
+// The fastest of a few runs of `work`, in seconds.
+template <class Work>
+double Fastest(Work work) {
+    double best = 1e9;
+    for (int run = 0; run < 3; ++run) {
+        const auto t0 = Clock::now();
+        work();
+        best = std::min(best, SecondsSince(t0));
+    }
+    return best;
+}
+
+double MedianKeystrokeMicros(CHtmlDocument* doc) {
+    const long middle = doc->GetLength() / 2;
+    std::vector<double> samples;
+    for (int i = 0; i < 2000; ++i) {
+        const auto t0 = Clock::now();
+        doc->InsertText(middle, "x", 1, nullptr);
+        doc->DeleteText(middle, 1, nullptr);
+        samples.push_back(bench::MicrosSince(t0));
+    }
+    return bench::Percentile(samples, 0.5);
+}
+
+void MeasureReferenceTracking() {
+    constexpr long kReferences = 1000000;
+    const std::string line = "<p>\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE6\x96\x87\xE7\xAB\xA0"
+                             "\xE3\x81\xA7\xE3\x81\x99\xE3\x80\x82\xE2\x98\xB0</p>\n";  // 10 characters
+    std::string page = "<!DOCTYPE html><meta charset=utf-8>\n";
+    for (long i = 0; i < kReferences / 10; ++i) page += line;
+    const double megabytes = static_cast<double>(page.size()) / (1 << 20);
+    SetProcessCodePage(1252);
+    CDecodedFile file;
+    const CDecodeOptions options;
+    const double marked = Fastest([&] { DecodeFileBytes(page, options, &file); });
+    std::string unmarkedText;
+    const double unmarked = Fastest([&] {
+        unmarkedText.clear();
+        CUnmarkedSink sink;
+        TranscodeKeeping(Utf8Encoding(), *EncodingOfCodePage(CP_ACP), page, &unmarkedText, sink);
+    });
+    if (unmarkedText != file.text || file.marks.Count() != static_cast<size_t>(kReferences)) {
+        std::fprintf(stderr, "the marked and unmarked loads differ\n");
+        std::exit(1);
+    }
+    Print("encodings_refs_count", static_cast<double>(file.marks.Count()), "references");
+    Print("encodings_refs_load_marked", megabytes / marked, "MB/s");
+    Print("encodings_refs_load_unmarked", megabytes / unmarked, "MB/s");
+    Print("encodings_refs_load_overhead", 100.0 * (marked - unmarked) / unmarked, "%");
+
+    // Saving the references through their marks, against writing the same characters from text
+    // that holds them (the page loaded under code page 932, where nothing is marked).
+    std::string bytes;
+    const double save = Fastest([&] { EncodeFileText(file.text, file.encoding, &file.marks, true, &bytes, nullptr); });
+    if (bytes != page) {
+        std::fprintf(stderr, "the saved page differs from the loaded one\n");
+        std::exit(1);
+    }
+    SetProcessCodePage(932);
+    CDecodedFile plain;
+    DecodeFileBytes(page, options, &plain);
+    const double saveUnmarked = Fastest([&] { EncodeFileText(plain.text, plain.encoding, nullptr, true, &bytes, nullptr); });
+    Print("encodings_refs_save_marked", megabytes / save, "MB/s");
+    Print("encodings_refs_save_unmarked_cp932", megabytes / saveUnmarked, "MB/s");
+    Print("encodings_refs_save_overhead", 100.0 * (save - saveUnmarked) / saveUnmarked, "%");
+
+    // A keystroke in the middle of the loaded page, with its million marks and without any.
+    SetProcessCodePage(1252);
+    const std::string path = WriteTemp("bench_refs.htm", page);
+    auto doc = CreateHtmlDocument();
+    doc->LoadFile(path);
+    std::remove(path.c_str());
+    Print("encodings_refs_keystroke_marked_median", MedianKeystrokeMicros(doc.Get()), "us");
+    auto bare = CreateHtmlDocument();
+    bare->SetText(file.text);
+    Print("encodings_refs_keystroke_unmarked_median", MedianKeystrokeMicros(bare.Get()), "us");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -104,5 +198,6 @@ int main(int argc, char** argv) {
     auto doc = MeasureLoad("utf8_nonlatin", declared);
     MeasureLoad("utf8_nonlatin_undeclared", mixed);
     MeasureSave("utf8_nonlatin", doc.Get(), declared);
+    MeasureReferenceTracking();
     return 0;
 }

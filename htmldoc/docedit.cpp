@@ -22,7 +22,15 @@ void CHtmlDocument::ReportSelection(const CSelectionMark& mark) {
     if (mark.range) mark.range->ReportIfMoved(mark.active, mark.anchor);
 }
 
-void CHtmlDocument::Apply(long pos, long oldCount, std::string_view text) {
+void CHtmlDocument::Apply(long pos, long oldCount, std::string_view text, std::vector<CLoadMark>* touched,
+                          const std::vector<CLoadMark>* restore, const std::vector<CLoadMark>* made) {
+    const auto newCount = static_cast<long>(text.size());
+    if (restore) {
+        m_marks.Restore(pos, oldCount, newCount, *restore);
+    } else {
+        m_marks.Replace(pos, oldCount, newCount, touched);
+        if (made) m_marks.Insert(pos, *made);
+    }
     // The lines read the new text before the buffer changes, in case it points into it.
     m_lines.Replace(pos, oldCount, text);
     m_text.Replace(pos, oldCount, text.data(), static_cast<long>(text.size()));
@@ -60,8 +68,9 @@ HRESULT CHtmlDocument::Edit(const CEditArgs& args) {
     // paste over the selection) leaves the caret behind the new text, as typing does.
     bool selectionCovered = m_pSelection && !args.actor && m_pSelection->GetStart() >= args.pos &&
                             m_pSelection->GetEnd() <= args.pos + args.oldCount;
-    CEdit record{args.pos, m_text.Substr(args.pos, args.oldCount), std::string(args.text)};
-    Apply(args.pos, args.oldCount, record.inserted);
+    CEdit record{args.pos, m_text.Substr(args.pos, args.oldCount), std::string(args.text), {}, {}};
+    if (args.made) record.made = *args.made;
+    Apply(args.pos, args.oldCount, record.inserted, &record.marks, nullptr, &record.made);
     long behind = args.pos + newCount;
     if (args.actor) args.actor->PlaceSilently(behind, behind);
     else if (selectionCovered) m_pSelection->PlaceSilently(behind, behind);
@@ -82,7 +91,7 @@ HRESULT CHtmlDocument::EditBlock(std::vector<CEdit> edits, EditKind kind, const 
     for (CEdit& e : edits) {
         long removed = static_cast<long>(e.removed.size());
         e.removed = m_text.Substr(e.pos, removed);
-        Apply(e.pos, removed, e.inserted);
+        Apply(e.pos, removed, e.inserted, &e.marks, nullptr, &e.made);
         span.Add(e.pos, removed, static_cast<long>(e.inserted.size()));
     }
     if (placeRanges) placeRanges();
@@ -114,6 +123,7 @@ HRESULT CHtmlDocument::InsertData(long pos, long replaceCount, long* insertedCou
     if (!data) return E_POINTER;
     if (HRESULT hr = CheckSpan(pos, replaceCount); FAILED(hr)) return hr;
     std::string bytes;
+    std::vector<CLoadMark> made;
     if (SUCCEEDED(data->QueryGetData(CF_TEXT)) || FAILED(data->QueryGetData(CF_UNICODETEXT))) {
         if (HRESULT hr = data->GetData(CF_TEXT, &bytes); FAILED(hr)) return hr;
         // Clipboard text runs to its first NUL.
@@ -121,11 +131,11 @@ HRESULT CHtmlDocument::InsertData(long pos, long replaceCount, long* insertedCou
     } else {
         std::string units;
         if (HRESULT hr = data->GetData(CF_UNICODETEXT, &units); FAILED(hr)) return hr;
-        bytes = TextFromUtf16Bytes(units);
+        bytes = TextFromUtf16Bytes(units, &made);
     }
     if (bytes.empty()) return S_FALSE;
     long action = replaceCount > 0 ? SA_REPLACE : SA_INSERT;
-    HRESULT hr = Edit({pos, replaceCount, bytes, action, EditKind::Paste});
+    HRESULT hr = Edit({pos, replaceCount, bytes, action, EditKind::Paste, nullptr, &made});
     if (SUCCEEDED(hr) && insertedCount) *insertedCount = static_cast<long>(bytes.size());
     return hr;
 }

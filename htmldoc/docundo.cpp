@@ -44,7 +44,7 @@ long CHtmlDocument::ReplayStep(const CUndoStep& step, bool undo) {
         const std::string& to = undo ? e.removed : e.inserted;
         long oldCount = static_cast<long>(from.size());
         long newCount = static_cast<long>(to.size());
-        Apply(e.pos, oldCount, to);
+        Apply(e.pos, oldCount, to, nullptr, undo ? &e.marks : nullptr, undo ? nullptr : &e.made);
         caret = e.pos + newCount;
         if (block) {
             span.Add(e.pos, oldCount, newCount);

@@ -93,13 +93,21 @@ public:
     // modified.
     HRESULT SetText(std::string_view text);
     // Reads the file in its encoding: a byte order mark, else `encoding` if one is given, else
-    // what the page declares, else the default encoding. On failure (the file cannot be read, or
-    // its bytes are no text of that encoding) the document keeps its text, path, modified flag
-    // and history, and `error` says why.
+    // what the page declares, else the default encoding, else a guess from its bytes. Bytes that
+    // read as no character are kept for the save. The load listener then hears what was chosen.
+    // On failure (the file cannot be read, or is too large) the document keeps its text, path,
+    // modified flag and history, and `error` says why.
     HRESULT LoadFile(const std::string& path, std::string* error = nullptr, std::string_view encoding = {});
-    // Writes the text in the document's encoding through a temporary file beside the target, so
-    // that a failed save leaves the old file whole. An empty path saves to the document's own path.
+    // Writes the text in the document's encoding, text that was not edited as the bytes it was
+    // read from, through a new file beside the target that replaces it once it is on the disk,
+    // so that a failed save leaves the old file whole. A symbolic link stays and its target is
+    // written; the file keeps its permissions. An empty path saves to the document's own path.
     HRESULT SaveFile(const std::string& path, std::string* error = nullptr);
+    // What the last load chose and kept; and a listener told of each load once it is done.
+    const CLoadReport& LastLoad() const { return m_lastLoad; }
+    void SetLoadListener(std::function<void(const CLoadReport&)> listener) { m_onLoad = std::move(listener); }
+    // The marks of what loading put in the text in place of the file's bytes.
+    const CLoadMarks& LoadMarks() const { return m_marks; }
     // The canonical name of the encoding the file was read in and will be written in ("UTF-8",
     // "windows-1252", "Shift_JIS", ...); before any load, the process code page's.
     std::string Encoding() const { return m_fileEncoding.Resolved().pszName; }
@@ -110,8 +118,8 @@ public:
     // encodings that have one.
     bool ByteOrderMark() const { return m_fileEncoding.bByteOrderMark; }
     void SetByteOrderMark(bool on);
-    // The encoding of files that declare none; empty: UTF-8 for files that read as UTF-8, else
-    // the process code page's. An empty label sets that; E_INVALIDARG for an unknown one.
+    // The encoding of files that declare none; empty: a guess from their bytes. An empty label
+    // sets that; E_INVALIDARG for an unknown one.
     std::string DefaultEncoding() const { return m_pDefaultEncoding ? m_pDefaultEncoding->pszName : ""; }
     HRESULT SetDefaultEncoding(std::string_view label);
     bool IsModified() const { return !m_undo.IsAtSaved(); }
@@ -134,6 +142,7 @@ public:
         long action = SA_REPLACE;
         EditKind kind = EditKind::Replace;
         CSourceRange* actor = nullptr;  // the range that edits its own text
+        const std::vector<CLoadMark>* made = nullptr;  // references made for the new text, marked
     };
     HRESULT Edit(const CEditArgs& args);
     // Makes several edits, in order and in positions current at each, as one undo step that is
@@ -163,8 +172,11 @@ private:
     void ReportSelection(const CSelectionMark& mark);
 
     HRESULT CheckSpan(long pos, long count) const;
-    // Changes text, lines and tracked ranges; no notification, no history.
-    void Apply(long pos, long oldCount, std::string_view text);
+    // Changes text, lines, tracked ranges and the marks of loading; no notification, no history.
+    // `touched` gets the marks that the edit touched; undoing an edit passes them back as
+    // `restore`. `made` marks references in the new text, at positions within it.
+    void Apply(long pos, long oldCount, std::string_view text, std::vector<CLoadMark>* touched = nullptr,
+               const std::vector<CLoadMark>* restore = nullptr, const std::vector<CLoadMark>* made = nullptr);
     void NotifyChange(long action, long start, long end);
     bool IsAdvised(ISourceTextSink* sink) const;
     HRESULT ResetText(std::string_view text, const char* busyText);
@@ -181,7 +193,11 @@ private:
     CUndoStack m_undo;
     std::string m_strPath;
     CFileEncoding m_fileEncoding;
+    const CEncodingInfo* m_pLoadedEncoding = nullptr;  // the marks' bytes are of this encoding
     const CEncodingInfo* m_pDefaultEncoding = nullptr;
+    CLoadMarks m_marks;
+    CLoadReport m_lastLoad;
+    std::function<void(const CLoadReport&)> m_onLoad;
     std::vector<ComPtr<ISourceTextSink>> m_sinks;
     std::vector<ComPtr<CSourceRange>> m_ranges;  // the tracking references
     CSourceRange* m_pSelection = nullptr;        // not counted; the range clears it when it goes

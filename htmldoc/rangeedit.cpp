@@ -89,7 +89,7 @@ HRESULT CSourceRange::Indent(bool indent) {
         long start = lines.LineStart(line);
         long width = indent ? 0 : UnindentWidth(text, start);
         if (!indent && width == 0) continue;
-        edits.push_back({start + shift, std::string(static_cast<size_t>(width), ' '), indent ? "\t" : ""});
+        edits.push_back({start + shift, std::string(static_cast<size_t>(width), ' '), indent ? "\t" : "", {}, {}});
         shift += indent ? 1 : -width;
     }
     // Ends at the start of a touched line stay at its start, so that the range keeps whole lines.

@@ -40,6 +40,21 @@ bool CUndoStack::CanMerge(const std::vector<CEdit>& edits, EditKind kind) const 
     return last.pos + static_cast<long>(last.inserted.size()) == edits.front().pos;
 }
 
+// The marks of `next`, an edit right behind `last`, join those of `last` in the positions from
+// before `last`. A shift sequence at the start of `next` is one that `last` touched already.
+void CUndoStack::AppendMarks(CEdit& last, const CEdit& next) {
+    const auto shift = static_cast<long>(last.removed.size()) - static_cast<long>(last.inserted.size());
+    for (CLoadMark mark : next.marks) {
+        if (mark.length == 0 && mark.pos == next.pos) continue;
+        mark.pos = static_cast<int32_t>(mark.pos + shift);
+        last.marks.push_back(mark);
+    }
+    for (CLoadMark mark : next.made) {
+        mark.pos = static_cast<int32_t>(mark.pos + static_cast<long>(last.inserted.size()));
+        last.made.push_back(mark);
+    }
+}
+
 void CUndoStack::Record(std::vector<CEdit> edits, EditKind kind) {
     ClearRedo();
     if (m_nDepth > 0) {
@@ -55,6 +70,7 @@ void CUndoStack::Record(std::vector<CEdit> edits, EditKind kind) {
     bool typing = kind == EditKind::Typing || kind == EditKind::Overtype;
     if (typing && CanMerge(edits, kind)) {
         CEdit& last = m_undo.back().edits.back();
+        AppendMarks(last, edits.front());
         last.removed += edits.front().removed;
         last.inserted += edits.front().inserted;
     } else {

@@ -5,11 +5,17 @@
 #include <string>
 #include <vector>
 
-// One replacement: at `pos`, `removed` made way for `inserted`.
+#include "htmldoc/loadmarks.h"
+
+// One replacement: at `pos`, `removed` made way for `inserted`; `marks` are the marks of loading
+// at or inside the removed span as they were before, which undoing the edit brings back, and
+// `made` those of references made for characters of `inserted`, at positions within it.
 struct CEdit {
     long pos = 0;
     std::string removed;
     std::string inserted;
+    std::vector<CLoadMark> marks;
+    std::vector<CLoadMark> made;
 };
 
 enum class EditKind { Insert, Delete, Replace, Typing, Overtype, Indent, Unindent, Paste, Group };
@@ -56,6 +62,7 @@ public:
 
 private:
     bool CanMerge(const std::vector<CEdit>& edits, EditKind kind) const;
+    static void AppendMarks(CEdit& last, const CEdit& next);
     void ClearRedo();
 
     std::vector<CUndoStep> m_undo;

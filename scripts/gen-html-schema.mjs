@@ -19,10 +19,15 @@ const packages = {
   'character-entities-legacy': '3.0.0',
   'color-name': '2.1.1',
   '@mdn/browser-compat-data': '8.1.9',
+  'svg-element-attributes': '2.2.0',
+  'svg-tag-names': '3.0.1',
+  'mathml-tag-names': '4.0.0',
+  'aria-attributes': '2.0.1',
 };
 
-const SOURCE = { html401: 1, current: 2, vendor: 3 };
-const sourceNames = { 1: 'HTML 4.01', 2: 'HTML Living Standard', 3: 'Vendor extension' };
+const SOURCE = { html401: 1, current: 2, vendor: 3, svg: 4, mathml: 5, rdfa: 6, xml: 7 };
+const sourceNames = { 1: 'HTML 4.01', 2: 'HTML Living Standard', 3: 'Vendor extension', 4: 'SVG', 5: 'MathML',
+  6: 'RDFa 1.1', 7: 'XML' };
 
 function install() {
   const dir = mkdtempSync(join(tmpdir(), 'zentrel-schema-'));
@@ -50,6 +55,10 @@ async function load(dir) {
     legacyEntities: (await esm('character-entities-legacy/index.js')).characterEntitiesLegacy,
     colors: (await esm('color-name/index.js')).default,
     bcd: json('@mdn/browser-compat-data/data.json'),
+    svgAttributes: (await esm('svg-element-attributes/index.js')).svgElementAttributes,
+    svgTags: (await esm('svg-tag-names/index.js')).svgTagNames,
+    mathmlTags: (await esm('mathml-tag-names/index.js')).mathmlTagNames,
+    ariaAttributes: (await esm('aria-attributes/index.js')).ariaAttributes,
   };
 }
 
@@ -122,20 +131,48 @@ function build(d) {
   const tags = [];
   const globals = new Map();
   for (const [name, web] of webGlobals) globals.set(name, attrRecord('*', name, web));
-  for (const name of d.elementAttributes['*']) if (!globals.has(name)) globals.set(name, attrRecord('*', name, null));
+  for (const name of [...d.elementAttributes['*'], ...d.ariaAttributes]) if (!globals.has(name)) globals.set(name, attrRecord('*', name, null));
+  const plainRecord = (name, source, description) => [name, /(^|:)href$/.test(name) ? extra.T.url : extra.T.string, source, '', description];
+  for (const [name, description] of Object.entries(extra.rdfaAttributes)) if (!globals.has(name)) globals.set(name, plainRecord(name, SOURCE.rdfa, description));
+  for (const [name, description] of Object.entries(extra.xmlAttributes)) globals.set(name, plainRecord(name, SOURCE.xml, description));
+  const foreign = foreignRoots(d, plainRecord);
+  // A tag keeps its own record of an attribute that RDFa lets every element take (rel, content).
+  const isGlobal = (name) => globals.has(name) && !(name in extra.rdfaAttributes);
   tags.push(['*', 0, 'Attributes that every element takes.', [...globals.values()]]);
   for (const name of [...tagNames].sort()) {
     const web = webTags.get(name);
     const description = plain(web?.description) || extra.tagDescriptions[name] || '';
     if (!description) missing.push(name);
     const attrs = new Map();
-    for (const a of web?.attributes ?? []) if (!globals.has(a.name)) attrs.set(a.name, attrRecord(name, a.name, a));
+    for (const a of web?.attributes ?? []) if (!isGlobal(a.name)) attrs.set(a.name, attrRecord(name, a.name, a));
     for (const a of [...(d.elementAttributes[name] ?? []), ...(extra.extraAttributes[name] ?? [])])
-      if (!attrs.has(a) && !globals.has(a)) attrs.set(a, attrRecord(name, a, null));
+      if (!attrs.has(a) && !isGlobal(a)) attrs.set(a, attrRecord(name, a, null));
+    for (const record of foreign.get(name) ?? []) if (!attrs.has(record[0]) && !globals.has(record[0])) attrs.set(record[0], record);
     tags.push([name, tagSource(name), description, [...attrs.values()].sort((x, y) => x[0].localeCompare(y[0]))]);
   }
   if (missing.length) throw new Error(`no description for: ${missing.join(' ')}`);
   return { tags, sets, usedSets };
+}
+
+// The attributes of the roots of inline SVG and MathML, <svg> and <math>, which HTML lists among
+// its own elements: those of the root and those of every element of its language. Names are
+// kept in lower case, as HTML compares them. Inside the roots any name goes.
+function foreignRoots(d, plainRecord) {
+  // Keys of the compatibility data with an underscore name features, not attributes.
+  const lower = (names) => names.map((n) => n.toLowerCase()).filter((n) => !n.includes('_'));
+  const bcdKeys = (o) => lower(Object.keys(o ?? {}));
+  if (!d.svgTags.includes('svg') || !d.mathmlTags.includes('math')) throw new Error('the SVG and MathML data lack their roots');
+  const roots = new Map();
+  const add = (root, names, source, description) => {
+    const records = roots.get(root) ?? new Map();
+    for (const name of names) if (!records.has(name)) records.set(name, plainRecord(name, source, description));
+    roots.set(root, records);
+  };
+  add('svg', [...lower(d.svgAttributes.svg), ...bcdKeys(d.bcd.svg.elements.svg)], SOURCE.svg, 'An attribute of the SVG root element.');
+  add('svg', [...lower(d.svgAttributes['*']), ...bcdKeys(d.bcd.svg.global_attributes)], SOURCE.svg, 'An attribute that every SVG element takes.');
+  add('math', bcdKeys(d.bcd.mathml.elements.math), SOURCE.mathml, 'An attribute of the MathML root element.');
+  add('math', bcdKeys(d.bcd.mathml.global_attributes), SOURCE.mathml, 'An attribute that every MathML element takes.');
+  return new Map([...roots].map(([root, records]) => [root, [...records.values()]]));
 }
 
 function emit(d, schema) {

@@ -111,6 +111,30 @@ export const openValueSets = ['target', 'sb', 'inputautocomplete', 'autocomplete
   'relevant', 'dropeffect', 'et', 'scriptLanguage', 'im'];
 
 // Attributes of vendor tags that no data set lists.
+// Attributes of XML that XHTML pages and inline SVG and MathML carry; every element takes them.
+export const xmlAttributes = {
+  'xml:lang': "The language of the element's content, as XML says it; in HTML the lang attribute says the same.",
+  'xml:space': "Whether white space in the element's content is kept as written (preserve) or not (default).",
+  'xml:base': 'The base URL of the relative URLs inside the element, as XML says it.',
+  xmlns: 'The namespace of the element: http://www.w3.org/1999/xhtml for XHTML, http://www.w3.org/2000/svg for SVG, http://www.w3.org/1998/Math/MathML for MathML.',
+  'xmlns:xlink': 'Binds the xlink prefix to http://www.w3.org/1999/xlink, for xlink:href.',
+};
+
+// The attributes of RDFa 1.1, which no maintained data set lists; every element takes them.
+export const rdfaAttributes = {
+  about: 'The subject that the statements of the element are about, as a URL or compact URI (RDFa).',
+  content: 'A plain value for the property of the element, in place of its text (RDFa).',
+  datatype: 'The data type of the value of the property, such as xsd:date (RDFa).',
+  inlist: 'Collects the values of the property into an ordered list (RDFa).',
+  prefix: 'Binds prefixes of compact URIs to URLs for the element and its content, as "dc: http://purl.org/dc/terms/" (RDFa).',
+  property: 'The properties, as compact URIs, that the element gives a value for (RDFa).',
+  rel: 'The relations, as compact URIs, from the subject to the resource of the element (RDFa).',
+  resource: 'The resource, as a URL or compact URI, that the relations of the element point at (RDFa).',
+  rev: 'The relations, as compact URIs, from the resource of the element back to the subject (RDFa).',
+  typeof: 'The types, as compact URIs, of a new resource that the element describes (RDFa).',
+  vocab: 'The vocabulary whose terms the properties and types inside the element are taken from (RDFa).',
+};
+
 export const extraAttributes = {
   bgsound: ['src', 'loop', 'balance', 'volume'],
   spacer: ['type', 'size', 'width', 'height', 'align'],

@@ -26,7 +26,7 @@ bool DecodeToUtf32(UINT codePage, std::string_view in, std::u32string* out, Conv
         return true;
     }
     return IconvDecode(IconvNameOfCodePage(codePage), in, out,
-                       [&](size_t offset, bool) { CountUnmappable(result, offset); });
+                       [&](size_t offset, size_t, bool) { CountUnmappable(result, offset); });
 }
 
 class CEncoder {

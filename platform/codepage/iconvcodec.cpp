@@ -75,8 +75,8 @@ void Unshift(iconv_t cd, Emit emit) {
 }
 
 // Runs the converter over `in`, handing each piece of output to `emit`. At an input position that
-// the converter refuses, the shift state is closed, `refused(offset, incomplete)` is called and
-// `skip` bytes are stepped over. The output ends in the initial shift state. False on any other
+// the converter refuses, the shift state is closed, `refused(offset, length, incomplete)` is
+// called and `length` bytes (`skip`, or what is left) are stepped over. The output ends in the initial shift state. False on any other
 // error.
 template <class Emit, class Refused>
 bool Run(iconv_t cd, std::string_view in, size_t skip, Emit emit, Refused refused) {
@@ -92,8 +92,8 @@ bool Run(iconv_t cd, std::string_view in, size_t skip, Emit emit, Refused refuse
         if (r != static_cast<size_t>(-1) || err == E2BIG) continue;
         if (err != EILSEQ && err != EINVAL) return false;
         Unshift(cd, emit);
-        refused(static_cast<size_t>(inp - in.data()), err == EINVAL);
         const size_t step = std::min(skip, inLeft);
+        refused(static_cast<size_t>(inp - in.data()), step, err == EINVAL);
         inp += step;
         inLeft -= step;
     }
@@ -117,15 +117,15 @@ bool IconvAvailable(const char* name) {
     return Converter(name, true) && Converter(name, false);
 }
 
-bool IconvDecode(const char* name, std::string_view in, std::u32string* out, const IconvBadInput& bad) {
+bool IconvDecode(const char* name, std::string_view in, std::u32string* out, const IconvBadInput& bad, size_t unit) {
     CConverter* conv = Converter(name, true);
     if (!conv || !out) return false;
     const size_t before = out->size();
     const bool ok = Run(
-        conv->Reset(), in, 1, [&](const char* bytes, size_t n) { AppendUtf32Le(*out, bytes, n); },
-        [&](size_t offset, bool incomplete) {
+        conv->Reset(), in, unit, [&](const char* bytes, size_t n) { AppendUtf32Le(*out, bytes, n); },
+        [&](size_t offset, size_t length, bool incomplete) {
             *out += U'\uFFFD';
-            if (bad) bad(offset, incomplete);
+            if (bad) bad(offset, length, incomplete);
         });
     if (!ok) out->resize(before);
     return ok;
@@ -139,7 +139,7 @@ bool IconvEncode(const char* name, std::u32string_view in, std::string* out,
     const std::string bytes = ToUtf32Le(in);
     const bool ok = Run(
         conv->Reset(), bytes, 4, [&](const char* chunk, size_t n) { out->append(chunk, n); },
-        [&](size_t offset, bool) {
+        [&](size_t offset, size_t, bool) {
             if (unmappable) unmappable(offset / 4);
         });
     if (!ok) out->resize(before);

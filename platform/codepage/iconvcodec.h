@@ -14,12 +14,13 @@ const char* IconvNameOfCodePage(UINT codePage);
 // Whether the C library can convert both ways between `name` and Unicode.
 bool IconvAvailable(const char* name);
 
-// Appends the characters of `in` to `out`. A byte that begins no character becomes U+FFFD,
-// reported to `bad` with its offset, and decoding goes on at the next byte; `incomplete` is true
-// where the input ends inside a character. False if there is no such converter; `out` then holds
-// what it held before.
-using IconvBadInput = std::function<void(size_t offset, bool incomplete)>;
-bool IconvDecode(const char* name, std::string_view in, std::u32string* out, const IconvBadInput& bad);
+// Appends the characters of `in` to `out`. A code unit that begins no character (`unit` bytes:
+// 2 for UTF-16, else 1) becomes U+FFFD, reported to `bad` with its offset and length, and decoding
+// goes on behind it; `incomplete` is true where the input ends inside a character. False if there
+// is no such converter; `out` then holds what it held before.
+using IconvBadInput = std::function<void(size_t offset, size_t length, bool incomplete)>;
+bool IconvDecode(const char* name, std::string_view in, std::u32string* out, const IconvBadInput& bad,
+                 size_t unit = 1);
 
 // Appends the encoding of `in` to `out`. For each character the code page cannot hold,
 // `unmappable(index)` is called at the point where its bytes would go. False as above.

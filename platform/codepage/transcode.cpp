@@ -7,6 +7,7 @@
 
 #include "platform/codepage/cp1252.h"
 #include "platform/codepage/iconvcodec.h"
+#include "platform/codepage/iso2022jp.h"
 #include "platform/codepage/leadbyte.h"
 #include "platform/codepage/unicode.h"
 
@@ -52,6 +53,23 @@ size_t RunEnd(const CEncodingInfo& enc, std::string_view in, size_t pos) {
     return pos;
 }
 
+// Copies the ASCII stretches of `in` to `out` as they are (where `asciiThrough` allows) and hands
+// each run of other text to convert(run, offset, last) while `going()` holds.
+template <class Convert, class Going>
+void ForEachRun(const CEncodingInfo& from, bool asciiThrough, std::string_view in, std::string& out, Convert convert,
+                Going going) {
+    size_t pos = 0;
+    while (pos < in.size() && going()) {
+        const size_t ascii = asciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
+        out.append(in.data() + pos, ascii);
+        pos += ascii;
+        if (pos == in.size()) break;
+        const size_t end = asciiThrough ? RunEnd(from, in, pos) : in.size();
+        convert(in.substr(pos, end - pos), pos, end == in.size());
+        pos = end;
+    }
+}
+
 // ISO-2022-JP shifts with escape sequences: an escape character is not ASCII text there.
 bool IsIso2022Jp(const CEncodingInfo& enc) { return enc.pszIconv && std::string_view(enc.pszIconv) == "ISO-2022-JP"; }
 
@@ -66,17 +84,13 @@ public:
 
     CTranscodeResult Run(std::string_view in, std::string& out) {
         out.reserve(out.size() + in.size() + in.size() / 8);
-        size_t pos = 0;
-        while (pos < in.size() && m_result.Ok()) {
-            const size_t ascii = m_bAsciiThrough ? AsciiLength(in.data() + pos, in.size() - pos) : 0;
-            out.append(in.data() + pos, ascii);
-            pos += ascii;
-            if (pos == in.size()) break;
-            const size_t end = m_bAsciiThrough ? RunEnd(m_from, in, pos) : in.size();
-            m_result.bNonAscii = true;
-            ConvertRun(in.substr(pos, end - pos), pos, end == in.size(), out);
-            pos = end;
-        }
+        ForEachRun(
+            m_from, m_bAsciiThrough, in, out,
+            [&](std::string_view run, size_t offset, bool last) {
+                m_result.bNonAscii = true;
+                ConvertRun(run, offset, last, out);
+            },
+            [&] { return m_result.Ok(); });
         return m_result;
     }
 
@@ -102,7 +116,7 @@ private:
             for (char c : run) m_chars += Cp1252ToUnicode(static_cast<uint8_t>(c));
             return true;
         }
-        const bool ok = IconvDecode(m_from.pszIconv, run, &m_chars, [&](size_t offset, bool incomplete) {
+        const bool ok = IconvDecode(m_from.pszIconv, run, &m_chars, [&](size_t offset, size_t, bool incomplete) {
             if (m_result.Ok()) {
                 m_result.status = incomplete && last ? TranscodeStatus::Truncated : TranscodeStatus::BadInput;
                 m_result.nBadOffset = runOffset + offset;
@@ -139,7 +153,7 @@ bool EncodeExact(const char* name, std::u32string_view in, std::string* out) {
     IconvEncode(name, in, &bytes, [&](size_t) { refused = true; });
     if (refused) return false;
     std::u32string back;
-    IconvDecode(name, bytes, &back, [&](size_t, bool) { refused = true; });
+    IconvDecode(name, bytes, &back, [&](size_t, size_t, bool) { refused = true; });
     if (refused || back != in) return false;
     out->append(bytes);
     return true;
@@ -229,12 +243,10 @@ bool EncodeCodePoints(const CEncodingInfo& to, std::u32string_view in, std::stri
     }
     if (!IconvAvailable(to.pszIconv)) return false;
     if (IsIso2022Jp(to)) {
-        // An escape character would read back as the start of a shift: it cannot be written.
-        for (size_t esc = in.find(U'\x1B'); esc != std::u32string_view::npos; esc = in.find(U'\x1B')) {
-            EncodeIconv(to.pszIconv, in.substr(0, esc), out, onUnmappable, unmappable);
-            Unmappable(onUnmappable, in[esc], *out, unmappable);
-            in.remove_prefix(esc + 1);
-        }
+        CIso2022JpWriter writer;
+        writer.Write(in, *out, onUnmappable, unmappable);
+        writer.Finish(*out);
+        return true;
     }
     EncodeIconv(to.pszIconv, in, out, onUnmappable, unmappable);
     return true;
@@ -247,4 +259,232 @@ bool CanEncode(const CEncodingInfo& to, char32_t ch) {
     const char32_t one[1] = {ch};
     return EncodeCodePoints(to, std::u32string_view(one, 1), &scratch, [](char32_t, std::string&) {}, &unmappable) &&
            unmappable == 0;
+}
+
+namespace {
+
+bool IsUtf16(const CEncodingInfo& enc) { return &enc == &Utf16LeEncoding() || &enc == &Utf16BeEncoding(); }
+
+// Reads a file's text keeping every byte: see TranscodeKeeping.
+class CKeepingReader {
+public:
+    CKeepingReader(const CEncodingInfo& from, const CEncodingInfo& to, CKeepSink& sink, std::string& out)
+        : m_from(from),
+          m_to(to),
+          m_sink(sink),
+          m_out(out),
+          m_bCopy(&from == &to),
+          // UTF-8 and UTF-16 have one form for each character; legacy converters need not.
+          m_bVerify(!IsBuiltIn1252(from) && &from != &Utf8Encoding() && !IsUtf16(from)),
+          m_handler([this](char32_t ch, std::string& text) { m_sink.Unmappable(ch, text); }) {}
+
+    CTranscodeResult Run(std::string_view in) {
+        if (!IsBuiltIn1252(m_from) && !IconvAvailable(m_from.pszIconv)) m_result.status = TranscodeStatus::NoConverter;
+        if (!IsBuiltIn1252(m_to) && !IconvAvailable(m_to.pszIconv)) m_result.status = TranscodeStatus::NoConverter;
+        if (!m_result.Ok()) return m_result;
+        m_out.reserve(m_out.size() + in.size() + in.size() / 8);
+        if (IsIso2022Jp(m_from)) {
+            SplitIso2022Jp(in, [&](const CJisPiece& piece) { ReadJisPiece(in.substr(piece.nOffset, piece.nLength), piece); });
+            return m_result;
+        }
+        ForEachRun(
+            m_from, m_from.form != EncodingForm::Opaque, in, m_out,
+            [&](std::string_view run, size_t, bool) {
+                m_result.bNonAscii = true;
+                ReadRun(run);
+            },
+            [] { return true; });
+        return m_result;
+    }
+
+private:
+    struct CBad {
+        size_t offset, length;
+        size_t index;  // of its U+FFFD among the characters
+    };
+
+    void ReadRun(std::string_view run) {
+        if (IsBuiltIn1252(m_from)) {
+            if (m_bCopy) {
+                m_out.append(run);
+                return;
+            }
+            m_chars.clear();
+            for (char c : run) m_chars += Cp1252ToUnicode(static_cast<uint8_t>(c));
+            return Emit(m_chars);
+        }
+        ReadDecoded(m_from.pszIconv, run, run);
+    }
+
+    // Decodes `decodable` through the converter `name`; `original` holds the file's bytes at the
+    // same offsets (they differ only for JIS X 0208 read as EUC-JP).
+    void ReadDecoded(const char* name, std::string_view decodable, std::string_view original) {
+        m_chars.clear();
+        m_bad.clear();
+        IconvDecode(
+            name, decodable, &m_chars,
+            [&](size_t offset, size_t length, bool) { m_bad.push_back({offset, length, m_chars.size() - 1}); },
+            IsUtf16(m_from) ? 2 : 1);
+        const std::u32string_view chars(m_chars);
+        size_t byte = 0, ch = 0;
+        for (const CBad& bad : m_bad) {
+            Good(decodable.substr(byte, bad.offset - byte), original.substr(byte, bad.offset - byte),
+                 chars.substr(ch, bad.index - ch), name);
+            m_sink.Undecodable(original.substr(bad.offset, bad.length), m_out);
+            byte = bad.offset + bad.length;
+            ch = bad.index + 1;
+        }
+        Good(decodable.substr(byte), original.substr(byte), chars.substr(ch), name);
+    }
+
+    // Characters that read well, from `bytes` as the converter saw them, `original` in the file.
+    void Good(std::string_view bytes, std::string_view original, std::u32string_view chars, const char* name) {
+        if (bytes.empty()) return;
+        if (m_bCopy) {
+            m_out.append(original);
+            return;
+        }
+        if (!m_bVerify || (WritesBack(name, chars, bytes) && OneEach(bytes, chars))) return Emit(chars);
+        // Some character here has bytes of its own: find it, one character at a time.
+        size_t pos = 0;
+        std::u32string one;
+        while (pos < bytes.size()) {
+            const size_t length = CharLength(name, bytes.substr(pos));
+            one.clear();
+            IconvDecode(name, bytes.substr(pos, length), &one, {});
+            if (one.size() == 1 && WritesBack(name, one, bytes.substr(pos, length))) Emit(one);
+            else m_sink.Inexact(original.substr(pos, length), one, m_out);
+            pos += length;
+        }
+    }
+
+    // Whether each character of a double-byte encoding read as one character: some read as a
+    // letter and its accent, which are written as two things.
+    bool OneEach(std::string_view bytes, std::u32string_view chars) const {
+        if (m_from.form != EncodingForm::DoubleByte) return true;
+        size_t count = 0;
+        for (size_t i = 0; i < bytes.size(); ++count)
+            i += IsDBCSLeadByteEx(m_from.nCodePage, static_cast<BYTE>(bytes[i])) ? 2 : 1;
+        return count == chars.size();
+    }
+
+    static bool WritesBack(const char* name, std::u32string_view chars, std::string_view bytes) {
+        std::string again;
+        bool refused = false;
+        IconvEncode(name, chars, &again, [&](size_t) { refused = true; });
+        return !refused && again == bytes;
+    }
+
+    // Bytes of the one character at the start of `bytes`, which read well.
+    static size_t CharLength(const char* name, std::string_view bytes) {
+        for (size_t length = 1; length < bytes.size() && length <= 4; ++length) {
+            std::u32string one;
+            bool bad = false;
+            IconvDecode(name, bytes.substr(0, length), &one, [&](size_t, size_t, bool) { bad = true; });
+            if (!bad && !one.empty()) return length;
+        }
+        return std::min<size_t>(bytes.size(), 4);
+    }
+
+    void Emit(std::u32string_view chars) {
+        if (!EncodeCodePoints(m_to, chars, &m_out, m_handler, &m_result.nUnmappable))
+            m_result.status = TranscodeStatus::NoConverter;
+    }
+
+    void ReadJisPiece(std::string_view bytes, const CJisPiece& piece) {
+        if (piece.bShift) return m_sink.Shift(bytes, m_out);
+        m_result.bNonAscii = true;
+        switch (piece.set) {
+            case JisSet::Ascii:
+            case JisSet::Roman:
+            case JisSet::Katakana: return ReadJisSingle(bytes, piece.set);
+            case JisSet::Jis0208: return ReadJis0208(bytes);
+        }
+    }
+
+    // One byte per character: ASCII, Roman or half-width katakana. Half-width katakana has no
+    // set of its own in what the writer writes: each character is kept with its byte.
+    void ReadJisSingle(std::string_view bytes, JisSet set) {
+        m_chars.clear();
+        const auto flush = [&] {
+            Emit(m_chars);
+            m_chars.clear();
+        };
+        for (size_t i = 0; i < bytes.size(); ++i) {
+            const auto b = static_cast<unsigned char>(bytes[i]);
+            const bool text = b < 0x80 && b != 0x0E && b != 0x0F && b != 0x1B;
+            if (set == JisSet::Katakana && b >= 0x21 && b <= 0x5F) {
+                flush();
+                const char32_t kana = 0xFF61 + (b - 0x21);
+                m_sink.Inexact(bytes.substr(i, 1), std::u32string_view(&kana, 1), m_out);
+            } else if (text && set != JisSet::Katakana) {
+                m_chars += set == JisSet::Roman && b == 0x5C ? U'\u00A5' : set == JisSet::Roman && b == 0x7E ? U'\u203E' : char32_t(b);
+            } else if (text && b < 0x21) {
+                flush();
+                const char32_t control = b;
+                m_sink.Inexact(bytes.substr(i, 1), std::u32string_view(&control, 1), m_out);
+            } else {
+                flush();
+                m_sink.Undecodable(bytes.substr(i, 1), m_out);
+            }
+        }
+        flush();
+    }
+
+    // Pairs of 0x21..0x7E, read as EUC-JP with their high bits set. Control characters and spaces
+    // between them need no shift in the file; they are kept with their bytes, since the writer
+    // would shift to ASCII for them.
+    void ReadJis0208(std::string_view bytes) {
+        size_t pos = 0;
+        while (pos < bytes.size()) {
+            size_t end = pos;
+            while (end + 1 < bytes.size() && IsJisByte(bytes[end]) && IsJisByte(bytes[end + 1])) end += 2;
+            if (end > pos) {
+                std::string euc(bytes.substr(pos, end - pos));
+                for (char& c : euc) c = static_cast<char>(c | 0x80);
+                ReadDecoded("EUC-JP", euc, bytes.substr(pos, end - pos));
+                pos = end;
+                continue;
+            }
+            const auto b = static_cast<unsigned char>(bytes[pos]);
+            if (b <= 0x20 && b != 0x0E && b != 0x0F && b != 0x1B) {
+                const char32_t control = b;
+                m_sink.Inexact(bytes.substr(pos, 1), std::u32string_view(&control, 1), m_out);
+            } else {
+                m_sink.Undecodable(bytes.substr(pos, 1), m_out);
+            }
+            ++pos;
+        }
+    }
+    static bool IsJisByte(char c) { return c >= 0x21 && c <= 0x7E; }
+
+    const CEncodingInfo& m_from;
+    const CEncodingInfo& m_to;
+    CKeepSink& m_sink;
+    std::string& m_out;
+    const bool m_bCopy;
+    const bool m_bVerify;
+    const UnmappableHandler m_handler;
+    std::u32string m_chars;
+    std::vector<CBad> m_bad;
+    CTranscodeResult m_result;
+};
+
+}  // namespace
+
+bool DecodeCodePoints(const CEncodingInfo& enc, std::string_view in, std::u32string* out) {
+    if (IsBuiltIn1252(enc)) {
+        for (char c : in) *out += Cp1252ToUnicode(static_cast<uint8_t>(c));
+        return true;
+    }
+    const size_t before = out->size();
+    bool bad = false;
+    if (!IconvDecode(enc.pszIconv, in, out, [&](size_t, size_t, bool) { bad = true; }, IsUtf16(enc) ? 2 : 1)) return false;
+    if (bad) out->resize(before);
+    return !bad;
+}
+
+CTranscodeResult TranscodeKeeping(const CEncodingInfo& from, const CEncodingInfo& to, std::string_view in,
+                                  std::string* out, CKeepSink& sink) {
+    return CKeepingReader(from, to, sink, *out).Run(in);
 }

@@ -35,7 +35,9 @@ QFontDatabase::WritingSystem WritingSystemOf(UINT codePage) {
 QRawFont RawFontOf(const QString& family, const LOGFONTA& lf, qreal pixelSize,
                    QFontDatabase::WritingSystem ws = QFontDatabase::Any) {
     QFont font(family);
-    font.setStyleStrategy(QFont::StyleStrategy(QFont::NoFontMerging | QFont::PreferOutline));
+    // For a writing system the face may come from another family that has its characters.
+    const int merging = ws == QFontDatabase::Any ? QFont::NoFontMerging : 0;
+    font.setStyleStrategy(QFont::StyleStrategy(merging | QFont::PreferOutline));
     font.setWeight(QFont::Weight(std::clamp<int>(lf.lfWeight ? lf.lfWeight : FW_NORMAL, 1, 1000)));
     font.setItalic(lf.lfItalic != 0);
     font.setHintingPreference(QFont::PreferFullHinting);

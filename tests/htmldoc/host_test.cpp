@@ -7,25 +7,15 @@
 #include <unistd.h>
 
 #include "tests/htmldoc/recordingsink.h"
+#include "tests/htmldoc/tempfolder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-class HostFiles : public ::testing::Test {
+class HostFiles : public ::testing::Test, protected CTempFolder {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("htmldoc_test_" + std::to_string(::getpid()));
-        fs::create_directories(dir);
-    }
-    void TearDown() override { fs::remove_all(dir); }
-    std::string PathOf(const std::string& name) const { return (dir / name).string(); }
-    static std::string ReadAll(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-
-    fs::path dir;
+    HostFiles() : CTempFolder("htmldoc_test") {}
 };
 
 TEST_F(HostFiles, LoadAndSaveKeepTheBytesAndTheModifiedFlag) {

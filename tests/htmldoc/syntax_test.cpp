@@ -57,6 +57,28 @@ TEST(SyntaxClasses, UnknownNamesAndStrayMarkupAreErrors) {
     EXPECT_EQ(ClassesOf("<a href=\"x"), "4345555422");  // unterminated value
 }
 
+// No valid attribute of modern markup is an error: inline SVG and MathML at their roots and
+// inside, XML namespaces and languages on XHTML, RDFa, ARIA and data attributes.
+TEST(SyntaxClasses, ModernMarkupHasNoErrors) {
+    const char* const pages[] = {
+        "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 24 24\" width=\"16\"><path d=\"M0 0\"/></svg>"
+        "<math display=\"block\">",
+        "<svg xmlns:xlink=\"http://www.w3.org/1999/xlink\" fill=\"none\" stroke-width=\"2\" stroke-linecap=round "
+        "preserveAspectRatio=\"xMidYMid meet\" aria-hidden=true focusable=false class=icon role=img>"
+        "<use xlink:href=\"#i\" transform=\"rotate(45)\"/><circle cx=1 cy=1 r=1/></svg>",
+        "<math xmlns=\"http://www.w3.org/1998/Math/MathML\" displaystyle=true mathcolor=red>"
+        "<mfrac linethickness=0><mi mathvariant=normal>x</mi><mn>2</mn></mfrac></math>",
+        "<html xmlns=\"http://www.w3.org/1999/xhtml\" xml:lang=\"en\" lang=\"en\" prefix=\"og: https://ogp.me/ns#\">",
+        "<div vocab=\"https://schema.org/\" typeof=Person resource=\"#me\"><span property=name about=\"#me\" "
+        "datatype=xsd:string content=Ann inlist>Ann</span></div>",
+        "<button aria-expanded=false aria-controls=menu aria-describedby=tip data-state=closed data-x-y=1>",
+    };
+    for (const char* page : pages) EXPECT_EQ(ClassesOf(page).find('2'), std::string::npos) << page << "\n" << ClassesOf(page);
+    // Unknown names are still errors at the roots, and the roots' attributes are not HTML's.
+    EXPECT_EQ(ClassesOf("<svg bogus=1>"), "4333422222464");
+    EXPECT_EQ(ClassesOf("<math viewBox=1>"), "4333342222222464");
+}
+
 TEST(SyntaxClasses, CommentsDeclarationsAndSections) {
     EXPECT_EQ(ClassesOf("<!-- a -->b"), "11111111110");
     EXPECT_EQ(ClassesOf("<!-->x"), "111110");

@@ -4,6 +4,7 @@
 
 #include <random>
 
+#include "platform/codepage/iso2022jp.h"
 #include "platform/codepage/transcode.h"
 #include "platform/codepage/unicode.h"
 
@@ -133,6 +134,38 @@ TEST(Transcoder, RandomTextAgreesWithAModel) {
         ASSERT_TRUE(Transcode(Utf8Encoding(), Enc("shift_jis"), utf8, &out, kReference).Ok()) << "seed " << seed;
         ASSERT_EQ(out, sjis) << "seed " << seed << " round " << round;
     }
+}
+
+}  // namespace
+
+namespace {
+
+// ISO-2022-JP: a run of characters of one set shares one shift sequence; the Roman set holds the
+// yen sign; what the file's own shift sequences leave is carried on, and the end goes back to
+// ASCII only where the writer itself shifted away from it.
+TEST(Iso2022Jp, ShiftsOncePerRunAndCarriesOnFromTheFilesSequences) {
+    std::string out;
+    ASSERT_TRUE(EncodeCodePoints(*FindEncoding("iso-2022-jp"), U"日本語 と English ¥1", &out, {}));
+    EXPECT_EQ(out, "\x1B$BF|K\\8l\x1B(B \x1B$B$H\x1B(B English \x1B(J\\1\x1B(B");
+
+    const auto written = [](std::string_view raw, std::u32string_view chars) {
+        CIso2022JpWriter writer;
+        std::string bytes;
+        writer.WriteRaw(raw, bytes);
+        writer.Write(chars, bytes, {});
+        writer.Finish(bytes);
+        return bytes;
+    };
+    EXPECT_EQ(written("\x1B$@", U"日"), "\x1B$@F|");
+    EXPECT_EQ(written("\x1B(J", U"a~"), "\x1B(Ja\x1B(B~");
+    EXPECT_EQ(written("", U"日"), "\x1B$BF|\x1B(B");
+
+    std::vector<std::string> pieces;
+    SplitIso2022Jp("a\x1B$BF|\x1B(Bb\x1B(x", [&](const CJisPiece& p) {
+        pieces.push_back((p.bShift ? "shift " : "text ") + std::to_string(static_cast<int>(p.set)) + " " +
+                         std::to_string(p.nOffset) + "+" + std::to_string(p.nLength));
+    });
+    EXPECT_EQ(pieces, (std::vector<std::string>{"text 0 0+1", "shift 2 1+3", "text 2 4+2", "shift 0 6+3", "text 0 9+4"}));
 }
 
 }  // namespace
