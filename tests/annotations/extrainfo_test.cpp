@@ -114,17 +114,6 @@ TEST_F(ExtraInfo, ARefusedRecordChangesNothing) {
     }
 }
 
-// The blocks of a tree as start-end, children in brackets.
-std::string Tree(const CCollapseNode& node) {
-    std::string out;
-    for (long i = 0; i < node.GetChildCount(); ++i) {
-        const CCollapseNode& child = node.GetChild(i);
-        out += (i ? " " : "") + std::to_string(child.GetStart()) + "-" + std::to_string(child.GetEnd());
-        if (child.GetChildCount()) out += "[" + Tree(child) + "]";
-    }
-    return out;
-}
-
 // The bookmarks from the front of the list, as name@active,anchor.
 std::vector<std::string> Marks(const CBookmarkManager& marks) {
     std::vector<std::string> out;
@@ -152,7 +141,7 @@ TEST_F(ExtraInfo, BookmarksAndNestedBlocksComeBack) {
     for (long i = 0; i < 500; ++i) ASSERT_TRUE(ctrl->m_CollapseRoot.Collapse(100 + i * 60, 100 + i * 60 + 40));
     for (long depth = 9; depth >= 0; --depth) ASSERT_TRUE(ctrl->m_CollapseRoot.Collapse(depth * 5, length - depth * 5));
     ctrl->SetSelection(77, 12);
-    const std::string tree = Tree(ctrl->m_CollapseRoot);
+    const std::string tree = CollapseTreeText(ctrl->m_CollapseRoot);
     std::vector<std::string> marks = Marks(ctrl->m_Bookmarks);
 
     ComPtr<IStream> stream = CreateMemoryStream();
@@ -164,7 +153,7 @@ TEST_F(ExtraInfo, BookmarksAndNestedBlocksComeBack) {
     ASSERT_TRUE(ctrl->LoadExtraInfoFrom(stream.Get()));
 
     EXPECT_EQ(Selection(), std::make_pair(77L, 12L));
-    EXPECT_EQ(Tree(ctrl->m_CollapseRoot), tree);
+    EXPECT_EQ(CollapseTreeText(ctrl->m_CollapseRoot), tree);
     std::reverse(marks.begin(), marks.end());
     EXPECT_EQ(Marks(ctrl->m_Bookmarks), marks);
     // The layout is that of the text with those blocks folded.

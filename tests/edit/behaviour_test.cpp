@@ -506,17 +506,8 @@ private:
         for (long i = 0; i < fresh.m_nCount; ++i) full += (i ? " " : "") + std::to_string(fresh.GetAt(i));
         EXPECT_EQ(actual, full) << "the line table differs from a fresh layout";
     }
-    static std::string Tree(const CCollapseNode& node) {
-        std::string out;
-        for (long i = 0; i < node.GetChildCount(); ++i) {
-            const CCollapseNode& child = node.GetChild(i);
-            out += (i ? " " : "") + std::to_string(child.GetStart()) + "-" + std::to_string(child.GetEnd());
-            if (child.GetChildCount()) out += "[" + Tree(child) + "]";
-        }
-        return out;
-    }
     void Blocks(const std::string& tree) {
-        const std::string actual = Tree(m_ctrl->CollapseRoot());
+        const std::string actual = CollapseTreeText(m_ctrl->CollapseRoot());
         EXPECT_EQ(actual.empty() ? "none" : actual, tree);
     }
     void BookmarkList(const std::string& list) {

@@ -89,3 +89,14 @@ inline std::string SamplePage() {
     page += "</body>\n</html>\n";
     return page;
 }
+
+// The collapsed blocks under a node as start-end, children in brackets: `2-9[3-5 6-8] 12-14`.
+inline std::string CollapseTreeText(const CCollapseNode& node) {
+    std::string out;
+    for (long i = 0; i < node.GetChildCount(); ++i) {
+        const CCollapseNode& child = node.GetChild(i);
+        out += (i ? " " : "") + std::to_string(child.GetStart()) + "-" + std::to_string(child.GetEnd());
+        if (child.GetChildCount()) out += "[" + CollapseTreeText(child) + "]";
+    }
+    return out;
+}
