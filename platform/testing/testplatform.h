@@ -108,7 +108,7 @@ public:
 private:
     CTestPlatform m_platform;
     CTestClipboard m_clipboard;
-    IClipboardBackend* m_pPreviousClipboard;
     IPlatformBackend* m_pPrevious;
     IGdiBackend* m_pPreviousGdi;
+    IClipboardBackend* m_pPreviousClipboard;
 };

@@ -439,8 +439,9 @@ private:
         m_nErrorsUnchecked = 0;
         const size_t quote = expected.find('"');
         const std::string code = expected.substr(0, quote);
-        if (!Words(code).empty())
+        if (!Words(code).empty()) {
             EXPECT_EQ(static_cast<uint32_t>(m_excep.scode), static_cast<uint32_t>(0x800A0000 | Number(code)));
+        }
         if (quote != std::string::npos) {
             const size_t close = expected.rfind('"');
             EXPECT_EQ(m_excep.description, expected.substr(quote + 1, close - quote - 1));

@@ -256,7 +256,9 @@ protected:
             ASSERT_EQ(child.GetStart(), model[i].Start()) << "block " << i;
             ASSERT_EQ(child.GetEnd(), model[i].End()) << "block " << i;
             ASSERT_TRUE(child.GetStart() >= 0 && child.GetEnd() <= length);
-            if (i > 0) ASSERT_LE(node.GetChild(static_cast<long>(i - 1)).GetEnd(), child.GetStart()) << "order";
+            if (i > 0) {
+                ASSERT_LE(node.GetChild(static_cast<long>(i - 1)).GetEnd(), child.GetStart()) << "order";
+            }
             CheckTree(child, model[i].kids, length);
         }
     }

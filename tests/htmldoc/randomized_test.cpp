@@ -189,7 +189,9 @@ protected:
                 HRESULT hr = isUndo ? d.doc->Undo(&d.sink, &caret) : d.doc->Redo(&d.sink, &caret);
                 bool done = model.Rewind(isUndo);
                 ASSERT_EQ(SUCCEEDED(hr), done);
-                if (done) EXPECT_EQ(caret, model.ranges[0].active);
+                if (done) {
+                    EXPECT_EQ(caret, model.ranges[0].active);
+                }
                 break;
             }
             default: {

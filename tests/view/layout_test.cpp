@@ -42,7 +42,9 @@ TEST_P(Layout, AWholeLayoutIsAFixedPointOfTheBreaker) {
     std::vector<long> before = LengthsOf(ctrl->Lines());
     std::string why;
     ASSERT_TRUE(ctrl->Lines().CheckInvariants(&why)) << why;
-    if (GetParam()) EXPECT_GT(before.size(), 100u);  // 300 pixels of text wrap most of the 66 lines
+    if (GetParam()) {
+        EXPECT_GT(before.size(), 100u);  // 300 pixels of text wrap most of the 66 lines
+    }
     for (long pos = 0; pos < doc->GetLength(); pos += 37) {
         LayoutRange range{pos, pos};
         ctrl->RewrapLines(pos, &range, 0x7FFFFFFF);
@@ -74,7 +76,9 @@ TEST_P(Layout, RandomEditsKeepTheTableAValidLayoutOfTheText) {
         ASSERT_EQ(ctrl->Lines().m_nTotal, doc->GetLength()) << step;
         // Every line but the last ends where the breaker may end one: at a line feed, or with
         // wrapping, anywhere; without wrapping the table holds exactly the hard lines.
-        if (!GetParam()) ASSERT_EQ(ctrl->GetLineCount(), doc->LineCount()) << step;
+        if (!GetParam()) {
+            ASSERT_EQ(ctrl->GetLineCount(), doc->LineCount()) << step;
+        }
     }
     ctrl->Reformat(FALSE);
     EXPECT_EQ(LengthsOf(ctrl->Lines()), Fresh());

@@ -29,7 +29,7 @@ public:
     ULONG Release() override { return --refs; }
     HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
     HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
-        Event e{id, {}};
+        Event e{id, {}, {}};
         for (const Variant& v : args) {
             int32_t n = 0;
             v.ToLong(&n);
