@@ -14,11 +14,11 @@ scripts/build.sh release
 sizes=("$@")
 [ ${#sizes[@]} -eq 0 ] && sizes=(1 10 100)
 export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
-for program in lineindex htmldoc encodings syntax qtdc; do
+for program in lineindex htmldoc encodings syntax qtdc extrainfo; do
   echo "== bench_$program =="
   build/bench/bench_$program
 done
-for program in view editing; do
+for program in view editing folding; do
   echo "== bench_$program ${sizes[*]} =="
   build/bench/bench_$program "${sizes[@]}"
 done
