@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
+#include <QUrl>
 
 #include "platform/codepage/convert.h"
 
@@ -40,6 +41,18 @@ std::string UnicodeBytes(const QString& text) {
     return bytes;
 }
 
+CLIPFORMAT FileNameFormat() {
+    static const CLIPFORMAT format = RegisterClipboardFormat("FileName");
+    return format;
+}
+
+std::string CodePageText(const QString& text) {
+    std::string bytes;
+    const std::u16string_view units(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size()));
+    Utf16ToMultiByte(CP_ACP, units, &bytes);
+    return bytes;
+}
+
 }  // namespace
 
 ClipboardFormats FormatsFromMimeData(const QMimeData& mime) {
@@ -50,6 +63,12 @@ ClipboardFormats FormatsFromMimeData(const QMimeData& mime) {
         const std::u16string_view units(reinterpret_cast<const char16_t*>(text.utf16()), static_cast<size_t>(text.size()));
         if (Utf16ToMultiByte(CP_ACP, units, &bytes).Exact()) formats.emplace_back(CF_TEXT, bytes + '\0');
         formats.emplace_back(CF_UNICODETEXT, UnicodeBytes(text));
+    }
+    // A shell file name: the first local file of a uri list, in the code page.
+    for (const QUrl& url : mime.urls()) {
+        if (!url.isLocalFile()) continue;
+        formats.emplace_back(FileNameFormat(), CodePageText(url.toLocalFile()) + '\0');
+        break;
     }
     for (const QString& type : mime.formats()) {
         if (!type.startsWith(kFormatMimePrefix)) continue;
@@ -71,9 +90,11 @@ QMimeData* MimeDataFromFormats(const ClipboardFormats& formats) {
         mime->setText(TextOfUnicode(*unicode));
     else if (const std::string* text = held(CF_TEXT))
         mime->setText(TextOfCodePage(*text));
+    if (const std::string* file = held(FileNameFormat()))
+        mime->setUrls({QUrl::fromLocalFile(TextOfCodePage(*file))});
     for (const auto& [format, bytes] : formats) {
         const std::string name = GetClipboardFormatName(format);
-        if (!name.empty())
+        if (!name.empty() && format != FileNameFormat())
             mime->setData(kFormatMimePrefix + QString::fromStdString(name),
                           QByteArray(bytes.data(), static_cast<qsizetype>(bytes.size())));
     }

@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "platform/codepage/convert.h"
+#include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtkeys.h"
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
@@ -63,6 +64,7 @@ CQtControlWidget::CQtControlWidget(HWND hwnd, QWidget* parent) : QAbstractScroll
     // The window paints every pixel of what it is asked to paint.
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     viewport()->setAutoFillBackground(false);
+    new CQtDropSite(hwnd, viewport());
     const std::pair<QScrollBar*, UINT> bars[] = {{verticalScrollBar(), WM_VSCROLL},
                                                  {horizontalScrollBar(), WM_HSCROLL}};
     for (auto [bar, message] : bars) {

@@ -26,7 +26,8 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 }  // namespace
 
 CQtPlatform::CQtPlatform()
-    : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)) {
+    : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)) {
     m_clock.start();
 }
 
@@ -35,6 +36,7 @@ CQtPlatform::~CQtPlatform() {
         if (IsWindow(hwnd)) AbandonWindow(hwnd);
     if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
     if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
+    if (GetDragDropBackend() == &m_dragDrop) SetDragDropBackend(m_pPreviousDragDrop);
 }
 
 QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {

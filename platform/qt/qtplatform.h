@@ -8,6 +8,7 @@
 #include <Qt>
 
 #include "platform/qt/qtclipboard.h"
+#include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtgdi.h"
 #include "platform/window/window.h"
 
@@ -63,6 +64,8 @@ private:
     IGdiBackend* m_pPreviousGdi;
     CQtClipboard m_clipboard;
     IClipboardBackend* m_pPreviousClipboard;
+    CQtDragDrop m_dragDrop;
+    IDragDropBackend* m_pPreviousDragDrop;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;

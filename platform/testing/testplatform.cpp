@@ -129,10 +129,12 @@ std::unique_ptr<CDC> CTestPlatform::CreateScreenDC() { return CTestDC::Screen(kS
 CTestPlatformScope::CTestPlatformScope()
     : m_pPrevious(SetPlatformBackend(&m_platform)),
       m_pPreviousGdi(SetGdiBackend(&m_platform)),
-      m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)) {}
+      m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)) {}
 
 CTestPlatformScope::~CTestPlatformScope() {
     m_platform.AbandonAllWindows();
+    SetDragDropBackend(m_pPreviousDragDrop);
     SetClipboardBackend(m_pPreviousClipboard);
     SetGdiBackend(m_pPreviousGdi);
     SetPlatformBackend(m_pPrevious);

@@ -8,6 +8,7 @@
 
 #include "platform/gdi/gdiobjects.h"
 #include "platform/testing/testclipboard.h"
+#include "platform/testing/testdragdrop.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/window.h"
 
@@ -92,7 +93,7 @@ private:
     bool m_bSwapped = false;
 };
 
-// Installs a fresh test platform, as the window and the drawing backend, and an empty clipboard, for its lifetime; on the
+// Installs a fresh test platform, as the window and the drawing backend, an empty clipboard and scripted drags, for its lifetime; on the
 // way out it abandons the windows still open (no WM_DESTROY) and puts the previous backends back.
 class CTestPlatformScope {
 public:
@@ -104,11 +105,14 @@ public:
     CTestPlatform& Platform() { return m_platform; }
     CTestPlatform* operator->() { return &m_platform; }
     CTestClipboard& Clipboard() { return m_clipboard; }
+    CTestDragDrop& DragDrop() { return m_dragDrop; }
 
 private:
     CTestPlatform m_platform;
     CTestClipboard m_clipboard;
+    CTestDragDrop m_dragDrop;
     IPlatformBackend* m_pPrevious;
     IGdiBackend* m_pPreviousGdi;
     IClipboardBackend* m_pPreviousClipboard;
+    IDragDropBackend* m_pPreviousDragDrop;
 };

@@ -5,7 +5,9 @@
 
 #include "platform/com/automation.h"
 #include "platform/com/textdataobject.h"
+#include "platform/window/caret.h"
 #include "platform/window/clipboard.h"
+#include "platform/window/dragdrop.h"
 #include "src/view/zentrelctrl.h"
 
 namespace {
@@ -64,4 +66,31 @@ void CZentrelCtrl::Paste() {
                        data.Get(), &m_xTextSink);
 }
 
-BOOL CZentrelCtrl::BeginTextDrag(long) { return FALSE; }
+// Drags the selection, modally: a drop on this view runs inside the call. The source is then
+// deleted through a range the document kept up to date across the drop, so a drop in front of
+// it needs no offsets adjusted; a move within the view closes the undo group its drop opened.
+// A drag that never happens or ends in nothing puts the caret at the press.
+BOOL CZentrelCtrl::BeginTextDrag(long nPos) {
+    ComPtr<IDataObject> data = CreateDataSource(m_nSelActive, m_nSelAnchor);
+    if (!data) return FALSE;
+    if (FAILED(m_pDoc->CreateRange(&m_pDragRange)) || !m_pDragRange) {
+        m_pDragRange = nullptr;
+        return FALSE;
+    }
+    HideCaret(m_hWnd);
+    m_pDragRange->SetRange(m_nSelActive, m_nSelAnchor);
+    m_bMoveUndoOpen = 0;
+    const DROPEFFECT effect = DoDragDrop(m_hWnd, data.Get(), DROPEFFECT_COPY | DROPEFFECT_MOVE);
+    if (effect == DROPEFFECT_MOVE) {
+        m_pDragRange->DeleteText(&m_xTextSink);
+        ComPtr<ISourceUndo> undo;
+        if (m_bMoveUndoOpen && SUCCEEDED(m_pDoc->GetUndoManager(undo.Out())) && undo) undo->EndGroup();
+    } else if (effect != DROPEFFECT_COPY) {
+        MoveCaret(nPos, 0);
+    }
+    m_bMoveUndoOpen = 0;
+    if (m_pDoc) m_pDoc->DestroyRange(m_pDragRange);
+    m_pDragRange = nullptr;
+    ShowCaret(m_hWnd);
+    return TRUE;
+}

@@ -19,7 +19,7 @@ constexpr OLE_COLOR kPickerColors[16] = {0x000000, 0x0000FF, 0x00FFFF, 0xFF0000,
 }  // namespace
 
 CZentrelCtrl::CZentrelCtrl()
-    : m_xTextSink(this), m_xRangeSink(this), m_xFontNotify(this), m_Styles(DefaultFormatStyles()) {
+    : m_xTextSink(this), m_xRangeSink(this), m_xFontNotify(this), m_dropTarget(this), m_Styles(DefaultFormatStyles()) {
     std::memcpy(m_clrPicker, kPickerColors, sizeof m_clrPicker);
     m_Lines.InsertAt(0, 0);
     m_fontGutter.InitializeFont(DefaultGutterFont());
@@ -154,7 +154,8 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
 int CZentrelCtrl::OnCreate() {
     // A window may come again after one was destroyed: it is set up as the first was.
     m_bDestroyed = FALSE;
-    // The tooltip, the drop target and the gutter bitmaps come with the features that use them.
+    // The tooltip and the gutter bitmaps come with the features that use them.
+    RegisterDropTarget(m_hWnd, &m_dropTarget);
     m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
     RebuildFontCache();
     StartCodeCompletion();
@@ -182,6 +183,7 @@ void ReleasePostedChange(const MSG& msg) {
 void CZentrelCtrl::OnDestroy() {
     if (m_bDestroyed) return;
     StopCodeCompletion();
+    RevokeDropTarget(m_hWnd);
     m_bDestroyed = TRUE;
     CloseBusyPanel();
     DetachDocument();

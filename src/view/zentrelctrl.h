@@ -10,6 +10,7 @@
 #include "platform/com/propnotify.h"
 #include "platform/com/stream.h"
 #include "platform/gdi/fontholder.h"
+#include "platform/window/dragdrop.h"
 #include "platform/window/keys.h"
 #include "platform/window/olecontrol.h"
 #include "src/annotations/bookmarkmanager.h"
@@ -87,6 +88,19 @@ public:
         HRESULT OnRequestEdit(DISPID) override { return S_OK; }
         explicit XFontNotify(CZentrelCtrl* owner) : m_pOwner(owner) {}
         CZentrelCtrl* Owner() const { return m_pOwner; }
+
+    private:
+        CZentrelCtrl* m_pOwner;
+    };
+    // Hears the drags over the control's window, registered while the window lives.
+    class XDropTarget final : public IDropTarget {
+    public:
+        DROPEFFECT OnDragEnter(IDataObject* data, DWORD keyState, POINT pt) override;
+        DROPEFFECT OnDragOver(IDataObject* data, DWORD keyState, POINT pt) override;
+        void OnDragLeave() override;
+        BOOL OnDrop(IDataObject* data, DROPEFFECT effect, POINT pt) override;
+        DROPEFFECT OnDragScroll(DWORD keyState, POINT pt) override;
+        explicit XDropTarget(CZentrelCtrl* owner) : m_pOwner(owner) {}
 
     private:
         CZentrelCtrl* m_pOwner;
@@ -277,6 +291,15 @@ public:
     // empty range.
     ComPtr<IDataObject> CreateDataSource(long nFirst, long nSecond);
     BOOL BeginTextDrag(long nPos);
+    // The drop side (dragdrop.cpp).
+    DROPEFFECT OnDragEnter(IDataObject* pDataObject, DWORD dwKeyState, POINT point);
+    DROPEFFECT OnDragOver(IDataObject* pDataObject, DWORD dwKeyState, POINT point);
+    void OnDragLeave();
+    BOOL OnDrop(IDataObject* pDataObject, DROPEFFECT dropEffect, POINT point);
+    DROPEFFECT OnDragScroll(DWORD dwKeyState, POINT point);
+    // Inverts the drop caret, a bar two pixels wide and a line high, at pt (stored) or, with
+    // null, at the stored point; a second call at the same point erases it.
+    void DrawDropCaret(const POINT* pt);
 
     // --- Picker window (src/picker) ---
     BOOL IsPickerVisible() const;
@@ -441,6 +464,7 @@ public:
     XTextSink m_xTextSink;
     XRangeSink m_xRangeSink;
     XFontNotify m_xFontNotify;
+    XDropTarget m_dropTarget;
 
     // General.
     OLE_COLOR m_clrBack = 0xFFFFFF;

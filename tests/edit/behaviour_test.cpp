@@ -14,7 +14,8 @@
 //                              client pixels, gutter@pos (in the gutter on pos's row),
 //                              strip@pos (in the strip at the gutter's right edge), box@pos
 //                              (the middle of the fold box on pos's row), below
-//                              (10 pixels under the client area)
+//                              (10 pixels under the client area), top, bottom, left,
+//                              right (the middle of that edge's outermost pixels)
 //   press POINT, moveto POINT, release    a drag by hand: the button held, the mouse moved
 //   mbutton POINT, rbutton POINT
 //   wait MS                    the clock moves on (drag-selection passes run meanwhile)
@@ -29,10 +30,16 @@
 //   lengths, which must also be what a fresh layout gives), blocks TREE (collapsed blocks as
 //   start-end, children in brackets: `2-9[3-5 6-8] 12-14`, or none), bookmarks LIST (newest
 //   first, `name@active,anchor` joined by ` | `, or none), flag LINE ID|none (the gutter flag).
+// Drags: `dragover POINT [Ctrl] [Shift]`, `dragtick [Ctrl] [Shift]` (the drag rests a tick where
+//   it is), `dragdrop`, `dragcancel` add to the script of the next drag, which a press inside
+//   the selection starts; `dragin text TEXT|file PATH...` plays the script at once with data
+//   from another program (CF_TEXT, "FileName", or both). Checks: `dragresult EFFECT` (the
+//   effect the last `dragin` ended with), `answers EFFECT...` (the target's answer to each step), where
+//   EFFECT is none, copy, move or link, with +scroll.
 // Setting the clipboard as another program would: `putclipboard text TEXT` (CF_TEXT),
 //   `putclipboard unicode TEXT` (TEXT is UTF-8, put as CF_UNICODETEXT alone), `putclipboard none`.
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
-// `nowindow`, `swapbuttons`.
+// `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself).
 #include <gtest/gtest.h>
 
 #include <map>
@@ -41,6 +48,7 @@
 #include <sstream>
 
 #include "platform/codepage/unicode.h"
+#include "platform/com/textdataobject.h"
 #include "platform/testing/testplatform.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/clipboard.h"
@@ -69,6 +77,7 @@ const std::map<DISPID, std::string>& EventNames() {
         {EVENT_SELECTIONCHANGED, "SelectionChanged"}, {EVENT_EDITMODETOGGLED, "EditModeToggled"},
         {EVENT_DOCUMENTCHANGED, "DocumentChanged"},   {EVENT_AUTOCONVERTTOGGLED, "AutoConvertToggled"},
         {DISPID_KEYDOWN, "KeyDown"},                  {EVENT_BOOKMARKCHANGED, "BookmarkChanged"},
+        {EVENT_ONOLEDROP, "OleDrop"},                 {EVENT_ONOLEDRAGOVER, "OleDragOver"},
     };
     return names;
 }
@@ -167,6 +176,7 @@ private:
             m_ctrl->SetSelection(start.active, start.anchor);
         }
         if (!SetupValue("nofocus") && m_ctrl->HasWindow()) m_platform->MoveFocus(m_ctrl->GetSafeHwnd());
+        m_log.takeDrops = SetupValue("takedrops") != nullptr;
         m_log.events.clear();
         m_nEventsSeen = 0;
         m_platform->ResetBeeps();
@@ -208,6 +218,10 @@ private:
             {"putclipboard", &CEditPlayer::PutClipboard}, {"resulttext", &CEditPlayer::ResultText},
             {"table", &CEditPlayer::Table},        {"blocks", &CEditPlayer::Blocks},
             {"bookmarks", &CEditPlayer::BookmarkList}, {"flag", &CEditPlayer::Flag},
+            {"dragover", &CEditPlayer::DragOver}, {"dragtick", &CEditPlayer::DragTick},
+            {"dragdrop", &CEditPlayer::DragDrop}, {"dragcancel", &CEditPlayer::DragCancel},
+            {"dragin", &CEditPlayer::DragIn},     {"dragresult", &CEditPlayer::DragResult},
+            {"answers", &CEditPlayer::Answers},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -288,7 +302,12 @@ private:
     // --- The mouse ---
 
     POINT PointOf(const std::string& what) {
-        if (what == "below") return {100, static_cast<LONG>(m_ctrl->m_rcClient.Height()) + 10};
+        const LONG w = m_ctrl->m_rcClient.Width(), h = m_ctrl->m_rcClient.Height();
+        if (what == "below") return {100, h + 10};
+        if (what == "top") return {w / 2, 0};
+        if (what == "bottom") return {w / 2, h - 1};
+        if (what == "left") return {0, h / 2};
+        if (what == "right") return {w - 1, h / 2};
         const size_t at = what.find('@');
         if (at == std::string::npos) {
             const size_t comma = what.find(',');
@@ -358,6 +377,46 @@ private:
     void Wait(const std::string& ms) { m_platform->AdvanceClock(static_cast<DWORD>(Number(ms))); }
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
     void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
+
+    // --- Drags ---
+
+    CTestDragDrop& Drags() { return m_platform.DragDrop(); }
+    static DWORD DragKeys(const std::vector<std::string>& words, size_t from) {
+        DWORD keys = 0;
+        for (size_t i = from; i < words.size(); ++i) keys |= words[i] == "Ctrl" ? MK_CONTROL : words[i] == "Shift" ? MK_SHIFT : 0;
+        return keys;
+    }
+    void DragOver(const std::string& rest) {
+        const auto words = Words(rest);
+        Drags().AddStep({CTestDragDrop::Step::Over, Hwnd(), PointOf(words.at(0)), DragKeys(words, 1)});
+    }
+    void DragTick(const std::string& rest) { Drags().AddStep({CTestDragDrop::Step::Tick, nullptr, {}, DragKeys(Words(rest), 0)}); }
+    void DragDrop(const std::string&) { Drags().AddStep({CTestDragDrop::Step::Drop}); }
+    void DragCancel(const std::string&) { Drags().AddStep({CTestDragDrop::Step::Cancel}); }
+    // Data from another program: `text TEXT` and `file PATH`, either or both.
+    void DragIn(const std::string& rest) {
+        ComPtr<CDataObject> data(new CDataObject);
+        const auto words = Words(rest);
+        for (size_t i = 0; i + 1 < words.size(); i += 2) {
+            const std::string value = ParseMarkedText(words[i + 1]).text;
+            if (words[i] == "text") data->SetText(value);
+            else data->SetData(RegisterClipboardFormat("FileName"), value + '\0');
+        }
+        m_lastDragEffect = Drags().Play(data.Get(), DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFFECT_LINK);
+    }
+    static std::string EffectName(DROPEFFECT effect) {
+        static const std::map<DROPEFFECT, std::string> names = {
+            {DROPEFFECT_NONE, "none"}, {DROPEFFECT_COPY, "copy"}, {DROPEFFECT_MOVE, "move"}, {DROPEFFECT_LINK, "link"}};
+        auto it = names.find(effect & ~DROPEFFECT_SCROLL);
+        const std::string name = it == names.end() ? std::to_string(effect) : it->second;
+        return effect & DROPEFFECT_SCROLL ? name + "+scroll" : name;
+    }
+    void DragResult(const std::string& expected) { EXPECT_EQ(EffectName(m_lastDragEffect), expected); }
+    void Answers(const std::string& expected) {
+        std::string actual;
+        for (DROPEFFECT e : Drags().Answers()) actual += (actual.empty() ? "" : " ") + EffectName(e);
+        EXPECT_EQ(actual, expected);
+    }
 
     // --- Automation ---
 
@@ -536,6 +595,7 @@ private:
     CEventLog m_log;
     DWORD m_cookie = 0;
     size_t m_nEventsSeen = 0;
+    DROPEFFECT m_lastDragEffect = DROPEFFECT_NONE;
     HRESULT m_hr = S_OK;
     ExcepInfo m_excep;
     Variant m_result;

@@ -59,12 +59,12 @@ TEST_F(QtClipboard, TextTheCodePageHoldsIsAlsoOfferedAsItsOwnText) {
 }
 
 TEST_F(QtClipboard, NamedFormatsTravelUnderTheirOwnType) {
-    const CLIPFORMAT fileName = RegisterClipboardFormat("FileName");
-    std::unique_ptr<QMimeData> mime(MimeDataFromFormats({{fileName, std::string("a.htm\0", 6)}}));
+    const CLIPFORMAT marker = RegisterClipboardFormat("Zentrel Marker");
+    std::unique_ptr<QMimeData> mime(MimeDataFromFormats({{marker, std::string("a.htm\0", 6)}}));
     EXPECT_FALSE(mime->hasText());
     const ClipboardFormats back = FormatsFromMimeData(*mime);
     ASSERT_EQ(back.size(), 1u);
-    EXPECT_EQ(back[0].first, fileName);
+    EXPECT_EQ(back[0].first, marker);
     EXPECT_EQ(back[0].second, std::string("a.htm\0", 6));
 }
 

@@ -36,6 +36,8 @@ public:
             if (v.Type() == VT_BSTR) e.texts[e.args.size()] = v.StrVal();
             e.args.push_back(n);
         }
+        // A host that deals with drops itself answers through the last argument.
+        if (id == EVENT_ONOLEDROP && takeDrops && !args.empty()) args.back().SetByRef(Variant::Bool(true));
         events.push_back(e);
         return S_OK;
     }
@@ -48,6 +50,7 @@ public:
 
     ULONG refs = 0;
     std::vector<Event> events;
+    bool takeDrops = false;
 };
 
 // A control made through the module's class factory, with an event log advised.
