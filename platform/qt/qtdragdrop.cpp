@@ -1,6 +1,12 @@
 #include "platform/qt/qtdragdrop.h"
 
+#include <QApplication>
+#include <QCursor>
 #include <QDrag>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QPointer>
+#include <QThread>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTimerEvent>
@@ -14,8 +20,9 @@
 
 namespace {
 
-// How often a resting drag ticks.
+// How often a resting drag ticks, and how often the wait for a drag's start looks at the mouse.
 constexpr int kDragTickMs = 50;
+constexpr int kDragWaitMs = 5;
 
 Qt::DropActions ActionsOf(DROPEFFECT effects) {
     Qt::DropActions actions;
@@ -61,12 +68,29 @@ ClipboardFormats FormatsOf(IDataObject* data) {
     return formats;
 }
 
+// A drag begins once the mouse has gone the desktop's start distance with the button held, or
+// the button has been held for the start time; true then, false if the button went up first (a
+// click, which the caller turns into a caret move). Events are handled meanwhile, the button's
+// release among them.
+bool WaitForDragStart(const QPointer<QWidget>& widget) {
+    const QPoint start = QCursor::pos();
+    QElapsedTimer held;
+    held.start();
+    while (widget && (QGuiApplication::mouseButtons() & Qt::LeftButton)) {
+        if ((QCursor::pos() - start).manhattanLength() >= QApplication::startDragDistance()) return true;
+        if (held.elapsed() >= QApplication::startDragTime()) return true;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, kDragWaitMs);
+        QThread::msleep(kDragWaitMs);
+    }
+    return false;
+}
+
 }  // namespace
 
 DROPEFFECT CQtDragDrop::DoDragDrop(HWND source, IDataObject* data, DROPEFFECT allowed) {
     auto* backend = static_cast<CQtWindowBackend*>(GetWindowBackend(source));
-    QWidget* widget = backend ? backend->Widget() : nullptr;
-    if (!widget) return DROPEFFECT_NONE;
+    QPointer<QWidget> widget = backend ? backend->Widget() : nullptr;
+    if (!widget || !WaitForDragStart(widget)) return DROPEFFECT_NONE;
     auto* drag = new QDrag(widget);
     drag->setMimeData(MimeDataFromFormats(FormatsOf(data)));
     // Qt runs the drag's own loop; drops on this process's windows arrive inside it.
