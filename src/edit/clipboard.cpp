@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <new>
 
+#include <utility>
+
 #include "platform/com/automation.h"
 #include "platform/com/textdataobject.h"
 #include "platform/window/caret.h"
@@ -89,8 +91,9 @@ BOOL CZentrelCtrl::BeginTextDrag(long nPos) {
         MoveCaret(nPos, 0);
     }
     m_bMoveUndoOpen = 0;
+    // The document gives the range up, and the reference that came with it goes too.
     if (m_pDoc) m_pDoc->DestroyRange(m_pDragRange);
-    m_pDragRange = nullptr;
+    std::exchange(m_pDragRange, nullptr)->Release();
     ShowCaret(m_hWnd);
     return TRUE;
 }
