@@ -102,6 +102,11 @@ LRESULT CZentrelCtrl::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
                              HIWORD(static_cast<uintptr_t>(lParam))); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_ERASEBKGND: return TRUE;
+        case WM_SYSCOLORCHANGE:
+            // The gutter's pictures carry the desktop's colours: they are made anew.
+            LoadGutterBitmaps();
+            InvalidateGutter();
+            return 0;
         case WM_GETTEXTLENGTH: return OnGetTextLength();
         case WM_GETTEXT: return OnGetText(wParam, reinterpret_cast<char*>(lParam));
         case EM_GETSEL:
@@ -154,8 +159,9 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
 int CZentrelCtrl::OnCreate() {
     // A window may come again after one was destroyed: it is set up as the first was.
     m_bDestroyed = FALSE;
-    // The tooltip, the drop target and the gutter bitmaps come with the features that use them.
+    // The tooltip and the drop target come with the features that use them.
     m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
+    LoadGutterBitmaps();
     RebuildFontCache();
     StartCodeCompletion();
     return 0;
