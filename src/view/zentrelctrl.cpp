@@ -159,11 +159,11 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
 int CZentrelCtrl::OnCreate() {
     // A window may come again after one was destroyed: it is set up as the first was.
     m_bDestroyed = FALSE;
-    // The tooltip and the drop target come with the features that use them.
+    // The tooltip, the drop target and the gutter bitmaps come with the features that use them.
     m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
-    LoadGutterBitmaps();
     RebuildFontCache();
     StartCodeCompletion();
+    LoadGutterBitmaps();
     return 0;
 }
 
