@@ -100,6 +100,8 @@ public:
     virtual std::unique_ptr<CDC> CreateCompatibleDC() = 0;
     // A bitmap of this device's kind; FALSE on failure.
     virtual BOOL CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) = 0;
+    // A bitmap of this device's kind holding cx times cy pixels, row by row; FALSE on failure.
+    virtual BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) = 0;
     virtual bool IsPrinting() const { return false; }
 
     // --- For the window layer ---

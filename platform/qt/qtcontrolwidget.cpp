@@ -144,6 +144,10 @@ bool CQtControlWidget::event(QEvent* e) {
     case QEvent::KeyRelease:
         KeyRelease(static_cast<QKeyEvent*>(e));
         return true;
+    case QEvent::ApplicationPaletteChange:
+        // The desktop's colours changed: the control makes its pictures anew.
+        Send(WM_SYSCOLORCHANGE, 0, 0);
+        return QAbstractScrollArea::event(e);
     default:
         return QAbstractScrollArea::event(e);
     }

@@ -84,6 +84,19 @@ BOOL CQtDC::CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) {
     return TRUE;
 }
 
+BOOL CQtDC::CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) {
+    if (!bitmap || !pixels || cx <= 0 || cy <= 0) return FALSE;
+    auto made = std::make_shared<CQtBitmap>(cx, cy);
+    QImage& image = made->Image();
+    if (image.isNull()) return FALSE;
+    for (int y = 0; y < cy; ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < cx; ++x) row[x] = QColorFromColorRef(pixels[static_cast<size_t>(y) * cx + x]).rgb();
+    }
+    bitmap->Attach(std::move(made));
+    return TRUE;
+}
+
 RECT CQtDC::DeviceRect() const {
     return m_pImage ? RECT{0, 0, m_pImage->width(), m_pImage->height()} : m_rcScreen;
 }

@@ -27,6 +27,15 @@ BOOL CTestDC::CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) {
     return TRUE;
 }
 
+BOOL CTestDC::CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) {
+    if (!bitmap || !pixels || cx <= 0 || cy <= 0) return FALSE;
+    auto surface = std::make_shared<CTestSurface>(cx, cy);
+    for (LONG y = 0; y < cy; ++y)
+        for (LONG x = 0; x < cx; ++x) surface->Fill({x, y, x + 1, y + 1}, pixels[static_cast<size_t>(y) * cx + x]);
+    bitmap->Attach(std::move(surface));
+    return TRUE;
+}
+
 RECT CTestDC::DeviceRect() const { return m_pTarget ? m_pTarget->Bounds() : m_rcScreen; }
 
 void CTestDC::BitmapSelected(CBitmapImpl* bitmap) {

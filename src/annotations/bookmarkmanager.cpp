@@ -4,13 +4,14 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "src/resources/gutterpictures.h"
 #include "src/view/zentrelctrl.h"
 
 namespace {
 
 // Gutter pictures: the flags with the digits 0 to 9, and the plain flag.
-constexpr int kFlagDigit0 = 212;
-constexpr int kFlagPlain = 230;
+constexpr int kFlagDigit0 = IDB_FLAG_DIGIT0;
+constexpr int kFlagPlain = IDB_FLAG_NAMED;
 
 bool StartsCaseless(const std::string& s, const char* prefix) {
     const size_t n = std::strlen(prefix);

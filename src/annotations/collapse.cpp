@@ -78,8 +78,10 @@ BOOL CZentrelCtrl::ExpandRange(long nStart, long nEnd, BOOL bOneLevel) {
     return ExpandBlocks(nStart, nEnd, bOneLevel);
 }
 
-RECT CZentrelCtrl::GetFoldBoxRect(long nLine) const {
-    const auto top = static_cast<LONG>((nLine - m_nTopLine) * m_nLineHeight + (m_nLineHeight - kBoxSize) / 2);
+RECT CZentrelCtrl::GetFoldBoxRect(long nLine) const { return FoldBoxRectAt((nLine - m_nTopLine) * m_nLineHeight); }
+
+RECT CZentrelCtrl::FoldBoxRectAt(long yTop) const {
+    const auto top = static_cast<LONG>(yTop + (m_nLineHeight - kBoxSize) / 2);
     return RECT{kBoxLeft, top, kBoxRight, top + kBoxSize};
 }
 

@@ -53,7 +53,11 @@ HRESULT CZentrelCtrl::OnSelectionChanged(long active, long anchor) {
             InvalidateRange(std::max(c, d), b);
             // The bracket in the gutter changes on the rows between an end's old and new place,
             // repainted above, and on the rows of the four ends, where its boxes come and go.
+            // A higher end at a line start has its box on the line before: the row of the last
+            // selected byte.
             for (long end : {oldLow, oldHigh, newLow, newHigh}) InvalidateGutterAt(end);
+            for (long high : {oldHigh, newHigh})
+                if (high > 0) InvalidateGutterAt(high - 1);
         }
         if (m_bFocused) ScrollCaretIntoView();
         PlaceCaret();

@@ -3,7 +3,6 @@
 // the line table and draws each line's text in runs of one format. Every byte's format comes
 // from GetCharFormat; nothing of the picture or the text is kept between paints.
 #include <algorithm>
-#include <cstdio>
 
 #include "src/layout/textreader.h"
 #include "src/view/module.h"
@@ -175,7 +174,7 @@ void CZentrelCtrl::PaintLines(PaintContext* pCtx) {
     if (gutter < 1) {
         dc->FillSolidRect(update, clrBack);
     } else {
-        PaintGutterColumn(pCtx, gutter);
+        PaintGutterColumn(pCtx, mem.get(), gutter);
         RECT text = update;
         text.left = static_cast<LONG>(bounds.left - m_nCharWidth + pCtx->nGutter);
         dc->FillSolidRect(text, clrBack);
@@ -287,38 +286,4 @@ void CZentrelCtrl::PaintCollapsedLine(LinePaint* pLine, long, long) {
     dc->SelectObject(old);
     dc->FillSolidRect(RECT{band.left, band.top, band.right, band.top + 1}, GetSysColor(COLOR_3DHIGHLIGHT));
     dc->FillSolidRect(RECT{band.left, band.bottom - 1, band.right, band.bottom}, GetSysColor(COLOR_BTNSHADOW));
-}
-
-// --- The gutter ---
-
-void CZentrelCtrl::PaintGutterColumn(PaintContext* pCtx, long nWidth) {
-    const RECT& update = *pCtx->prcUpdate;
-    const LONG left = pCtx->prcBounds->left;
-    const COLORREF color = (pCtx->dwOptions & OPT_MONODRAW) ? 0xFFFFFF : GetSysColor(COLOR_BTNFACE);
-    pCtx->pDC->FillSolidRect(RECT{left, update.top, static_cast<LONG>(left + nWidth), update.bottom}, color);
-}
-
-void CZentrelCtrl::PaintGutterMarks(LinePaint* pLine) {
-    PaintContext* ctx = pLine->pPaint;
-    if (!(ctx->dwOptions & OPT_SHOWLINENUMBER) || !m_pDoc) return;
-    // Only the first row of a text line carries its number; wrapped rows do not count.
-    long number = 0, start = -1;
-    m_pDoc->GetTextLine(pLine->nStart, &number);
-    m_pDoc->GetTextLineStart(number, &start);
-    if (start != pLine->nStart) return;
-    char digits[32];
-    const int count = std::snprintf(digits, sizeof digits, "%ld", number + 1);
-    CDC* dc = ctx->pDC;
-    const int bkMode = dc->SetBkMode(TRANSPARENT);
-    const UINT align = dc->SetTextAlign(TA_RIGHT | TA_BASELINE);
-    dc->SetTextColor((ctx->dwOptions & OPT_MONODRAW) ? 0x000000 : TranslateColor(m_Styles[STYLE_LINE_NUMBER].crText));
-    CFont* old = nullptr;
-    CFontMetrics* metrics = FindFontMetrics(m_Styles[STYLE_LINE_NUMBER].dwFont);
-    if (metrics) old = dc->SelectObject(&metrics->m_hFont);
-    const long gutterRight = ctx->prcBounds->left + ctx->nGutter;
-    dc->ExtTextOut(static_cast<int>(gutterRight - m_nCharWidth / 2 - m_nCharWidth), static_cast<int>(pLine->yTop + m_nAscent),
-                   0, nullptr, digits, static_cast<UINT>(count));
-    if (metrics) dc->SelectObject(old);
-    dc->SetTextAlign(align);
-    dc->SetBkMode(bkMode);
 }

@@ -102,6 +102,11 @@ LRESULT CZentrelCtrl::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
                              HIWORD(static_cast<uintptr_t>(lParam))); return 0;
         case WM_DESTROY: OnDestroy(); return 0;
         case WM_ERASEBKGND: return TRUE;
+        case WM_SYSCOLORCHANGE:
+            // The gutter's pictures carry the desktop's colours: they are made anew.
+            LoadGutterBitmaps();
+            InvalidateGutter();
+            return 0;
         case WM_GETTEXTLENGTH: return OnGetTextLength();
         case WM_GETTEXT: return OnGetText(wParam, reinterpret_cast<char*>(lParam));
         case EM_GETSEL:
@@ -159,6 +164,7 @@ int CZentrelCtrl::OnCreate() {
     m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
     RebuildFontCache();
     StartCodeCompletion();
+    LoadGutterBitmaps();
     return 0;
 }
 

@@ -219,8 +219,15 @@ public:
     void PaintLines(PaintContext* pCtx);
     void PaintLine(LinePaint* pLine);
     void PaintCollapsedLine(LinePaint* pLine, long nBlockStart, long nBlockEnd);
-    void PaintGutterColumn(PaintContext* pCtx, long nWidth);
+    // --- The gutter (src/paint/gutter.cpp) ---
+    void LoadGutterBitmaps();
+    void PaintGutterColumn(PaintContext* pCtx, CDC* pMemDC, long nWidth);
     void PaintGutterMarks(LinePaint* pLine);
+    void PaintBookmarkFlag(LinePaint* pLine, long nGutterRight);
+    void PaintLineNumber(LinePaint* pLine, long nGutterRight);
+    void PaintSelectionBracket(LinePaint* pLine, const RECT& rcBox);
+    // Copies a gutter bitmap into a rectangle of the line's device, through the memory context.
+    void PaintGutterBitmap(LinePaint* pLine, CBitmap* pBitmap, const RECT& rc);
     void InvalidateRange(long nFrom, long nTo);
     void InvalidateGutter();
     void InvalidateGutterAt(long nPos);
@@ -324,6 +331,8 @@ public:
     void CheckBlockRange(long nStart, long nEnd) const;
     // The plus or minus box of a line, in client pixels.
     RECT GetFoldBoxRect(long nLine) const;
+    // The same for a line whose top is at yTop.
+    RECT FoldBoxRectAt(long yTop) const;
     // Whether the line's box stands for the selection: a selection that shares text with the
     // line and begins or ends on it.
     BOOL SelectionBoxOnLine(long nLine) const;
@@ -512,6 +521,9 @@ public:
     std::map<DWORD, std::unique_ptr<CFontMetrics>> m_FontMetrics;  // by font word
     CFontMetrics m_WrapMetrics;
     CPen m_penHidden;
+    CBitmap m_bmpGutter;  // the background tile
+    CBitmap m_bmpFold;    // the minus box
+    CBitmap m_bmpMark;    // the plus box
 
     // Settings.
     DWORD m_Options = OPTIONS_DEFAULT;

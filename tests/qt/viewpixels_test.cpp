@@ -20,6 +20,7 @@
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/window/paint.h"
+#include "src/resources/gutterpictures.h"
 #include "src/view/zentrelctrl.h"
 #include "tests/qt/qtviewfixture.h"
 #include "tests/view/viewfixture.h"
@@ -237,6 +238,7 @@ TEST_F(ViewPixels, ExactClassesFillExactCellsWhoseEdgesTheMappingFinds) {
 // clip that keeps it out holds also when the context had drawn without a clip just before.
 TEST_F(ViewPixels, TextScrolledSidewaysStaysOutOfTheGutter) {
     OpenPage("Hello World and more to come\nHello World and more to come\nHello\n");
+    ctrl->SetOption(OPT_GUTTERBITMAPVISIBLE, FALSE);  // a flat column, where white can only be text
     ctrl->ScrollTo(0, 23);
     const QImage moved = Shot();
     const QImage image = Repaint();
@@ -268,7 +270,7 @@ TEST_F(ViewPixels, SelectionIsWhiteOnBlackOverExactlyTheSelectedCells) {
     auto band = [&](const QImage& shot, long row) {
         const int y = static_cast<int>(row * ctrl->m_nLineHeight);
         int left = -1, right = -1;
-        for (int x = 0; x < shot.width(); ++x)
+        for (int x = GutterRight(); x < shot.width(); ++x)
             if (shot.pixel(x, y) == ToQRgb(kBlack)) {
                 if (left < 0) left = x;
                 right = x + 1;
@@ -362,6 +364,57 @@ TEST_F(ViewPixels, GutterIsButtonFaceWithANumberOnTheFirstRowOfEachTextLine) {
             if (HasInk(image, QRect(x, row * h, 1, h), ToQRgb(kFace))) right = x + 1;
         EXPECT_LE(right, numberRight);
         EXPECT_GT(right, numberRight - charWidth);
+    }
+}
+
+// The gutter with its pictures: the tile's two shades, a number on every row, a flag on the
+// bookmarked line, the plus box on the folded one, the bracket along a selection of three
+// rows, and nothing of it in the blank strip in front of the text.
+TEST_F(ViewPixels, GutterShowsTheTileNumbersAFlagAPlusBoxAndTheBracket) {
+    std::string text;
+    for (int i = 0; i < 14; ++i) text += "line " + std::to_string(i) + "\n";
+    OpenPage(text);
+    ctrl->SetOption(OPT_COLLAPSEBLOCKENABLE, TRUE);
+    ctrl->SetOption(OPT_LEFTMARGINVISIBLE, FALSE);
+    const auto rowStart = [&](long row) { return ctrl->Lines().GetLineStart(row); };
+    ctrl->SetSelection(rowStart(1), rowStart(1));
+    ctrl->ToggleNumberedBookmark(2);
+    ASSERT_TRUE(ctrl->CollapseRange(rowStart(3), rowStart(5)));  // text lines 3 and 4 on row 3
+    ctrl->SetSelection(rowStart(5) + 1, rowStart(7) + 1);
+    const QImage image = Shot();
+
+    const int h = static_cast<int>(ctrl->m_nLineHeight), charWidth = static_cast<int>(ctrl->m_nCharWidth);
+    const int painted = GutterRight() - charWidth, rows = image.height() / h;
+    const QRgb face = ToQRgb(kFace), lighter = ToQRgb(0xFFFFFF);  // 0xF0F0F0 with 15 more in each channel
+    const QRect column(0, 0, painted, rows * h);
+    EXPECT_GT(CountOf(image, column, face), CountOf(image, column, lighter));  // blobs on a flat ground
+    EXPECT_GT(CountOf(image, column, lighter), 100);
+    EXPECT_EQ(CountOf(image, QRect(painted, 0, charWidth, rows * h), ToQRgb(kWhite)), charWidth * rows * h);
+
+    const auto pictureAt = [&](UINT id, int x, int y) {
+        const PixelPicture& p = *FindGutterPicture(id);
+        for (int py = 0; py < p.cy; ++py)
+            for (int px = 0; px < p.cx; ++px)
+                if (image.pixel(x + px, y + py) != ToQRgb(p.pixels[static_cast<size_t>(py * p.cx + px)])) return false;
+        return true;
+    };
+    const auto boxAt = [&](UINT id, long row) {
+        const RECT box = ctrl->GetFoldBoxRect(row);
+        return pictureAt(id, box.left, box.top);
+    };
+    const int numberRight = GutterRight() - charWidth / 2 - charWidth;
+    for (int row = 0; row < rows && row < 13; ++row) {
+        SCOPED_TRACE(testing::Message() << "row " << row);
+        EXPECT_TRUE(InkOfColour(image, QRect(numberRight - charWidth, row * h, charWidth, h), kFace, kBlack));
+        EXPECT_EQ(pictureAt(IDB_FLAG_DIGIT0 + 2, charWidth / 4, row * h + (h - kFlagHeight) / 2), row == 1);
+        EXPECT_EQ(boxAt(IDB_MARK, row), row == 3);
+        EXPECT_EQ(boxAt(IDB_FOLD, row), row == 5 || row == 7);
+        const RECT box = ctrl->GetFoldBoxRect(row);
+        const int midX = box.left + (box.right - box.left) / 2;
+        EXPECT_EQ(CountOf(image, QRect(midX, row * h, 1, h), qRgb(0, 0, 0)) == h, row == 6);
+        if (row != 3 && (row < 5 || row > 7)) {
+            EXPECT_EQ(CountOf(image, QRect(midX, row * h, 1, h), qRgb(0, 0, 0)), 0);
+        }
     }
 }
 
