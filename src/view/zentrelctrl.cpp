@@ -159,7 +159,7 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
 int CZentrelCtrl::OnCreate() {
     // A window may come again after one was destroyed: it is set up as the first was.
     m_bDestroyed = FALSE;
-    // The tooltip and the gutter bitmaps come with the features that use them.
+    // The tooltip comes with the tag hints.
     RegisterDropTarget(m_hWnd, &m_dropTarget);
     m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
     RebuildFontCache();
