@@ -54,6 +54,8 @@ void ApplyEditorLook(CZentrelCtrl* ctrl, EditorLook look) {
     ApplyStyles(ctrl, modern ? kModernStyles : DefaultFormatStyles().data());
     ctrl->SetBackColor(modern ? kPaper : DefaultFormatStyles()[STYLE_NONE].crBack);
     ctrl->SetTabSize(modern ? kModernTabSize : kClassicTabSize);
+    // A plain gutter in the modern look; the classic one has its watermark tile.
+    ctrl->SetOption(OPT_GUTTERBITMAPVISIBLE, modern ? FALSE : TRUE);
     // The font goes last: it measures again and lays the text out once, with the new tab size.
     ctrl->SetEditFont(modern ? kModernFont : DefaultEditFont());
     ctrl->Refresh();
