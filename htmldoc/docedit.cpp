@@ -57,6 +57,7 @@ void CHtmlDocument::NotifyBusy(bool busy, const char* text) {
 }
 
 HRESULT CHtmlDocument::Edit(const CEditArgs& args) {
+    if (m_bLocked) return E_ACCESSDENIED;
     if (args.text.size() > 0 && !args.text.data()) return E_POINTER;
     if (HRESULT hr = CheckSpan(args.pos, args.oldCount); FAILED(hr)) return hr;
     long newCount = static_cast<long>(args.text.size());
@@ -82,6 +83,7 @@ HRESULT CHtmlDocument::Edit(const CEditArgs& args) {
 
 HRESULT CHtmlDocument::EditBlock(std::vector<CEdit> edits, EditKind kind, const char* busyText,
                                  const std::function<void()>& placeRanges) {
+    if (m_bLocked) return E_ACCESSDENIED;
     if (edits.empty()) return S_FALSE;
     ComPtr<CHtmlDocument> alive(this);
     bool busy = static_cast<long>(edits.size()) > kBusyLines;

@@ -60,6 +60,7 @@ long CHtmlDocument::ReplayStep(const CUndoStep& step, bool undo) {
 
 HRESULT CHtmlDocument::Rewind(bool undo, long* caretPos) {
     if (caretPos) *caretPos = -1;
+    if (m_bLocked) return E_ACCESSDENIED;
     // A group left open would swallow the step; it ends here.
     m_undo.CloseGroups();
     if (undo ? !m_undo.CanUndo() : !m_undo.CanRedo()) return E_FAIL;

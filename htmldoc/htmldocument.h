@@ -123,6 +123,11 @@ public:
     std::string DefaultEncoding() const { return m_pDefaultEncoding ? m_pDefaultEncoding->pszName : ""; }
     HRESULT SetDefaultEncoding(std::string_view label);
     bool IsModified() const { return !m_undo.IsAtSaved(); }
+    // A locked document refuses every edit, undo and redo through the contract with
+    // E_ACCESSDENIED and changes nothing (a file the user may not write, say); the host's own
+    // SetText and LoadFile still work.
+    void SetLocked(bool locked) { m_bLocked = locked; }
+    bool IsLocked() const { return m_bLocked; }
     void SetModified(bool modified);
     const std::string& PathName() const { return m_strPath; }
     void SetPathName(std::string path) { m_strPath = std::move(path); }
@@ -191,6 +196,7 @@ private:
     CGapBuffer m_text;
     CHardLines m_lines;
     CUndoStack m_undo;
+    bool m_bLocked = false;
     std::string m_strPath;
     CFileEncoding m_fileEncoding;
     const CEncodingInfo* m_pLoadedEncoding = nullptr;  // the marks' bytes are of this encoding

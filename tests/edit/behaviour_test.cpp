@@ -23,6 +23,7 @@
 //   call Name [ARG...]         an automation method with long arguments, or "quoted" strings;
 //                              `set Name [INDEX...] V` a property
 //   focus, blur                the focus comes or goes
+//   lock                       the document refuses every edit, undo and redo from now on
 // Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
 //   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
 //   mousedown 0|1, toprow N, clipboard TEXT|none (the CF_TEXT on the clipboard, without its NUL),
@@ -209,6 +210,7 @@ private:
             {"rbutton", &CEditPlayer::RButton},  {"wait", &CEditPlayer::Wait},
             {"call", &CEditPlayer::Call},        {"set", &CEditPlayer::Set},
             {"focus", &CEditPlayer::Focus},      {"blur", &CEditPlayer::Blur},
+            {"lock", &CEditPlayer::Lock},
             {"expect", &CEditPlayer::Expect},    {"events", &CEditPlayer::Events},
             {"beeps", &CEditPlayer::Beeps},      {"result", &CEditPlayer::Result},
             {"error", &CEditPlayer::Error},      {"prop", &CEditPlayer::Prop},
@@ -376,6 +378,7 @@ private:
     void RButton(const std::string& what) { Button(WM_RBUTTONDOWN, what, 0, false); }
     void Wait(const std::string& ms) { m_platform->AdvanceClock(static_cast<DWORD>(Number(ms))); }
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
+    void Lock(const std::string&) { m_doc->SetLocked(true); }
     void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
 
     // --- Drags ---
