@@ -114,8 +114,8 @@ BOOL CZentrelCtrl::OnDrop(IDataObject* pDataObject, DROPEFFECT dropEffect, POINT
 // a step per tick, a page of the inner area with Shift. Sideways only without word wrap.
 DROPEFFECT CZentrelCtrl::OnDragScroll(DWORD dwKeyState, POINT point) {
     if (!m_pDoc) return DROPEFFECT_NONE;
-    const RECT inner{m_rcClient.left + m_nCharWidth, m_rcClient.top + m_nLineHeight, m_rcClient.right - m_nCharWidth,
-                     m_rcClient.bottom - m_nLineHeight};
+    const auto cw = static_cast<LONG>(m_nCharWidth), lh = static_cast<LONG>(m_nLineHeight);
+    const RECT inner{m_rcClient.left + cw, m_rcClient.top + lh, m_rcClient.right - cw, m_rcClient.bottom - lh};
     DROPEFFECT effect = (dwKeyState & MK_CONTROL) ? DROPEFFECT_COPY : DROPEFFECT_MOVE;
     const bool inside = point.x >= inner.left && point.x < inner.right && point.y >= inner.top && point.y < inner.bottom;
     if (inside) return effect;
