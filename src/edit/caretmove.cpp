@@ -67,32 +67,39 @@ void CZentrelCtrl::MoveCaret(long pos, int mods) {
     ShowCaret(m_hWnd);
 }
 
-void CZentrelCtrl::CharLeft(int mods) {
-    m_nGoalX = -1;
-    if (m_nSelActive != m_nSelAnchor && mods == 0) {
-        m_pSelection->CollapseToLeft();
+namespace {
+
+// Left and right differ in which way a selection collapses and a step or a word goes.
+struct SideStep {
+    HRESULT (ISourceRange::*collapse)();
+    HRESULT (ISourceText::*word)(long, long*);
+    long (CZentrelCtrl::*character)(long);
+};
+
+// Without a modifier a selection collapses to that side; otherwise the caret steps from the
+// active end, by a word with Ctrl.
+void MoveSideways(CZentrelCtrl& view, SideStep step, int mods) {
+    view.m_nGoalX = -1;
+    if (view.m_nSelActive != view.m_nSelAnchor && mods == 0) {
+        (view.m_pSelection->*step.collapse)();
         return;
     }
-    long target = m_nSelActive;
+    long target = view.m_nSelActive;
     if (mods & 2)
-        m_pDoc->PrevWord(m_nSelActive, &target);
+        (view.m_pDoc->*step.word)(view.m_nSelActive, &target);
     else
-        target = PrevCharPos(m_nSelActive);
-    MoveCaret(target, mods);
+        target = (view.*step.character)(view.m_nSelActive);
+    view.MoveCaret(target, mods);
+}
+
+}  // namespace
+
+void CZentrelCtrl::CharLeft(int mods) {
+    MoveSideways(*this, {&ISourceRange::CollapseToLeft, &ISourceText::PrevWord, &CZentrelCtrl::PrevCharPos}, mods);
 }
 
 void CZentrelCtrl::CharRight(int mods) {
-    m_nGoalX = -1;
-    if (m_nSelActive != m_nSelAnchor && mods == 0) {
-        m_pSelection->CollapseToRight();
-        return;
-    }
-    long target = m_nSelActive;
-    if (mods & 2)
-        m_pDoc->NextWord(m_nSelActive, &target);
-    else
-        target = NextCharPos(m_nSelActive);
-    MoveCaret(target, mods);
+    MoveSideways(*this, {&ISourceRange::CollapseToRight, &ISourceText::NextWord, &CZentrelCtrl::NextCharPos}, mods);
 }
 
 namespace {

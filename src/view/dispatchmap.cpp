@@ -63,6 +63,17 @@ void FormatColorProperty(Table& t, DISPID id, const char* name, OLE_COLOR (CZent
                1);
 }
 
+// A method of one long argument that answers two longs through by-reference arguments.
+void PairOutMethod(Table& t, DISPID id, const char* name, void (CZentrelCtrl::*method)(long, long*, long*)) {
+    t.Method(id, name, 3, [method](CZentrelCtrl& c, Args& a) {
+        long first = 0, second = 0;
+        (c.*method)(ArgLong(a, 0), &first, &second);
+        ArgSetOut(a, 1, Variant::Long(first));
+        ArgSetOut(a, 2, Variant::Long(second));
+        return Nothing();
+    });
+}
+
 void AddOptions(Table& t) {
     for (const OptionProperty& p : kOptionProperties) {
         DWORD mask = p.mask;
@@ -202,13 +213,7 @@ void AddMapping(Table& t) {
     t.Method(59, "FindPositionFromCoordinate", 2, [](CZentrelCtrl& c, Args& a) {
         return Variant::Long(c.FindPositionFromCoordinate(ArgLong(a, 0), ArgLong(a, 1)));
     });
-    t.Method(63, "FindCoordinateFromPosition", 3, [](CZentrelCtrl& c, Args& a) {
-        long column = 0, row = 0;
-        c.FindCoordinateFromPosition(ArgLong(a, 0), &column, &row);
-        ArgSetOut(a, 1, Variant::Long(column));
-        ArgSetOut(a, 2, Variant::Long(row));
-        return Nothing();
-    });
+    PairOutMethod(t, 63, "FindCoordinateFromPosition", &CZentrelCtrl::FindCoordinateFromPosition);
     t.Method(65, "ScrollToTop", 0, [](CZentrelCtrl& c, Args&) {
         c.ScrollToTop();
         return Nothing();
@@ -245,13 +250,7 @@ void AddEditing(Table& t) {
         c.SelectWordAtPos(ArgLong(a, 0));
         return Nothing();
     });
-    t.Method(67, "GetWordPosAtPos", 3, [](CZentrelCtrl& c, Args& a) {
-        long start = 0, end = 0;
-        c.GetWordPosAtPos(ArgLong(a, 0), &start, &end);
-        ArgSetOut(a, 1, Variant::Long(start));
-        ArgSetOut(a, 2, Variant::Long(end));
-        return Nothing();
-    });
+    PairOutMethod(t, 67, "GetWordPosAtPos", &CZentrelCtrl::GetWordPosAtPos);
     t.Method(90, "GetMatchChar", 1, [](CZentrelCtrl& c, Args& a) { return Variant::Long(c.GetMatchChar(ArgLong(a, 0))); });
 }
 
