@@ -30,33 +30,33 @@ int32_t LongValue(const Variant& v) { return ValueAs<int32_t>(v, &Variant::ToLon
 const CDispatchTable<CHtmlDocument>& DocumentTable() {
     using D = CHtmlDocument;
     static const CDispatchTable<D> table = [] {
-        CDispatchTable<D> t;
-        t.Property(kDocText, "Text", [](D& d, const Args&) { return Variant::Str(d.GetText()); },
+        CDispatchTable<D> t("IHtmlDocument", IID_IDispatch, "The HTML document");
+        t.Property(kDocText, "BSTR Text", [](D& d, const Args&) { return Variant::Str(d.GetText()); },
                    [](D& d, const Args&, const Variant& v) { Check(d.SetText(StrValue(v)), "The text is too large"); });
-        t.Property(kDocLength, "Length", [](D& d, const Args&) { return Variant::Long(d.GetLength()); });
-        t.Property(kDocPathName, "PathName", [](D& d, const Args&) { return Variant::Str(d.PathName()); },
+        t.Property(kDocLength, "long Length", [](D& d, const Args&) { return Variant::Long(d.GetLength()); });
+        t.Property(kDocPathName, "BSTR PathName", [](D& d, const Args&) { return Variant::Str(d.PathName()); },
                    [](D& d, const Args&, const Variant& v) { d.SetPathName(StrValue(v)); });
-        t.Property(kDocModified, "Modified", [](D& d, const Args&) { return Variant::Bool(d.IsModified()); },
+        t.Property(kDocModified, "BOOL Modified", [](D& d, const Args&) { return Variant::Bool(d.IsModified()); },
                    [](D& d, const Args&, const Variant& v) { d.SetModified(BoolValue(v)); });
-        t.Property(kDocLineCount, "LineCount", [](D& d, const Args&) { return Variant::Long(d.LineCount()); });
-        t.Property(kDocEncoding, "Encoding", [](D& d, const Args&) { return Variant::Str(d.Encoding()); },
+        t.Property(kDocLineCount, "long LineCount", [](D& d, const Args&) { return Variant::Long(d.LineCount()); });
+        t.Property(kDocEncoding, "BSTR Encoding", [](D& d, const Args&) { return Variant::Str(d.Encoding()); },
                    [](D& d, const Args&, const Variant& v) {
                        if (FAILED(d.SetEncoding(StrValue(v)))) throw AutomationError::InvalidValue();
                    });
-        t.Property(kDocDefaultEncoding, "DefaultEncoding", [](D& d, const Args&) { return Variant::Str(d.DefaultEncoding()); },
+        t.Property(kDocDefaultEncoding, "BSTR DefaultEncoding", [](D& d, const Args&) { return Variant::Str(d.DefaultEncoding()); },
                    [](D& d, const Args&, const Variant& v) {
                        if (FAILED(d.SetDefaultEncoding(StrValue(v)))) throw AutomationError::InvalidValue();
                    });
-        t.Property(kDocByteOrderMark, "ByteOrderMark", [](D& d, const Args&) { return Variant::Bool(d.ByteOrderMark()); },
+        t.Property(kDocByteOrderMark, "BOOL ByteOrderMark", [](D& d, const Args&) { return Variant::Bool(d.ByteOrderMark()); },
                    [](D& d, const Args&, const Variant& v) { d.SetByteOrderMark(BoolValue(v)); });
-        t.Method(kDocUndo, "Undo", 0, [](D& d, Args&) { return Variant::Bool(SUCCEEDED(d.Undo(nullptr, nullptr))); });
-        t.Method(kDocRedo, "Redo", 0, [](D& d, Args&) { return Variant::Bool(SUCCEEDED(d.Redo(nullptr, nullptr))); });
-        t.Method(kDocLoad, "Load", 1, [](D& d, Args& a) {
+        t.Method(kDocUndo, "BOOL Undo()", [](D& d, Args&) { return Variant::Bool(SUCCEEDED(d.Undo(nullptr, nullptr))); });
+        t.Method(kDocRedo, "BOOL Redo()", [](D& d, Args&) { return Variant::Bool(SUCCEEDED(d.Redo(nullptr, nullptr))); });
+        t.Method(kDocLoad, "void Load(BSTR lpszPathName)", [](D& d, Args& a) {
             std::string error;
             Check(d.LoadFile(ArgStr(a, 0), &error), error);
             return Variant();
         });
-        t.Method(kDocSave, "Save", 1, [](D& d, Args& a) {
+        t.Method(kDocSave, "void Save(BSTR lpszPathName)", [](D& d, Args& a) {
             std::string error;
             Check(d.SaveFile(ArgStr(a, 0), &error), error);
             return Variant();
@@ -69,18 +69,18 @@ const CDispatchTable<CHtmlDocument>& DocumentTable() {
 const CDispatchTable<CSourceRange>& RangeTable() {
     using R = CSourceRange;
     static const CDispatchTable<R> table = [] {
-        CDispatchTable<R> t;
-        t.Property(kRangeStart, "Start", [](R& r, const Args&) { return Variant::Long(r.GetStart()); });
-        t.Property(kRangeEnd, "End", [](R& r, const Args&) { return Variant::Long(r.GetEnd()); });
-        t.Property(kRangeActive, "Active", [](R& r, const Args&) { return Variant::Long(r.GetActive()); },
+        CDispatchTable<R> t("ISourceRange", IID_IDispatch, "A range of the document's text");
+        t.Property(kRangeStart, "long Start", [](R& r, const Args&) { return Variant::Long(r.GetStart()); });
+        t.Property(kRangeEnd, "long End", [](R& r, const Args&) { return Variant::Long(r.GetEnd()); });
+        t.Property(kRangeActive, "long Active", [](R& r, const Args&) { return Variant::Long(r.GetActive()); },
                    [](R& r, const Args&, const Variant& v) {
                        if (FAILED(r.SetActive(LongValue(v), TRUE))) throw AutomationError::InvalidValue();
                    });
-        t.Property(kRangeAnchor, "Anchor", [](R& r, const Args&) { return Variant::Long(r.GetAnchor()); },
+        t.Property(kRangeAnchor, "long Anchor", [](R& r, const Args&) { return Variant::Long(r.GetAnchor()); },
                    [](R& r, const Args&, const Variant& v) {
                        if (FAILED(r.SetAnchor(LongValue(v)))) throw AutomationError::InvalidValue();
                    });
-        t.Property(kRangeText, "Text", [](R& r, const Args&) { return Variant::Str(r.Text()); },
+        t.Property(kRangeText, "BSTR Text", [](R& r, const Args&) { return Variant::Str(r.Text()); },
                    [](R& r, const Args&, const Variant& v) {
                        std::string text = StrValue(v);
                        Check(r.ReplaceText(text.data(), static_cast<long>(text.size()), nullptr), "The text cannot be replaced");

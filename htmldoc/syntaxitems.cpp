@@ -237,7 +237,7 @@ private:
     static const CDispatchTable<CSchemaDispatch>& Table() {
         static const CDispatchTable<CSchemaDispatch> table = [] {
             CDispatchTable<CSchemaDispatch> t;
-            t.Property(1, "Root", [](CSchemaDispatch&, const std::vector<Variant>&) {
+            t.Property(1, "IDispatch* Root", [](CSchemaDispatch&, const std::vector<Variant>&) {
                 ComPtr<CSchemaNode> root(new CSchemaNode(CSchemaNode::Level::Root, 0));
                 return Variant::Dispatch(static_cast<IDispatch*>(root.Get()));
             });

@@ -68,3 +68,70 @@ HRESULT GuardedInvoke(const std::function<void()>& call, ExcepInfo* excep) {
         return DISP_E_TYPEMISMATCH;
     }
 }
+
+HRESULT LookUpName(const CInterfaceInfo& info, const std::string& name, DISPID* pDispId) {
+    if (!pDispId) return E_POINTER;
+    const CMemberInfo* m = info.FindName(name);
+    *pDispId = m ? m->id : DISPID_UNKNOWN;
+    return m ? S_OK : DISP_E_UNKNOWNNAME;
+}
+
+namespace {
+
+// A by-reference argument must point at a value of exactly its declared type.
+HRESULT CheckByRef(const CParamInfo& param, const Variant& arg) {
+    if (!arg.IsByRef() || static_cast<VARTYPE>(arg.Type() & ~VT_BYREF) != VarTypeOf(param.type))
+        return DISP_E_TYPEMISMATCH;
+    return arg.RefVal() ? S_OK : E_POINTER;
+}
+
+HRESULT CoerceArguments(const std::vector<CParamInfo>& params, const std::vector<Variant>& args,
+                        std::vector<Variant>* coerced) {
+    coerced->resize(args.size());
+    for (size_t i = 0; i < params.size(); ++i) {
+        if (params[i].byRef) {
+            if (HRESULT hr = CheckByRef(params[i], args[i]); FAILED(hr)) return hr;
+            (*coerced)[i] = args[i];
+        } else if (!CoerceArgument(params[i], args[i], &(*coerced)[i])) {
+            return DISP_E_TYPEMISMATCH;
+        }
+    }
+    return S_OK;
+}
+
+HRESULT ShapeOf(const CMemberInfo& m, WORD flags, size_t nArgs, CallShape* shape) {
+    const size_t n = m.params.size();
+    if (m.kind == MemberKind::Method) {
+        // A method without parameters may be read like a property, as script hosts do.
+        if (!(flags & DISPATCH_METHOD) && !((flags & DISPATCH_PROPERTYGET) && n == 0)) return DISP_E_MEMBERNOTFOUND;
+        *shape = CallShape::Call;
+        return nArgs == n ? S_OK : DISP_E_BADPARAMCOUNT;
+    }
+    if (m.kind != MemberKind::Property) return DISP_E_MEMBERNOTFOUND;
+    if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
+        *shape = CallShape::Put;
+        return nArgs == n + 1 ? S_OK : DISP_E_BADPARAMCOUNT;
+    }
+    if (!(flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD))) return DISP_E_MEMBERNOTFOUND;
+    *shape = CallShape::Get;
+    return nArgs == n ? S_OK : DISP_E_BADPARAMCOUNT;
+}
+
+}  // namespace
+
+HRESULT PrepareInvoke(const CMemberInfo& member, WORD flags, const std::vector<Variant>& args,
+                      std::vector<Variant>* coerced, CallShape* shape, ExcepInfo* excep) {
+    if (HRESULT hr = ShapeOf(member, flags, args.size(), shape); FAILED(hr)) return hr;
+    if (*shape == CallShape::Put && !member.writable)
+        return GuardedInvoke([] { throw AutomationError(CTL_E_SETNOTSUPPORTED, {}); }, excep);
+    if (HRESULT hr = CoerceArguments(member.params, args, coerced); FAILED(hr)) return hr;
+    if (*shape == CallShape::Put && !CoerceArgument(member.result, args.back(), &coerced->back()))
+        return DISP_E_TYPEMISMATCH;
+    return S_OK;
+}
+
+Variant DeclaredResult(const CMemberInfo& member, Variant value) {
+    if (member.result.type == AutoType::Void) return Variant();
+    Variant out;
+    return CoerceArgument(member.result, value, &out) ? out : value;
+}

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/com/dispatch.h"
+#include "platform/com/typeinfo.h"
 
 constexpr SCODE CTL_E_INVALIDPROPERTYVALUE = MakeHr(0x800A017Cu);       // error 380
 constexpr SCODE CTL_E_INVALIDPROPERTYARRAYINDEX = MakeHr(0x800A017Du);  // error 381
@@ -45,8 +45,22 @@ IUnknown* ArgUnknown(const std::vector<Variant>& args, size_t i);    // no refer
 // Writes an out parameter (a by-reference argument).
 void ArgSetOut(const std::vector<Variant>& args, size_t i, const Variant& value);
 
+// What one Invoke asks of a member, once checked against the member's declaration.
+enum class CallShape { Get, Put, Call };
+// Checks the flags and the number of arguments, converts the by-value arguments into `coerced`
+// (by-reference ones are passed on as they are, and must point somewhere of their declared
+// type), and says which code runs. A put of a read-only property fails here with error 383.
+HRESULT PrepareInvoke(const CMemberInfo& member, WORD flags, const std::vector<Variant>& args,
+                      std::vector<Variant>* coerced, CallShape* shape, ExcepInfo* excep);
+// The value of a member in its declared type (nothing for a method without a result).
+Variant DeclaredResult(const CMemberInfo& member, Variant value);
+HRESULT LookUpName(const CInterfaceInfo& info, const std::string& name, DISPID* pDispId);
+
 // The members of one automation interface, by dispid and name, with the code behind each.
-// T is the object the table serves; one table per class, shared by all instances.
+// T is the object the table serves; one table per class, shared by all instances. Each member
+// is declared by its signature (see typeinfo.h); Invoke checks the call against it, converts
+// every by-value argument to its declared type before the code runs, and gives the result in
+// the declared type, so the code behind a member sees exactly the types it was declared with.
 template <class T>
 class CDispatchTable {
 public:
@@ -54,36 +68,36 @@ public:
     using Setter = std::function<void(T&, const std::vector<Variant>& index, const Variant& value)>;
     using MethodFn = std::function<Variant(T&, std::vector<Variant>& args)>;
 
-    struct Entry {
-        DISPID id;
-        std::string name;
-        size_t nParams;  // index parameters of a property, parameters of a method
-        Getter get;
-        Setter put;  // null: read-only, a set raises error 383
-        MethodFn call;
-    };
+    explicit CDispatchTable(std::string name = {}, GUID iid = {}, std::string help = {})
+        : m_info(std::move(name), iid, std::move(help)) {}
 
-    CDispatchTable& Property(DISPID id, std::string name, Getter get, Setter put = nullptr, size_t nIndex = 0) {
-        m_entries.push_back({id, std::move(name), nIndex, std::move(get), std::move(put), nullptr});
+    // A property; without a setter it is read-only and a set raises error 383.
+    CDispatchTable& Property(DISPID id, std::string_view signature, Getter get, Setter put = nullptr) {
+        m_info.Add(id, MemberKind::Property, signature, put != nullptr);
+        m_code.push_back({std::move(get), std::move(put), nullptr});
         return *this;
     }
-    CDispatchTable& Method(DISPID id, std::string name, size_t nParams, MethodFn call) {
-        m_entries.push_back({id, std::move(name), nParams, nullptr, nullptr, std::move(call)});
+    CDispatchTable& Method(DISPID id, std::string_view signature, MethodFn call) {
+        m_info.Add(id, MemberKind::Method, signature);
+        m_code.push_back({nullptr, nullptr, std::move(call)});
         return *this;
     }
 
-    const Entry* Find(DISPID id) const {
-        for (const Entry& e : m_entries)
-            if (e.id == id) return &e;
-        return nullptr;
-    }
+    const CInterfaceInfo& Info() const { return m_info; }
+    bool Has(DISPID id) const { return m_info.Find(id) != nullptr; }
 
-    HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) const;
+    HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) const { return LookUpName(m_info, name, pDispId); }
     HRESULT Invoke(T& self, DISPID id, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) const;
 
 private:
-    std::vector<Entry> m_entries;
+    struct Code {
+        Getter get;
+        Setter put;
+        MethodFn call;
+    };
+    CInterfaceInfo m_info;
+    std::vector<Code> m_code;  // in the order of m_info's members
 };
 
 bool EqualNoCase(const std::string& a, const std::string& b);
@@ -91,46 +105,23 @@ bool EqualNoCase(const std::string& a, const std::string& b);
 HRESULT GuardedInvoke(const std::function<void()>& call, ExcepInfo* excep);
 
 template <class T>
-HRESULT CDispatchTable<T>::GetIDsOfNames(const std::string& name, DISPID* pDispId) const {
-    if (!pDispId) return E_POINTER;
-    for (const Entry& e : m_entries) {
-        if (EqualNoCase(e.name, name)) {
-            *pDispId = e.id;
-            return S_OK;
-        }
-    }
-    *pDispId = DISPID_UNKNOWN;
-    return DISP_E_UNKNOWNNAME;
-}
-
-template <class T>
 HRESULT CDispatchTable<T>::Invoke(T& self, DISPID id, WORD flags, std::vector<Variant>& args, Variant* result,
                                   ExcepInfo* excep) const {
-    const Entry* e = Find(id);
-    if (!e) return DISP_E_MEMBERNOTFOUND;
-    if (e->call) {
-        if (!(flags & DISPATCH_METHOD) && !((flags & DISPATCH_PROPERTYGET) && e->nParams == 0))
-            return DISP_E_MEMBERNOTFOUND;
-        if (args.size() != e->nParams) return DISP_E_BADPARAMCOUNT;
-        return GuardedInvoke([&] {
-            Variant v = e->call(self, args);
-            if (result) *result = std::move(v);
-        }, excep);
-    }
-    if (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) {
-        if (args.size() != e->nParams + 1) return DISP_E_BADPARAMCOUNT;
-        if (!e->put) {
-            return GuardedInvoke([] { throw AutomationError(CTL_E_SETNOTSUPPORTED, {}); }, excep);
+    const CMemberInfo* member = m_info.Find(id);
+    if (!member) return DISP_E_MEMBERNOTFOUND;
+    const Code& code = m_code[static_cast<size_t>(member - m_info.Members().data())];
+    std::vector<Variant> a;
+    CallShape shape;
+    if (HRESULT hr = PrepareInvoke(*member, flags, args, &a, &shape, excep); FAILED(hr)) return hr;
+    return GuardedInvoke([&] {
+        Variant v;
+        if (shape == CallShape::Put) {
+            Variant value = std::move(a.back());
+            a.pop_back();
+            code.put(self, a, value);
+        } else {
+            v = shape == CallShape::Call ? code.call(self, a) : code.get(self, a);
         }
-        std::vector<Variant> index(args.begin(), args.end() - 1);
-        return GuardedInvoke([&] { e->put(self, index, args.back()); }, excep);
-    }
-    if (flags & (DISPATCH_PROPERTYGET | DISPATCH_METHOD)) {
-        if (args.size() != e->nParams) return DISP_E_BADPARAMCOUNT;
-        return GuardedInvoke([&] {
-            Variant v = e->get(self, args);
-            if (result) *result = std::move(v);
-        }, excep);
-    }
-    return DISP_E_MEMBERNOTFOUND;
+        if (result) *result = DeclaredResult(*member, std::move(v));
+    }, excep);
 }

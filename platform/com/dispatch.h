@@ -24,8 +24,13 @@ struct ExcepInfo {
     std::string source;
 };
 
+class CInterfaceInfo;
+
 class IDispatch : public IUnknown {
 public:
+    // The description of the members, for clients that know nothing of the object; null when
+    // the object gives none.
+    virtual const CInterfaceInfo* GetTypeInfo() { return nullptr; }
     // Names are compared without regard to case, as automation clients expect.
     virtual HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) = 0;
     // Failures: DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT, DISP_E_TYPEMISMATCH, or

@@ -83,6 +83,8 @@ public:
     const std::string& StrVal() const { return m_str; }
     IUnknown* UnknownVal() const { return m_punk; }
     IDispatch* DispatchVal() const { return m_pdisp; }
+    // Where a by-reference value points; null for a null reference.
+    void* RefVal() const { return IsByRef() ? m_pref : nullptr; }
 
 private:
     void CopyFrom(const Variant& o);

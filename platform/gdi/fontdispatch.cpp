@@ -9,32 +9,32 @@ using Args = std::vector<Variant>;
 
 // A flag of the font as a boolean property.
 void FlagProperty(Table& t, DISPID id, const char* name, bool FontDesc::*flag) {
-    t.Property(id, name, [flag](CFontDispatch& f, const Args&) { return Variant::Bool(f.Desc().*flag); },
+    t.Property(id, std::string("BOOL ") + name, [flag](CFontDispatch& f, const Args&) { return Variant::Bool(f.Desc().*flag); },
                [flag](CFontDispatch& f, const Args&, const Variant& v) { f.Desc().*flag = ArgBool({v}, 0); });
 }
 
 const Table& FontTable() {
     static const Table table = [] {
         Table t;
-        t.Property(DISPID_FONT_NAME, "Name", [](CFontDispatch& f, const Args&) { return Variant::Str(f.Desc().name); },
+        t.Property(DISPID_FONT_NAME, "BSTR Name", [](CFontDispatch& f, const Args&) { return Variant::Str(f.Desc().name); },
                    [](CFontDispatch& f, const Args&, const Variant& v) { f.Desc().name = ArgStr({v}, 0); });
-        t.Property(DISPID_FONT_SIZE, "Size",
+        t.Property(DISPID_FONT_SIZE, "CURRENCY Size",
                    [](CFontDispatch& f, const Args&) { return Variant::Currency(f.Desc().height); },
                    [](CFontDispatch& f, const Args&, const Variant& v) {
                        int64_t size = 0;
                        if (!v.ToCurrency(&size) || size <= 0) throw AutomationError::InvalidValue();
                        f.Desc().height = size;
                    });
-        t.Property(DISPID_FONT_BOLD, "Bold", [](CFontDispatch& f, const Args&) { return Variant::Bool(f.Desc().weight >= 600); },
+        t.Property(DISPID_FONT_BOLD, "BOOL Bold", [](CFontDispatch& f, const Args&) { return Variant::Bool(f.Desc().weight >= 600); },
                    [](CFontDispatch& f, const Args&, const Variant& v) {
                        f.Desc().weight = static_cast<int16_t>(ArgBool({v}, 0) ? 700 : 400);
                    });
         FlagProperty(t, DISPID_FONT_ITALIC, "Italic", &FontDesc::italic);
         FlagProperty(t, DISPID_FONT_UNDER, "Underline", &FontDesc::underline);
         FlagProperty(t, DISPID_FONT_STRIKE, "Strikethrough", &FontDesc::strikethrough);
-        t.Property(DISPID_FONT_WEIGHT, "Weight", [](CFontDispatch& f, const Args&) { return Variant::Short(f.Desc().weight); },
+        t.Property(DISPID_FONT_WEIGHT, "short Weight", [](CFontDispatch& f, const Args&) { return Variant::Short(f.Desc().weight); },
                    [](CFontDispatch& f, const Args&, const Variant& v) { f.Desc().weight = ArgShort({v}, 0); });
-        t.Property(DISPID_FONT_CHARSET, "Charset",
+        t.Property(DISPID_FONT_CHARSET, "short Charset",
                    [](CFontDispatch& f, const Args&) { return Variant::Short(f.Desc().charset); },
                    [](CFontDispatch& f, const Args&, const Variant& v) { f.Desc().charset = ArgShort({v}, 0); });
         return t;

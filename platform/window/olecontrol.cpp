@@ -21,30 +21,6 @@ COLORREF SystemColor(int index) {
     }
 }
 
-const CDispatchTable<COleControl>& StockTable() {
-    static const CDispatchTable<COleControl> table = [] {
-        CDispatchTable<COleControl> t;
-        t.Property(DISPID_APPEARANCE, "Appearance",
-                   [](COleControl& c, auto&) { return Variant::Short(c.GetAppearance()); },
-                   [](COleControl& c, auto&, const Variant& v) { c.SetAppearance(ArgShort({v}, 0)); });
-        t.Property(DISPID_BORDERSTYLE, "BorderStyle",
-                   [](COleControl& c, auto&) { return Variant::Short(c.GetBorderStyle()); },
-                   [](COleControl& c, auto&, const Variant& v) { c.SetBorderStyle(ArgShort({v}, 0)); });
-        t.Property(DISPID_HWND, "HWnd", [](COleControl& c, auto&) {
-            return Variant::ULong(static_cast<uint32_t>(reinterpret_cast<uintptr_t>(c.GetSafeHwnd())));
-        });
-        t.Property(DISPID_ENABLED, "Enabled",
-                   [](COleControl& c, auto&) { return Variant::Bool(c.GetEnabled() != 0); },
-                   [](COleControl& c, auto&, const Variant& v) { c.SetEnabled(ArgBool({v}, 0)); });
-        t.Method(DISPID_REFRESH, "Refresh", 0, [](COleControl& c, auto&) {
-            c.Refresh();
-            return Variant();
-        });
-        return t;
-    }();
-    return table;
-}
-
 }  // namespace
 
 COLORREF GetSysColor(int index) { return SystemColor(index); }
@@ -59,6 +35,8 @@ COleControl::~COleControl() {
 HRESULT COleControl::QueryInterface(REFIID riid, void** ppv) {
     if (!ppv) return E_POINTER;
     if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+    if (riid == IID_IProvideClassInfo) return HandOut(static_cast<IProvideClassInfo*>(this), ppv);
+    if (riid == IID_IConnectionPointContainer) return HandOut(static_cast<IConnectionPointContainer*>(this), ppv);
     *ppv = nullptr;
     return QueryExtraInterface(riid, ppv);
 }
@@ -87,14 +65,37 @@ HRESULT COleControl::QueryExtraInterface(REFIID, void** ppv) {
 }
 
 HRESULT COleControl::GetIDsOfNames(const std::string& name, DISPID* pDispId) {
-    if (SUCCEEDED(StockTable().GetIDsOfNames(name, pDispId))) return S_OK;
     return GetOwnIDsOfNames(name, pDispId);
 }
 
 HRESULT COleControl::Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                             ExcepInfo* excep) {
-    if (StockTable().Find(dispid)) return StockTable().Invoke(*this, dispid, flags, args, result, excep);
     return InvokeOwn(dispid, flags, args, result, excep);
+}
+
+HRESULT COleControl::Advise(IDispatch* sink, DWORD* pCookie) {
+    if (!sink || !pCookie) return E_POINTER;
+    *pCookie = m_events.Advise(sink);
+    return S_OK;
+}
+
+HRESULT COleControl::Unadvise(DWORD cookie) { return m_events.Unadvise(cookie); }
+
+void AddStockEvents(CInterfaceInfo& events) {
+    events.Add(DISPID_KEYDOWN, MemberKind::Event, "KeyDown(short* KeyCode, short Shift)");
+    events.Add(DISPID_KEYUP, MemberKind::Event, "KeyUp(short* KeyCode, short Shift)");
+    events.Add(DISPID_CLICK, MemberKind::Event, "Click()");
+    events.Add(DISPID_DBLCLICK, MemberKind::Event, "DblClick()");
+    events.Add(DISPID_MOUSEDOWN, MemberKind::Event,
+               "MouseDown(short Button, short Shift, OLE_XPOS_PIXELS x, OLE_YPOS_PIXELS y)");
+    events.Add(DISPID_KEYPRESS, MemberKind::Event, "KeyPress(short* KeyAscii)");
+    events.Add(DISPID_MOUSEMOVE, MemberKind::Event,
+               "MouseMove(short Button, short Shift, OLE_XPOS_PIXELS x, OLE_YPOS_PIXELS y)");
+    events.Add(DISPID_MOUSEUP, MemberKind::Event, "MouseUp(short Button, short Shift, OLE_XPOS_PIXELS x, OLE_YPOS_PIXELS y)");
+    events.Add(DISPID_READYSTATECHANGE, MemberKind::Event, "ReadyStateChange()");
+    events.Add(DISPID_ERROREVENT, MemberKind::Event,
+               "Error(short Number, BSTR* Description, SCODE Scode, BSTR Source, BSTR HelpFile, long HelpContext, "
+               "BOOL* CancelDisplay)");
 }
 
 HRESULT COleControl::GetOwnIDsOfNames(const std::string&, DISPID* pDispId) {

@@ -41,14 +41,20 @@ constexpr DISPID DISPID_KEYUP = -604;
 constexpr DISPID DISPID_MOUSEDOWN = -605;
 constexpr DISPID DISPID_MOUSEMOVE = -606;
 constexpr DISPID DISPID_MOUSEUP = -607;
+constexpr DISPID DISPID_ERROREVENT = -608;
+constexpr DISPID DISPID_READYSTATECHANGE = -609;
 
-class COleControl : public IDispatch, public IMessageHandler {
+class COleControl : public IDispatch,
+                    public IProvideClassInfo,
+                    public IConnectionPointContainer,
+                    public IMessageHandler {
 public:
     COleControl();
     COleControl(const COleControl&) = delete;
     COleControl& operator=(const COleControl&) = delete;
 
-    // IUnknown: answers IUnknown and IDispatch, then whatever QueryExtraInterface adds.
+    // IUnknown: answers IUnknown, IDispatch, IProvideClassInfo and IConnectionPointContainer,
+    // then whatever QueryExtraInterface adds.
     HRESULT QueryInterface(REFIID riid, void** ppv) override;
     ULONG AddRef() override;
     ULONG Release() override;
@@ -62,6 +68,12 @@ public:
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override {
         return DefWindowProc(message, wParam, lParam);
     }
+
+    // IProvideClassInfo: the control's class, interfaces and enumerations; none by default.
+    const CClassInfo* GetClassInfo() override { return nullptr; }
+    // IConnectionPointContainer: the sinks of the control's events.
+    HRESULT Advise(IDispatch* sink, DWORD* pCookie) override;
+    HRESULT Unadvise(DWORD cookie) override;
 
     // Events.
     DWORD AdviseEvents(IDispatch* sink) { return m_events.Advise(sink); }
@@ -142,3 +154,27 @@ private:
     LONG m_nExtentX = 2540;  // HIMETRIC: a new control is one inch by one inch
     LONG m_nExtentY = 2540;
 };
+
+// The stock members of every control, added to the control's own table so that its one type
+// description covers them: Appearance, BorderStyle, HWnd, Enabled and Refresh.
+template <class T>
+void AddStockMembers(CDispatchTable<T>& t) {
+    using Args = std::vector<Variant>;
+    t.Property(DISPID_APPEARANCE, "AppearanceType Appearance",
+               [](T& c, const Args&) { return Variant::Short(c.GetAppearance()); },
+               [](T& c, const Args&, const Variant& v) { c.SetAppearance(ArgShort({v}, 0)); });
+    t.Property(DISPID_BORDERSTYLE, "short BorderStyle", [](T& c, const Args&) { return Variant::Short(c.GetBorderStyle()); },
+               [](T& c, const Args&, const Variant& v) { c.SetBorderStyle(ArgShort({v}, 0)); });
+    t.Property(DISPID_HWND, "OLE_HANDLE HWnd", [](T& c, const Args&) {
+        return Variant::Long(static_cast<int32_t>(reinterpret_cast<uintptr_t>(c.GetSafeHwnd())));
+    });
+    t.Property(DISPID_ENABLED, "BOOL Enabled", [](T& c, const Args&) { return Variant::Bool(c.GetEnabled() != 0); },
+               [](T& c, const Args&, const Variant& v) { c.SetEnabled(ArgBool({v}, 0)); });
+    t.Method(DISPID_REFRESH, "void Refresh()", [](T& c, Args&) {
+        c.Refresh();
+        return Variant();
+    });
+}
+
+// The stock events, in the order a type library lists them.
+void AddStockEvents(CInterfaceInfo& events);

@@ -8,6 +8,7 @@
 const CLSID CLSID_Zentrel = MakeGuid("{09D5F3E5-B21C-11D1-9B66-0000C0E4E6E4}");
 const IID IID_DZentrel = MakeGuid("{09D5F3E3-B21C-11D1-9B66-0000C0E4E6E4}");
 const IID IID_DZentrelEvents = MakeGuid("{09D5F3E4-B21C-11D1-9B66-0000C0E4E6E4}");
+const GUID LIBID_Zentrel = MakeGuid("{09D5F3E2-B21C-11D1-9B66-0000C0E4E6E4}");
 
 namespace {
 

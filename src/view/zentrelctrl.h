@@ -26,6 +26,7 @@
 extern const CLSID CLSID_Zentrel;
 extern const IID IID_DZentrel;
 extern const IID IID_DZentrelEvents;
+extern const GUID LIBID_Zentrel;
 
 // Event dispatch ids.
 constexpr DISPID EVENT_SELECTIONCHANGED = 1;
@@ -35,6 +36,8 @@ constexpr DISPID EVENT_EDITMODETOGGLED = 4;
 constexpr DISPID EVENT_DOCUMENTCHANGED = 5;
 constexpr DISPID EVENT_AUTOCONVERTTOGGLED = 6;
 constexpr DISPID EVENT_BOOKMARKCHANGED = 7;
+constexpr DISPID EVENT_REQUESTCOLOR = 8;  // the other requests follow, 9 to 16
+constexpr DISPID EVENT_SYNTAXOBJECTCHANGED = 17;
 
 // Window timers of the control.
 constexpr UINT kCompletionTimer = 1;
@@ -46,6 +49,10 @@ constexpr long WIDTH_UNLIMITED = 0x7FFFFFFF;
 
 class CZentrelCtrl : public COleControl {
 public:
+    // The automation surface as data: the dispatch interface, and the class with its events.
+    static const CInterfaceInfo* DispatchInterface();
+    const CInterfaceInfo* GetTypeInfo() override { return DispatchInterface(); }
+    const CClassInfo* GetClassInfo() override;
     CZentrelCtrl();
 
     // The version of the persisted form.

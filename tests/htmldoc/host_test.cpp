@@ -94,7 +94,7 @@ TEST(HostDispatch, DocumentMembersByNameAndTheirErrors) {
     EXPECT_EQ(excep.scode, STG_E_FILENOTFOUND);
     EXPECT_NE(excep.description.find("/no/such/file.htm"), std::string::npos);
     EXPECT_EQ(disp->Invoke(id("Load"), DISPATCH_METHOD, none, nullptr, nullptr), DISP_E_BADPARAMCOUNT);
-    args = {Variant::Long(3)};
+    args = {Variant::Dispatch(nullptr)};
     EXPECT_EQ(disp->Invoke(id("Text"), DISPATCH_PROPERTYPUT, args, nullptr, nullptr), DISP_E_TYPEMISMATCH);
     EXPECT_EQ(disp->Invoke(1234, DISPATCH_METHOD, none, nullptr, nullptr), DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(d.Text(), "a<b>x</b>");

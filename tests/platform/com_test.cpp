@@ -81,15 +81,15 @@ struct Thing {
 const CDispatchTable<Thing>& ThingTable() {
     static const CDispatchTable<Thing> table = [] {
         CDispatchTable<Thing> t;
-        t.Property(1, "Value", [](Thing& x, auto&) { return Variant::Long(x.value); },
+        t.Property(1, "long Value", [](Thing& x, auto&) { return Variant::Long(x.value); },
                    [](Thing& x, auto&, const Variant& v) {
                        int32_t n = ArgLong({v}, 0);
                        if (n < 0) throw AutomationError::InvalidValue();
                        x.value = n;
                    });
-        t.Property(2, "ReadOnly", [](Thing&, auto&) { return Variant::Long(1); });
-        t.Method(3, "Add", 2, [](Thing&, std::vector<Variant>& a) { return Variant::Long(ArgLong(a, 0) + ArgLong(a, 1)); });
-        t.Method(4, "Fail", 0, [](Thing&, auto&) -> Variant { throw AutomationError::Raised("went wrong"); });
+        t.Property(2, "long ReadOnly", [](Thing&, auto&) { return Variant::Long(1); });
+        t.Method(3, "long Add(long a, long b)", [](Thing&, std::vector<Variant>& a) { return Variant::Long(ArgLong(a, 0) + ArgLong(a, 1)); });
+        t.Method(4, "void Fail()", [](Thing&, auto&) -> Variant { throw AutomationError::Raised("went wrong"); });
         return t;
     }();
     return table;
