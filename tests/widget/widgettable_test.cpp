@@ -1,0 +1,112 @@
+// The widget's meta-object against the control's type description: every member of the table
+// has its Qt property, invokable, slot or signal with the Qt types of its automation types, and
+// the widget adds no member of its own beyond the error report.
+#include <gtest/gtest.h>
+
+#include <QMetaMethod>
+#include <QMetaProperty>
+#include <set>
+
+#include "src/view/zentrelctrl.h"
+#include "widget/zentrelwidget.h"
+
+namespace {
+
+QByteArray QtName(const std::string& name) {
+    QByteArray qt = QByteArray::fromStdString(name);
+    qt[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(qt[0])));
+    return qt;
+}
+
+// "name(type,type)" of the given parameters, those passed by reference left out when `inOnly`.
+QByteArray Signature(const QByteArray& name, const std::vector<CParamInfo>& params, bool inOnly,
+                     const QByteArray& extra = {}) {
+    QByteArrayList types;
+    for (const CParamInfo& p : params) {
+        if (!(inOnly && p.byRef)) types << QtParamTypeName(p);
+    }
+    if (!extra.isEmpty()) types << extra;
+    return name + '(' + types.join(',') + ')';
+}
+
+// The method of the widget with this signature and kind; null when there is none.
+std::optional<QMetaMethod> Find(const QByteArray& signature, QMetaMethod::MethodType kind) {
+    const QMetaObject& mo = ZentrelWidget::staticMetaObject;
+    const int index = mo.indexOfMethod(QMetaObject::normalizedSignature(signature.constData()));
+    if (index < mo.methodOffset() || mo.method(index).methodType() != kind) return std::nullopt;
+    return mo.method(index);
+}
+
+class WidgetTable : public ::testing::Test {
+protected:
+    WidgetTable() : ctrl(CreateZentrelCtrl()) {}
+    ~WidgetTable() override { ctrl->Release(); }
+
+    const CInterfaceInfo& Dispatch() const { return *ctrl->GetTypeInfo(); }
+    const CInterfaceInfo& Events() const { return *ctrl->GetClassInfo()->events; }
+
+    CZentrelCtrl* ctrl;
+};
+
+TEST_F(WidgetTable, EveryPropertyIsAQtPropertyOrAnIndexedAccessor) {
+    const QMetaObject& mo = ZentrelWidget::staticMetaObject;
+    for (const CMemberInfo& m : Dispatch().Members()) {
+        if (m.kind != MemberKind::Property) continue;
+        SCOPED_TRACE(m.name);
+        const QByteArray name = QtName(m.name);
+        if (m.params.empty()) {
+            const int index = mo.indexOfProperty(name);
+            ASSERT_GE(index, 0);
+            EXPECT_EQ(QByteArray(mo.property(index).typeName()), QtTypeName(m.result.type));
+            EXPECT_EQ(mo.property(index).isWritable(), m.writable);
+            continue;
+        }
+        const auto getter = Find(Signature(name, m.params, false), QMetaMethod::Method);
+        ASSERT_TRUE(getter);
+        EXPECT_EQ(QByteArray(getter->typeName()), QtTypeName(m.result.type));
+        const QByteArray setter = "set" + QByteArray::fromStdString(m.name);
+        EXPECT_EQ(Find(Signature(setter, m.params, false, QtTypeName(m.result.type)), QMetaMethod::Method).has_value(), m.writable);
+    }
+}
+
+TEST_F(WidgetTable, EveryMethodIsASlotAnsweringItsOutValues) {
+    const std::set<QByteArray> outResults = {"QPoint", "std::pair<int,int>", "QVariant"};
+    for (const CMemberInfo& m : Dispatch().Members()) {
+        if (m.kind != MemberKind::Method) continue;
+        SCOPED_TRACE(m.name);
+        const auto slot = Find(Signature(QtName(m.name), m.params, true), QMetaMethod::Slot);
+        ASSERT_TRUE(slot);
+        const QByteArray result = slot->typeName();
+        if (m.OutParamCount() > 0) EXPECT_TRUE(outResults.count(result)) << result.constData();
+        else EXPECT_EQ(result, QtTypeName(m.result.type));
+    }
+}
+
+TEST_F(WidgetTable, EveryEventIsASignalWithPointersForItsByReferenceArguments) {
+    EXPECT_EQ(Events().Members().size(), 27u);
+    for (const CMemberInfo& e : Events().Members()) {
+        SCOPED_TRACE(e.name);
+        EXPECT_TRUE(Find(Signature(QtName(e.name), e.params, false), QMetaMethod::Signal));
+    }
+}
+
+// The other way round: what the widget declares comes from the table.
+TEST_F(WidgetTable, TheWidgetDeclaresNothingBeyondTheTable) {
+    const QMetaObject& mo = ZentrelWidget::staticMetaObject;
+    for (int i = mo.propertyOffset(); i < mo.propertyCount(); ++i) {
+        QByteArray name = mo.property(i).name();
+        name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+        EXPECT_NE(Dispatch().FindName(name.toStdString()), nullptr) << name.constData();
+    }
+    for (int i = mo.methodOffset(); i < mo.methodCount(); ++i) {
+        const QMetaMethod method = mo.method(i);
+        QByteArray name = method.name();
+        if (name == "automationError") continue;
+        if (name.startsWith("set") && method.methodType() == QMetaMethod::Method) name = name.mid(3);
+        name[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(name[0])));
+        const CInterfaceInfo& table = method.methodType() == QMetaMethod::Signal ? Events() : Dispatch();
+        EXPECT_NE(table.FindName(name.toStdString()), nullptr) << method.methodSignature().constData();
+    }
+}
+
+}  // namespace

@@ -1,0 +1,303 @@
+#include "widget/zentrelwidget.h"
+
+#include <QEvent>
+#include <QMetaMethod>
+#include <array>
+
+#include "platform/qt/qtplatform.h"
+#include "platform/qt/qtwindow.h"
+#include "src/view/zentrelctrl.h"
+
+namespace {
+
+// The Qt backend while widgets need it: installed by the first widget unless the host has
+// installed one, and taken down with the last.
+class CSharedQtPlatform {
+public:
+    void Acquire() {
+        if (m_nUsers++ > 0 || dynamic_cast<CQtPlatform*>(GetPlatformBackend())) return;
+        m_platform = std::make_unique<CQtPlatform>();
+        m_pPrevious = SetPlatformBackend(m_platform.get());
+    }
+    void Release() {
+        if (--m_nUsers > 0 || !m_platform) return;
+        SetPlatformBackend(m_pPrevious);
+        m_platform.reset();
+    }
+
+private:
+    int m_nUsers = 0;
+    std::unique_ptr<CQtPlatform> m_platform;
+    IPlatformBackend* m_pPrevious = nullptr;
+};
+
+CSharedQtPlatform& SharedQtPlatform() {
+    static CSharedQtPlatform shared;
+    return shared;
+}
+
+QByteArray QtName(const std::string& name) {
+    QByteArray qt = QByteArray::fromStdString(name);
+    if (!qt.isEmpty()) qt[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(qt[0])));
+    return qt;
+}
+
+// The number of an automation error: the low word of an error of the automation facility,
+// the code itself otherwise (0 for a raised text).
+int ErrorNumber(SCODE scode) {
+    constexpr SCODE kFacilityMask = static_cast<SCODE>(0xFFFF0000u);
+    constexpr SCODE kAutomationErrors = static_cast<SCODE>(0x800A0000u);
+    return (scode & kFacilityMask) == kAutomationErrors ? scode & 0xFFFF : scode;
+}
+
+// Storage for the by-reference arguments that the widget supplies to a call or reads back.
+struct OutCell {
+    int16_t s = 0;
+    int32_t n = 0;
+    VARIANT_BOOL b = 0;
+    OLE_COLOR color = 0;
+    std::string str;
+
+    Variant Ref(AutoType type) {
+        switch (type) {
+            case AutoType::Short:
+            case AutoType::Enum: return Variant::RefShort(&s);
+            case AutoType::Bool: return Variant::RefBool(&b);
+            case AutoType::Color: return Variant::RefColor(&color);
+            case AutoType::Str: return Variant::RefStr(&str);
+            default: return Variant::RefLong(&n);
+        }
+    }
+};
+
+QPair<int, int> PairOf(const QVariantList& outs) { return {outs.value(0).toInt(), outs.value(1).toInt()}; }
+
+}  // namespace
+
+// What a method call gave: its result and its out values, in the order of its parameters.
+struct ZentrelWidget::Outcome {
+    bool ok = false;
+    QVariant result;
+    QVariantList outs;
+};
+
+// Hears the control's events and turns them into the widget's signals.
+class ZentrelWidget::EventSink final : public IDispatch {
+public:
+    explicit EventSink(ZentrelWidget* widget) : m_pWidget(widget) {}
+    HRESULT QueryInterface(REFIID riid, void** ppv) override {
+        if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    // Owned by the widget, which unadvises it before it goes.
+    ULONG AddRef() override { return 1; }
+    ULONG Release() override { return 1; }
+    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
+        m_pWidget->EmitEvent(id, args);
+        return S_OK;
+    }
+
+private:
+    ZentrelWidget* m_pWidget;
+};
+
+ZentrelWidget::ZentrelWidget(QWidget* parent) : QWidget(parent), m_sink(std::make_unique<EventSink>(this)) {
+    SharedQtPlatform().Acquire();
+    m_pCtrl = CreateZentrelCtrl();
+    m_pInfo = m_pCtrl->GetTypeInfo();
+    m_pEvents = m_pCtrl->GetClassInfo()->events;
+    QueryAs<IConnectionPointContainer>(static_cast<IDispatch*>(m_pCtrl), IID_IConnectionPointContainer)
+        ->Advise(m_sink.get(), &m_dwCookie);
+    m_pView = QtWidgetFromHwnd(CreateQtChildWindow(m_pCtrl, this, {0, 0, std::max(width(), 1), std::max(height(), 1)}));
+    setFocusProxy(m_pView);
+}
+
+ZentrelWidget::~ZentrelWidget() {
+    QueryAs<IConnectionPointContainer>(static_cast<IDispatch*>(m_pCtrl), IID_IConnectionPointContainer)->Unadvise(m_dwCookie);
+    m_pCtrl->SetDocument(nullptr);
+    m_pCtrl->DestroyControlWindow();
+    m_pCtrl->Release();
+    SharedQtPlatform().Release();
+}
+
+IDispatch* ZentrelWidget::dispatch() const { return m_pCtrl; }
+
+void ZentrelWidget::changeEvent(QEvent* event) {
+    // The widget's enabled state is the control's Enabled property.
+    if (event->type() == QEvent::EnabledChange) Put("Enabled", isEnabled());
+    QWidget::changeEvent(event);
+}
+
+void ZentrelWidget::resizeEvent(QResizeEvent* event) {
+    if (m_pView) m_pView->setGeometry(rect());
+    QWidget::resizeEvent(event);
+}
+
+const CMemberInfo* ZentrelWidget::Member(const char* name) const {
+    const CMemberInfo* member = m_pInfo->FindName(name);
+    if (!member) Fail(DISP_E_UNKNOWNNAME, QString::fromLatin1(name));
+    return member;
+}
+
+void ZentrelWidget::Fail(int number, const QString& text) const {
+    m_lastError = {number, text};
+    emit const_cast<ZentrelWidget*>(this)->automationError(number, text);
+}
+
+bool ZentrelWidget::Invoke(const CMemberInfo* member, WORD flags, std::vector<Variant>& args, Variant* result) const {
+    m_lastError = {};
+    if (!member) return false;
+    ExcepInfo excep;
+    const HRESULT hr = m_pCtrl->Invoke(member->id, flags, args, result, &excep);
+    if (hr == DISP_E_EXCEPTION) Fail(ErrorNumber(excep.scode), QtStringFromHost(excep.description));
+    else if (FAILED(hr)) Fail(hr, {});
+    return SUCCEEDED(hr);
+}
+
+QVariant ZentrelWidget::Get(const char* name, std::vector<Variant> index) const {
+    const CMemberInfo* member = Member(name);
+    Variant result;
+    if (!Invoke(member, DISPATCH_PROPERTYGET, index, &result)) return QtValueFromVariant(member ? member->result.type : AutoType::Void, Variant());
+    return QtValueFromVariant(member->result.type, result);
+}
+
+void ZentrelWidget::Put(const char* name, const QVariant& value, std::vector<Variant> index) {
+    const CMemberInfo* member = Member(name);
+    if (!member) return;
+    Variant v;
+    if (!VariantFromQtValue(member->result.type, value, &v)) return Fail(DISP_E_TYPEMISMATCH, {});
+    index.push_back(std::move(v));
+    Invoke(member, DISPATCH_PROPERTYPUT, index, nullptr);
+}
+
+ZentrelWidget::Outcome ZentrelWidget::Call(const char* name, const QVariantList& in) {
+    Outcome outcome;
+    const CMemberInfo* member = Member(name);
+    if (!member) return outcome;
+    std::vector<OutCell> cells(member->params.size());
+    std::vector<Variant> args;
+    int next = 0;
+    for (size_t i = 0; i < member->params.size(); ++i) {
+        const CParamInfo& param = member->params[i];
+        Variant v;
+        if (param.byRef) v = cells[i].Ref(param.type);
+        else if (!VariantFromQtValue(param.type, in.value(next++), &v)) {
+            Fail(DISP_E_TYPEMISMATCH, {});
+            return outcome;
+        }
+        args.push_back(std::move(v));
+    }
+    Variant result;
+    outcome.ok = Invoke(member, DISPATCH_METHOD, args, &result);
+    outcome.result = QtValueFromVariant(member->result.type, result);
+    for (size_t i = 0; i < member->params.size(); ++i) {
+        if (member->params[i].byRef) outcome.outs << QtValueFromVariant(member->params[i].type, args[i]);
+    }
+    return outcome;
+}
+
+void ZentrelWidget::EmitEvent(DISPID id, std::vector<Variant>& args) {
+    const CMemberInfo* event = m_pEvents->Find(id);
+    if (!event || event->params.size() != args.size()) return;
+    QByteArray signature = QtName(event->name) + '(';
+    for (size_t i = 0; i < event->params.size(); ++i) signature += (i ? "," : "") + QtParamTypeName(event->params[i]);
+    const int index = metaObject()->indexOfSignal(QMetaObject::normalizedSignature(signature + ')'));
+    if (index < 0) return;
+    // Each argument as its Qt value; a by-reference one is passed as a pointer to that value.
+    constexpr size_t kMaxArgs = 10;
+    const size_t count = std::min(args.size(), kMaxArgs);
+    std::array<QVariant, kMaxArgs> values;
+    std::array<void*, kMaxArgs> pointers{};
+    std::array<QByteArray, kMaxArgs> names;
+    std::array<QGenericArgument, kMaxArgs> generic;
+    for (size_t i = 0; i < count; ++i) {
+        const CParamInfo& param = event->params[i];
+        values[i] = QtValueFromVariant(param.type, args[i]);
+        if (!values[i].isValid()) values[i] = QVariant(QMetaType::fromName(QtTypeName(param.type)));
+        names[i] = QtParamTypeName(param);
+        pointers[i] = values[i].data();
+        generic[i] = QGenericArgument(names[i].constData(), param.byRef ? static_cast<const void*>(&pointers[i]) : pointers[i]);
+    }
+    metaObject()->method(index).invoke(this, Qt::DirectConnection, generic[0], generic[1], generic[2], generic[3],
+                                       generic[4], generic[5], generic[6], generic[7], generic[8], generic[9]);
+    for (size_t i = 0; i < count; ++i) {
+        Variant answer;
+        if (event->params[i].byRef && VariantFromQtValue(event->params[i].type, values[i], &answer)) args[i].SetByRef(answer);
+    }
+}
+
+QString ZentrelWidget::formatStyleName(int format) const { return Get("FormatStyleName", {Variant::Long(format)}).toString(); }
+QColor ZentrelWidget::formatBackColor(int format) const { return Get("FormatBackColor", {Variant::Long(format)}).value<QColor>(); }
+void ZentrelWidget::setFormatBackColor(int format, const QColor& color) { Put("FormatBackColor", color, {Variant::Long(format)}); }
+QColor ZentrelWidget::formatTextColor(int format) const { return Get("FormatTextColor", {Variant::Long(format)}).value<QColor>(); }
+void ZentrelWidget::setFormatTextColor(int format, const QColor& color) { Put("FormatTextColor", color, {Variant::Long(format)}); }
+int ZentrelWidget::formatStyle(int format) const { return Get("FormatStyle", {Variant::Long(format)}).toInt(); }
+void ZentrelWidget::setFormatStyle(int format, int style) { Put("FormatStyle", style, {Variant::Long(format)}); }
+QColor ZentrelWidget::syntaxPickerColor(int index) const { return Get("SyntaxPickerColor", {Variant::Long(index)}).value<QColor>(); }
+void ZentrelWidget::setSyntaxPickerColor(int index, const QColor& color) { Put("SyntaxPickerColor", color, {Variant::Long(index)}); }
+QString ZentrelWidget::bookmarkName(int index) const { return Get("BookmarkName", {Variant::Long(index)}).toString(); }
+void ZentrelWidget::setBookmarkName(int index, const QString& name) { Put("BookmarkName", name, {Variant::Long(index)}); }
+
+void ZentrelWidget::refresh() { Call("Refresh", {}); }
+void ZentrelWidget::aboutBox() { Call("AboutBox", {}); }
+void ZentrelWidget::addExceptionTag(const QString& tagName, const QColor& foreground, const QColor& background) {
+    Call("AddExceptionTag", {tagName, foreground, background});
+}
+void ZentrelWidget::removeAllExceptionTags() { Call("RemoveAllExceptionTags", {}); }
+bool ZentrelWidget::formatChangeBegin() { return Call("FormatChangeBegin", {}).result.toBool(); }
+void ZentrelWidget::formatChangeEnd() { Call("FormatChangeEnd", {}); }
+bool ZentrelWidget::saveExtraInfo(const ComPtr<IUnknown>& stream) { return Call("SaveExtraInfo", {QVariant::fromValue(stream)}).result.toBool(); }
+bool ZentrelWidget::loadExtraInfo(const ComPtr<IUnknown>& stream) { return Call("LoadExtraInfo", {QVariant::fromValue(stream)}).result.toBool(); }
+bool ZentrelWidget::saveExtraInfoToFile(const QString& fileName) { return Call("SaveExtraInfoToFile", {fileName}).result.toBool(); }
+bool ZentrelWidget::loadExtraInfoFromFile(const QString& fileName) { return Call("LoadExtraInfoFromFile", {fileName}).result.toBool(); }
+bool ZentrelWidget::loadExtraInfoFromRegKey(int key) { return Call("LoadExtraInfoFromRegKey", {key}).result.toBool(); }
+bool ZentrelWidget::saveExtraInfoToRegKey(int key) { return Call("SaveExtraInfoToRegKey", {key}).result.toBool(); }
+QVariant ZentrelWidget::saveExtraInfoToMemory() {
+    const Outcome o = Call("SaveExtraInfoToMemory", {});
+    return o.result.toBool() ? o.outs.value(0) : QVariant();
+}
+bool ZentrelWidget::loadExtraInfoFromMemory(int memory, int size) { return Call("LoadExtraInfoFromMemory", {memory, size}).result.toBool(); }
+void ZentrelWidget::setSelection(int start, int end) { Call("SetSelection", {start, end}); }
+QPair<int, int> ZentrelWidget::getSelection() { return PairOf(Call("GetSelection", {}).outs); }
+void ZentrelWidget::clearSelection() { Call("ClearSelection", {}); }
+bool ZentrelWidget::addBookmark(const QString& name) { return Call("AddBookmark", {name}).result.toBool(); }
+bool ZentrelWidget::deleteBookmark(const QString& name) { return Call("DeleteBookmark", {name}).result.toBool(); }
+bool ZentrelWidget::pointInGutter(int x, int y) { return Call("PointInGutter", {x, y}).result.toBool(); }
+void ZentrelWidget::scrollCaretToView() { Call("ScrollCaretToView", {}); }
+int ZentrelWidget::findPositionFromPoint(int x, int y) { return Call("FindPositionFromPoint", {x, y}).result.toInt(); }
+int ZentrelWidget::findPositionFromCoordinate(int column, int row) { return Call("FindPositionFromCoordinate", {column, row}).result.toInt(); }
+QPoint ZentrelWidget::findCoordinateFromPosition(int position) {
+    const QPair<int, int> columnRow = PairOf(Call("FindCoordinateFromPosition", {position}).outs);
+    return {columnRow.first, columnRow.second};
+}
+void ZentrelWidget::scrollToTop() { Call("ScrollToTop", {}); }
+QVariant ZentrelWidget::findPointFromPosition(int position) {
+    const Outcome o = Call("FindPointFromPosition", {position});
+    if (!o.result.toBool()) return QVariant();
+    const QPair<int, int> xy = PairOf(o.outs);
+    return QPoint(xy.first, xy.second);
+}
+void ZentrelWidget::cut() { Call("Cut", {}); }
+void ZentrelWidget::copy() { Call("Copy", {}); }
+void ZentrelWidget::paste() { Call("Paste", {}); }
+void ZentrelWidget::undo() { Call("Undo", {}); }
+void ZentrelWidget::redo() { Call("Redo", {}); }
+void ZentrelWidget::selectWordAtPos(int position) { Call("SelectWordAtPos", {position}); }
+QPair<int, int> ZentrelWidget::getWordPosAtPos(int position) { return PairOf(Call("GetWordPosAtPos", {position}).outs); }
+int ZentrelWidget::getMatchChar(int position) { return Call("GetMatchChar", {position}).result.toInt(); }
+void ZentrelWidget::removeAllBookmarks() { Call("RemoveAllBookmarks", {}); }
+bool ZentrelWidget::gotoBookmark(const QString& name) { return Call("GotoBookmark", {name}).result.toBool(); }
+bool ZentrelWidget::findBookmark(const QString& name) { return Call("FindBookmark", {name}).result.toBool(); }
+bool ZentrelWidget::collapse() { return Call("Collapse", {}).result.toBool(); }
+bool ZentrelWidget::expand(bool oneLevel) { return Call("Expand", {oneLevel}).result.toBool(); }
+bool ZentrelWidget::collapseRange(int start, int end) { return Call("CollapseRange", {start, end}).result.toBool(); }
+ComPtr<IDispatch> ZentrelWidget::findCollapseFromPos(int position) {
+    return Call("FindCollapseFromPos", {position}).result.value<ComPtr<IDispatch>>();
+}
+bool ZentrelWidget::expandRange(int start, int end, bool oneLevel) { return Call("ExpandRange", {start, end, oneLevel}).result.toBool(); }
+bool ZentrelWidget::print(const QString& pathName) { return Call("Print", {pathName}).result.toBool(); }
+bool ZentrelWidget::pageSetup() { return Call("PageSetup", {}).result.toBool(); }
+bool ZentrelWidget::showSyntaxPicker() { return Call("ShowSyntaxPicker", {}).result.toBool(); }
+bool ZentrelWidget::hideSyntaxPicker() { return Call("HideSyntaxPicker", {}).result.toBool(); }
