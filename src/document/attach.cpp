@@ -12,14 +12,21 @@ BOOL CZentrelCtrl::AttachDocument(IDispatch* pDocument) {
     if (!doc) return FALSE;
     ComPtr<ISourceRange> selection;
     if (FAILED(doc->CreateRange(selection.Out())) || !selection) return FALSE;
-    selection->SetOwner(static_cast<IDispatch*>(this));
     selection->MarkAsSelection(TRUE);
 
     DetachDocument();
 
+    // The document's advice and the selection's owner must not keep the control alive, or a
+    // host that lets go of the control while a document is attached would leave both behind:
+    // the references that they take are given back at once, and taken again before they are
+    // withdrawn.
+    const ULONG before = CurrentRefs();
+    selection->SetOwner(static_cast<IDispatch*>(this));
     doc->AdviseTextSink(&m_xTextSink);
     DWORD cookie = 0;
     selection->AdviseRangeSink(&m_xRangeSink, &cookie);
+    m_nAdviceRefs = CurrentRefs() - before;
+    for (ULONG i = 0; i < m_nAdviceRefs; ++i) Release();
     m_Bookmarks.SetDocument(doc.Get());
     ComPtr<ISourceSyntax> syntax = QueryAs<ISourceSyntax>(pDocument, IID_ISourceSyntax);
     ComPtr<ISourceTokens> tokens = QueryAs<ISourceTokens>(pDocument, IID_ISourceTokens);
@@ -44,6 +51,7 @@ BOOL CZentrelCtrl::AttachDocument(IDispatch* pDocument) {
 
 void CZentrelCtrl::DetachDocument() {
     if (m_pDoc) {
+        for (; m_nAdviceRefs > 0; --m_nAdviceRefs) AddRef();
         m_Bookmarks.RemoveAll();
         m_CollapseRoot.RemoveAllChildren();
         m_Bookmarks.SetDocument(nullptr);
@@ -60,6 +68,11 @@ void CZentrelCtrl::DetachDocument() {
     }
     m_Lines.RemoveAll();
     m_Lines.InsertAt(0, 0);
+}
+
+ULONG CZentrelCtrl::CurrentRefs() {
+    AddRef();
+    return Release();
 }
 
 IDispatch* CZentrelCtrl::GetDocument() {

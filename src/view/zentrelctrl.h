@@ -125,6 +125,8 @@ public:
     // --- Document binding (src/document) ---
     BOOL AttachDocument(IDispatch* pDocument);
     void DetachDocument();
+    // The control's reference count as it stands.
+    ULONG CurrentRefs();
     HRESULT OnChange(long a, long b, IUnknown* change);
     HRESULT OnBusy(BOOL busy, const char* text, long reserved);
     HRESULT OnSelectionChanged(long active, long anchor);
@@ -517,6 +519,9 @@ public:
     long m_nSelAnchor = 0;
     ISourceRange* m_pSelection = nullptr;
     DWORD m_dwSelCookie = 0;
+    // The references that the document's advice and the selection's owner took, which the
+    // control gave back.
+    ULONG m_nAdviceRefs = 0;
     BOOL m_bMouseDown = FALSE;
     BOOL m_bDragSelectTimer = FALSE;
 

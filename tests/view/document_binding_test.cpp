@@ -17,7 +17,6 @@ protected:
     }
     void TearDown() override {
         ctrl->UnadviseEvents(cookie);
-        // The document's advice holds the control: a host detaches before it lets go.
         ctrl->SetDocument(nullptr);
         control = nullptr;
         EXPECT_EQ(log.refs, 0u);
