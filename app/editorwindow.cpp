@@ -14,8 +14,8 @@
 #include <cstdio>
 
 #include "platform/qt/qtplatform.h"
-#include "platform/qt/qtwindow.h"
 #include "src/view/module.h"
+#include "widget/zentrelwidget.h"
 
 // Hears the control's events and hands them to the window with a readable text.
 class CStatusSink final : public IDispatch {
@@ -62,12 +62,12 @@ private:
 
 CEditorWindow::CEditorWindow() : m_doc(CreateHtmlDocument()), m_sink(std::make_unique<CStatusSink>(this)) {
     m_pPreviousPlatform = SetPlatformBackend(&m_platform);
-    m_pCtrl = CreateZentrelCtrl();
+    m_pWidget = new ZentrelWidget(this);
+    m_pCtrl = static_cast<CZentrelCtrl*>(m_pWidget->dispatch());
     m_dwCookie = m_pCtrl->AdviseEvents(m_sink.get());
     ApplyEditorLook(m_pCtrl, EditorLook::Modern);
-    HWND hwnd = CreateQtChildWindow(m_pCtrl, nullptr);
-    setCentralWidget(QtWidgetFromHwnd(hwnd));
-    m_pCtrl->SetDocument(static_cast<IDispatch*>(m_doc.Get()));
+    setCentralWidget(m_pWidget);
+    m_pWidget->setDocument(static_cast<IDispatch*>(m_doc.Get()));
     m_pEvents = new QLabel(this);
     m_pMode = new QLabel(this);
     m_pConvert = new QLabel(this);
@@ -78,13 +78,12 @@ CEditorWindow::CEditorWindow() : m_doc(CreateHtmlDocument()), m_sink(std::make_u
     m_pEvents->setText("Ready");
     UpdateModes();
     UpdateTitle();
-    QtWidgetFromHwnd(hwnd)->setFocus();
+    m_pWidget->setFocus();
 }
 
 CEditorWindow::~CEditorWindow() {
     m_pCtrl->UnadviseEvents(m_dwCookie);
-    m_pCtrl->DestroyControlWindow();
-    m_pCtrl->Release();
+    delete m_pWidget;
     SetPlatformBackend(m_pPreviousPlatform);
 }
 

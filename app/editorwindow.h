@@ -14,6 +14,7 @@
 
 class CStatusSink;
 class QLabel;
+class ZentrelWidget;
 
 class CEditorWindow : public QMainWindow {
     Q_OBJECT
@@ -46,7 +47,8 @@ private:
     CQtPlatform m_platform;  // the window services of this process; outlives the control's window
     IPlatformBackend* m_pPreviousPlatform = nullptr;
     ComPtr<CHtmlDocument> m_doc;
-    CZentrelCtrl* m_pCtrl = nullptr;  // one reference, released in the destructor
+    ZentrelWidget* m_pWidget = nullptr;  // deleted in the destructor, while the window services stand
+    CZentrelCtrl* m_pCtrl = nullptr;     // the widget's control
     std::unique_ptr<CStatusSink> m_sink;
     static constexpr int kShownEvents = 4;  // events the status line lists, newest first
     QStringList m_events;
