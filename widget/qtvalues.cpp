@@ -70,7 +70,9 @@ QFont QtFontFromDispatch(IDispatch* font) {
 ComPtr<IDispatch> FontDispatchFromQt(const QFont& font) {
     FontDesc desc;
     desc.name = HostStringFromQt(font.family());
-    desc.height = static_cast<int64_t>(font.pointSizeF() * 10000.0 + 0.5);
+    // A font sized in pixels counts 96 of them to the inch.
+    const double points = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize() * 0.75;
+    desc.height = static_cast<int64_t>(points * 10000.0 + 0.5);
     desc.weight = static_cast<int16_t>(font.weight());
     desc.italic = font.italic();
     desc.underline = font.underline();
