@@ -197,6 +197,23 @@ TEST_F(Conformance, BadCallsGiveTheHostsErrorAndChangeNothing) {
     EXPECT_EQ(control->Invoke(4242, DISPATCH_PROPERTYGET, none, nullptr, nullptr), DISP_E_MEMBERNOTFOUND);
 }
 
+TEST_F(Conformance, NamedArgumentsArePlacedByTheirParameterNames) {
+    Attach("<p>one two</p>");
+    DISPID id = 0;
+    ASSERT_EQ(control->GetIDsOfNames("SetSelection", &id), S_OK);
+    EXPECT_EQ(InvokeWithNames(control.Get(), id, DISPATCH_METHOD, {}, {{"NEND", Variant::Long(5)}, {"nStart", Variant::Long(10)}},
+                              nullptr, nullptr),
+              S_OK);
+    EXPECT_EQ(ctrl->GetSelectionStart(), 10);
+    EXPECT_EQ(ctrl->GetSelectionEnd(), 5);
+    EXPECT_EQ(InvokeWithNames(control.Get(), id, DISPATCH_METHOD, {Variant::Long(1)}, {{"nStart", Variant::Long(2)}}, nullptr,
+                              nullptr),
+              DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(InvokeWithNames(control.Get(), id, DISPATCH_METHOD, {}, {{"nEnd", Variant::Long(2)}}, nullptr, nullptr),
+              DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(ctrl->GetSelectionStart(), 10);
+}
+
 TEST(TypeLibrary, TheListingNamesEveryMemberWithItsIdentifiers) {
     CTestPlatformScope platform;
     ComPtr<IDispatch> control = MakeControlThroughFactory();
