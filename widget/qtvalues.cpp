@@ -1,10 +1,17 @@
 #include "widget/qtvalues.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "platform/codepage/convert.h"
 #include "platform/gdi/fontdispatch.h"
 #include "platform/window/olecontrol.h"
+
+QByteArray QtMemberName(const std::string& name) {
+    QByteArray qt = QByteArray::fromStdString(name);
+    if (!qt.isEmpty()) qt[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(qt[0])));
+    return qt;
+}
 
 QByteArray QtTypeName(AutoType type) {
     switch (type) {
@@ -150,10 +157,14 @@ bool VariantFromQtValue(AutoType type, const QVariant& value, Variant* out) {
             *out = Variant::Color(OleColorFromQt(c));
             return c.isValid();
         }
-        case AutoType::Font: *out = Variant::Dispatch(FontDispatchFromQt(value.value<QFont>()).Get()); return value.canConvert<QFont>();
+        case AutoType::Font:
+            *out = Variant::Dispatch(FontDispatchFromQt(value.value<QFont>()).Get());
+            return value.canConvert<QFont>();
         case AutoType::Dispatch: *out = Variant::Dispatch(value.value<ComPtr<IDispatch>>().Get()); return true;
         case AutoType::Unknown: *out = Variant::Unknown(value.value<ComPtr<IUnknown>>().Get()); return true;
-        case AutoType::Currency: *out = Variant::Currency(static_cast<int64_t>(value.toDouble() * 10000.0)); return value.canConvert<double>();
+        case AutoType::Currency:
+            *out = Variant::Currency(static_cast<int64_t>(value.toDouble() * 10000.0));
+            return value.canConvert<double>();
         default: {
             bool ok = false;
             *out = Variant::Long(value.toInt(&ok));

@@ -13,6 +13,9 @@
 Q_DECLARE_METATYPE(ComPtr<IDispatch>)
 Q_DECLARE_METATYPE(ComPtr<IUnknown>)
 
+// The Qt name of an automation member: its first letter in lower case (TabSize is tabSize).
+QByteArray QtMemberName(const std::string& name);
+
 // The Qt type of a value of `type`, as the meta-object system writes it ("int", "QColor",
 // "ComPtr<IDispatch>"); "void" for no value.
 QByteArray QtTypeName(AutoType type);

@@ -36,10 +36,8 @@ CSharedQtPlatform& SharedQtPlatform() {
     return shared;
 }
 
-QByteArray QtName(const std::string& name) {
-    QByteArray qt = QByteArray::fromStdString(name);
-    if (!qt.isEmpty()) qt[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(qt[0])));
-    return qt;
+ComPtr<IConnectionPointContainer> ConnectionPoints(IDispatch* object) {
+    return QueryAs<IConnectionPointContainer>(object, IID_IConnectionPointContainer);
 }
 
 // The number of an automation error: the low word of an error of the automation facility,
@@ -108,14 +106,13 @@ ZentrelWidget::ZentrelWidget(QWidget* parent) : QWidget(parent), m_sink(std::mak
     m_pCtrl = CreateZentrelCtrl();
     m_pInfo = m_pCtrl->GetTypeInfo();
     m_pEvents = m_pCtrl->GetClassInfo()->events;
-    QueryAs<IConnectionPointContainer>(static_cast<IDispatch*>(m_pCtrl), IID_IConnectionPointContainer)
-        ->Advise(m_sink.get(), &m_dwCookie);
+    ConnectionPoints(m_pCtrl)->Advise(m_sink.get(), &m_dwCookie);
     m_pView = QtWidgetFromHwnd(CreateQtChildWindow(m_pCtrl, this, {0, 0, std::max(width(), 1), std::max(height(), 1)}));
     setFocusProxy(m_pView);
 }
 
 ZentrelWidget::~ZentrelWidget() {
-    QueryAs<IConnectionPointContainer>(static_cast<IDispatch*>(m_pCtrl), IID_IConnectionPointContainer)->Unadvise(m_dwCookie);
+    ConnectionPoints(m_pCtrl)->Unadvise(m_dwCookie);
     m_pCtrl->SetDocument(nullptr);
     m_pCtrl->DestroyControlWindow();
     m_pCtrl->Release();
@@ -147,8 +144,8 @@ void ZentrelWidget::Fail(int number, const QString& text) const {
 }
 
 bool ZentrelWidget::Invoke(const CMemberInfo* member, WORD flags, std::vector<Variant>& args, Variant* result) const {
+    if (!member) return false;  // Member() has reported it
     m_lastError = {};
-    if (!member) return false;
     ExcepInfo excep;
     const HRESULT hr = m_pCtrl->Invoke(member->id, flags, args, result, &excep);
     if (hr == DISP_E_EXCEPTION) Fail(ErrorNumber(excep.scode), QtStringFromHost(excep.description));
@@ -159,8 +156,8 @@ bool ZentrelWidget::Invoke(const CMemberInfo* member, WORD flags, std::vector<Va
 QVariant ZentrelWidget::Get(const char* name, std::vector<Variant> index) const {
     const CMemberInfo* member = Member(name);
     Variant result;
-    if (!Invoke(member, DISPATCH_PROPERTYGET, index, &result)) return QtValueFromVariant(member ? member->result.type : AutoType::Void, Variant());
-    return QtValueFromVariant(member->result.type, result);
+    if (!Invoke(member, DISPATCH_PROPERTYGET, index, &result)) result.Clear();
+    return QtValueFromVariant(member ? member->result.type : AutoType::Void, result);
 }
 
 void ZentrelWidget::Put(const char* name, const QVariant& value, std::vector<Variant> index) {
@@ -201,7 +198,7 @@ ZentrelWidget::Outcome ZentrelWidget::Call(const char* name, const QVariantList&
 void ZentrelWidget::EmitEvent(DISPID id, std::vector<Variant>& args) {
     const CMemberInfo* event = m_pEvents->Find(id);
     if (!event || event->params.size() != args.size()) return;
-    QByteArray signature = QtName(event->name) + '(';
+    QByteArray signature = QtMemberName(event->name) + '(';
     for (size_t i = 0; i < event->params.size(); ++i) signature += (i ? "," : "") + QtParamTypeName(event->params[i]);
     const int index = metaObject()->indexOfSignal(QMetaObject::normalizedSignature(signature + ')'));
     if (index < 0) return;
@@ -218,27 +215,45 @@ void ZentrelWidget::EmitEvent(DISPID id, std::vector<Variant>& args) {
         if (!values[i].isValid()) values[i] = QVariant(QMetaType::fromName(QtTypeName(param.type)));
         names[i] = QtParamTypeName(param);
         pointers[i] = values[i].data();
-        generic[i] = QGenericArgument(names[i].constData(), param.byRef ? static_cast<const void*>(&pointers[i]) : pointers[i]);
+        const void* data = param.byRef ? static_cast<const void*>(&pointers[i]) : pointers[i];
+        generic[i] = QGenericArgument(names[i].constData(), data);
     }
     metaObject()->method(index).invoke(this, Qt::DirectConnection, generic[0], generic[1], generic[2], generic[3],
                                        generic[4], generic[5], generic[6], generic[7], generic[8], generic[9]);
     for (size_t i = 0; i < count; ++i) {
         Variant answer;
-        if (event->params[i].byRef && VariantFromQtValue(event->params[i].type, values[i], &answer)) args[i].SetByRef(answer);
+        const CParamInfo& param = event->params[i];
+        if (param.byRef && VariantFromQtValue(param.type, values[i], &answer)) args[i].SetByRef(answer);
     }
 }
 
-QString ZentrelWidget::formatStyleName(int format) const { return Get("FormatStyleName", {Variant::Long(format)}).toString(); }
-QColor ZentrelWidget::formatBackColor(int format) const { return Get("FormatBackColor", {Variant::Long(format)}).value<QColor>(); }
-void ZentrelWidget::setFormatBackColor(int format, const QColor& color) { Put("FormatBackColor", color, {Variant::Long(format)}); }
-QColor ZentrelWidget::formatTextColor(int format) const { return Get("FormatTextColor", {Variant::Long(format)}).value<QColor>(); }
-void ZentrelWidget::setFormatTextColor(int format, const QColor& color) { Put("FormatTextColor", color, {Variant::Long(format)}); }
+QString ZentrelWidget::formatStyleName(int format) const {
+    return Get("FormatStyleName", {Variant::Long(format)}).toString();
+}
+QColor ZentrelWidget::formatBackColor(int format) const {
+    return Get("FormatBackColor", {Variant::Long(format)}).value<QColor>();
+}
+void ZentrelWidget::setFormatBackColor(int format, const QColor& color) {
+    Put("FormatBackColor", color, {Variant::Long(format)});
+}
+QColor ZentrelWidget::formatTextColor(int format) const {
+    return Get("FormatTextColor", {Variant::Long(format)}).value<QColor>();
+}
+void ZentrelWidget::setFormatTextColor(int format, const QColor& color) {
+    Put("FormatTextColor", color, {Variant::Long(format)});
+}
 int ZentrelWidget::formatStyle(int format) const { return Get("FormatStyle", {Variant::Long(format)}).toInt(); }
 void ZentrelWidget::setFormatStyle(int format, int style) { Put("FormatStyle", style, {Variant::Long(format)}); }
-QColor ZentrelWidget::syntaxPickerColor(int index) const { return Get("SyntaxPickerColor", {Variant::Long(index)}).value<QColor>(); }
-void ZentrelWidget::setSyntaxPickerColor(int index, const QColor& color) { Put("SyntaxPickerColor", color, {Variant::Long(index)}); }
+QColor ZentrelWidget::syntaxPickerColor(int index) const {
+    return Get("SyntaxPickerColor", {Variant::Long(index)}).value<QColor>();
+}
+void ZentrelWidget::setSyntaxPickerColor(int index, const QColor& color) {
+    Put("SyntaxPickerColor", color, {Variant::Long(index)});
+}
 QString ZentrelWidget::bookmarkName(int index) const { return Get("BookmarkName", {Variant::Long(index)}).toString(); }
-void ZentrelWidget::setBookmarkName(int index, const QString& name) { Put("BookmarkName", name, {Variant::Long(index)}); }
+void ZentrelWidget::setBookmarkName(int index, const QString& name) {
+    Put("BookmarkName", name, {Variant::Long(index)});
+}
 
 void ZentrelWidget::refresh() { Call("Refresh", {}); }
 void ZentrelWidget::aboutBox() { Call("AboutBox", {}); }
@@ -248,17 +263,27 @@ void ZentrelWidget::addExceptionTag(const QString& tagName, const QColor& foregr
 void ZentrelWidget::removeAllExceptionTags() { Call("RemoveAllExceptionTags", {}); }
 bool ZentrelWidget::formatChangeBegin() { return Call("FormatChangeBegin", {}).result.toBool(); }
 void ZentrelWidget::formatChangeEnd() { Call("FormatChangeEnd", {}); }
-bool ZentrelWidget::saveExtraInfo(const ComPtr<IUnknown>& stream) { return Call("SaveExtraInfo", {QVariant::fromValue(stream)}).result.toBool(); }
-bool ZentrelWidget::loadExtraInfo(const ComPtr<IUnknown>& stream) { return Call("LoadExtraInfo", {QVariant::fromValue(stream)}).result.toBool(); }
-bool ZentrelWidget::saveExtraInfoToFile(const QString& fileName) { return Call("SaveExtraInfoToFile", {fileName}).result.toBool(); }
-bool ZentrelWidget::loadExtraInfoFromFile(const QString& fileName) { return Call("LoadExtraInfoFromFile", {fileName}).result.toBool(); }
+bool ZentrelWidget::saveExtraInfo(const ComPtr<IUnknown>& stream) {
+    return Call("SaveExtraInfo", {QVariant::fromValue(stream)}).result.toBool();
+}
+bool ZentrelWidget::loadExtraInfo(const ComPtr<IUnknown>& stream) {
+    return Call("LoadExtraInfo", {QVariant::fromValue(stream)}).result.toBool();
+}
+bool ZentrelWidget::saveExtraInfoToFile(const QString& fileName) {
+    return Call("SaveExtraInfoToFile", {fileName}).result.toBool();
+}
+bool ZentrelWidget::loadExtraInfoFromFile(const QString& fileName) {
+    return Call("LoadExtraInfoFromFile", {fileName}).result.toBool();
+}
 bool ZentrelWidget::loadExtraInfoFromRegKey(int key) { return Call("LoadExtraInfoFromRegKey", {key}).result.toBool(); }
 bool ZentrelWidget::saveExtraInfoToRegKey(int key) { return Call("SaveExtraInfoToRegKey", {key}).result.toBool(); }
 QVariant ZentrelWidget::saveExtraInfoToMemory() {
     const Outcome o = Call("SaveExtraInfoToMemory", {});
     return o.result.toBool() ? o.outs.value(0) : QVariant();
 }
-bool ZentrelWidget::loadExtraInfoFromMemory(int memory, int size) { return Call("LoadExtraInfoFromMemory", {memory, size}).result.toBool(); }
+bool ZentrelWidget::loadExtraInfoFromMemory(int memory, int size) {
+    return Call("LoadExtraInfoFromMemory", {memory, size}).result.toBool();
+}
 void ZentrelWidget::setSelection(int start, int end) { Call("SetSelection", {start, end}); }
 QPair<int, int> ZentrelWidget::getSelection() { return PairOf(Call("GetSelection", {}).outs); }
 void ZentrelWidget::clearSelection() { Call("ClearSelection", {}); }
@@ -267,7 +292,9 @@ bool ZentrelWidget::deleteBookmark(const QString& name) { return Call("DeleteBoo
 bool ZentrelWidget::pointInGutter(int x, int y) { return Call("PointInGutter", {x, y}).result.toBool(); }
 void ZentrelWidget::scrollCaretToView() { Call("ScrollCaretToView", {}); }
 int ZentrelWidget::findPositionFromPoint(int x, int y) { return Call("FindPositionFromPoint", {x, y}).result.toInt(); }
-int ZentrelWidget::findPositionFromCoordinate(int column, int row) { return Call("FindPositionFromCoordinate", {column, row}).result.toInt(); }
+int ZentrelWidget::findPositionFromCoordinate(int column, int row) {
+    return Call("FindPositionFromCoordinate", {column, row}).result.toInt();
+}
 QPoint ZentrelWidget::findCoordinateFromPosition(int position) {
     const QPair<int, int> columnRow = PairOf(Call("FindCoordinateFromPosition", {position}).outs);
     return {columnRow.first, columnRow.second};
@@ -285,7 +312,9 @@ void ZentrelWidget::paste() { Call("Paste", {}); }
 void ZentrelWidget::undo() { Call("Undo", {}); }
 void ZentrelWidget::redo() { Call("Redo", {}); }
 void ZentrelWidget::selectWordAtPos(int position) { Call("SelectWordAtPos", {position}); }
-QPair<int, int> ZentrelWidget::getWordPosAtPos(int position) { return PairOf(Call("GetWordPosAtPos", {position}).outs); }
+QPair<int, int> ZentrelWidget::getWordPosAtPos(int position) {
+    return PairOf(Call("GetWordPosAtPos", {position}).outs);
+}
 int ZentrelWidget::getMatchChar(int position) { return Call("GetMatchChar", {position}).result.toInt(); }
 void ZentrelWidget::removeAllBookmarks() { Call("RemoveAllBookmarks", {}); }
 bool ZentrelWidget::gotoBookmark(const QString& name) { return Call("GotoBookmark", {name}).result.toBool(); }
@@ -296,7 +325,9 @@ bool ZentrelWidget::collapseRange(int start, int end) { return Call("CollapseRan
 ComPtr<IDispatch> ZentrelWidget::findCollapseFromPos(int position) {
     return Call("FindCollapseFromPos", {position}).result.value<ComPtr<IDispatch>>();
 }
-bool ZentrelWidget::expandRange(int start, int end, bool oneLevel) { return Call("ExpandRange", {start, end, oneLevel}).result.toBool(); }
+bool ZentrelWidget::expandRange(int start, int end, bool oneLevel) {
+    return Call("ExpandRange", {start, end, oneLevel}).result.toBool();
+}
 bool ZentrelWidget::print(const QString& pathName) { return Call("Print", {pathName}).result.toBool(); }
 bool ZentrelWidget::pageSetup() { return Call("PageSetup", {}).result.toBool(); }
 bool ZentrelWidget::showSyntaxPicker() { return Call("ShowSyntaxPicker", {}).result.toBool(); }

@@ -12,12 +12,6 @@
 
 namespace {
 
-QByteArray QtName(const std::string& name) {
-    QByteArray qt = QByteArray::fromStdString(name);
-    qt[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(qt[0])));
-    return qt;
-}
-
 // "name(type,type)" of the given parameters, those passed by reference left out when `inOnly`.
 QByteArray Signature(const QByteArray& name, const std::vector<CParamInfo>& params, bool inOnly,
                      const QByteArray& extra = {}) {
@@ -53,7 +47,7 @@ TEST_F(WidgetTable, EveryPropertyIsAQtPropertyOrAnIndexedAccessor) {
     for (const CMemberInfo& m : Dispatch().Members()) {
         if (m.kind != MemberKind::Property) continue;
         SCOPED_TRACE(m.name);
-        const QByteArray name = QtName(m.name);
+        const QByteArray name = QtMemberName(m.name);
         if (m.params.empty()) {
             const int index = mo.indexOfProperty(name);
             ASSERT_GE(index, 0);
@@ -74,7 +68,7 @@ TEST_F(WidgetTable, EveryMethodIsASlotAnsweringItsOutValues) {
     for (const CMemberInfo& m : Dispatch().Members()) {
         if (m.kind != MemberKind::Method) continue;
         SCOPED_TRACE(m.name);
-        const auto slot = Find(Signature(QtName(m.name), m.params, true), QMetaMethod::Slot);
+        const auto slot = Find(Signature(QtMemberName(m.name), m.params, true), QMetaMethod::Slot);
         ASSERT_TRUE(slot);
         const QByteArray result = slot->typeName();
         if (m.OutParamCount() > 0) EXPECT_TRUE(outResults.count(result)) << result.constData();
@@ -86,7 +80,7 @@ TEST_F(WidgetTable, EveryEventIsASignalWithPointersForItsByReferenceArguments) {
     EXPECT_EQ(Events().Members().size(), 27u);
     for (const CMemberInfo& e : Events().Members()) {
         SCOPED_TRACE(e.name);
-        EXPECT_TRUE(Find(Signature(QtName(e.name), e.params, false), QMetaMethod::Signal));
+        EXPECT_TRUE(Find(Signature(QtMemberName(e.name), e.params, false), QMetaMethod::Signal));
     }
 }
 

@@ -15,12 +15,6 @@
 
 namespace {
 
-QByteArray QtName(const std::string& name) {
-    QByteArray qt = QByteArray::fromStdString(name);
-    qt[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(qt[0])));
-    return qt;
-}
-
 // A walk's value as the Qt value of an automation type; nothing when no Qt value stands for it.
 std::optional<QVariant> ToQt(const walk::Value& v, AutoType type) {
     using Kind = walk::Value::Kind;
@@ -135,9 +129,9 @@ private:
     }
 
     Answer Get(const CMemberInfo& m, const std::vector<walk::Value>& index) {
-        if (m.params.empty()) return {true, m_widget.property(QtName(m.name)), {}};
+        if (m.params.empty()) return {true, m_widget.property(QtMemberName(m.name)), {}};
         const auto args = Arguments(index, m.params);
-        return args ? Invoke(QtName(m.name), *args) : Answer{false, {}, {}};
+        return args ? Invoke(QtMemberName(m.name), *args) : Answer{false, {}, {}};
     }
 
     Answer Put(const CMemberInfo& m, std::vector<walk::Value> args) {
@@ -150,7 +144,7 @@ private:
         if (!m.writable) {
             EXPECT_EQ(m_expect.errorNumber, 383);
             if (m.params.empty()) {
-                EXPECT_FALSE(m_widget.setProperty(QtName(m.name), *value));
+                EXPECT_FALSE(m_widget.setProperty(QtMemberName(m.name), *value));
             }
             return {false, {}, {}};
         }
@@ -158,7 +152,7 @@ private:
             index->push_back(*value);
             return Invoke("set" + QByteArray::fromStdString(m.name), *index);
         }
-        EXPECT_TRUE(m_widget.setProperty(QtName(m.name), *value));
+        EXPECT_TRUE(m_widget.setProperty(QtMemberName(m.name), *value));
         return {true, {}, {}};
     }
 
@@ -166,7 +160,7 @@ private:
     Answer Call(const CMemberInfo& m, const std::vector<walk::Value>& in) {
         const auto args = Arguments(in, m.params);
         if (!args) return {false, {}, {}};
-        Answer answer = Invoke(QtName(m.name), *args);
+        Answer answer = Invoke(QtMemberName(m.name), *args);
         if (!answer.expressible || m.OutParamCount() == 0) return answer;
         QVariant shaped = *answer.result;
         if (shaped.metaType() == QMetaType::fromType<QVariant>()) shaped = shaped.value<QVariant>();
