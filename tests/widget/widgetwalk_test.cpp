@@ -103,7 +103,7 @@ private:
             for (size_t a = 0; a < args.size(); ++a) {
                 values[a] = args[a];
                 if (!values[a].convert(method.parameterMetaType(static_cast<int>(a)))) return {false, {}, {}};
-                generic[a] = QGenericArgument(method.parameterTypeName(static_cast<int>(a)).constData(), values[a].constData());
+                generic[a] = QGenericArgument(values[a].metaType().name(), values[a].constData());
             }
             QVariant result(method.returnMetaType());
             QGenericReturnArgument ret(method.typeName(), result.data());
