@@ -89,6 +89,7 @@ CEditorWindow::~CEditorWindow() {
 }
 
 bool CEditorWindow::OpenFile(const QString& path) {
+    KeepViewState();
     std::string error;
     if (FAILED(m_doc->LoadFile(path.toStdString(), &error))) {
         QString text = QString("Cannot open %1: %2").arg(path, QString::fromStdString(error));
@@ -98,6 +99,7 @@ bool CEditorWindow::OpenFile(const QString& path) {
     }
     UpdateTitle();
     FitGutter();
+    m_viewStates.Restore(*m_pCtrl, path);
     OnControlEvent(0, QString("%1 bytes, %2 lines, %3, %4 undecodable bytes")
                           .arg(m_doc->GetLength())
                           .arg(m_pCtrl->GetLineCount())
@@ -258,6 +260,7 @@ bool CEditorWindow::Save() {
         return false;
     }
     UpdateTitle();
+    KeepViewState();
     OnControlEvent(0, QString("Saved %1 bytes").arg(m_doc->GetLength()));
     return true;
 }
@@ -272,6 +275,7 @@ bool CEditorWindow::SaveAs() {
         return false;
     }
     UpdateTitle();
+    KeepViewState();
     return true;
 }
 
@@ -285,7 +289,15 @@ void CEditorWindow::closeEvent(QCloseEvent* e) {
             return;
         }
     }
+    KeepViewState();
     e->accept();
+}
+
+// A document with unsaved changes keeps the state last saved with its file: the view's
+// positions belong to text the file does not hold.
+void CEditorWindow::KeepViewState() {
+    if (m_doc->PathName().empty() || m_doc->IsModified()) return;
+    m_viewStates.Save(*m_pCtrl, QString::fromStdString(m_doc->PathName()));
 }
 
 void CEditorWindow::ToggleOption(DWORD mask, bool on) { m_pCtrl->SetOption(mask, on ? TRUE : FALSE); }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "app/editorlook.h"
+#include "app/viewstates.h"
 
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
@@ -42,6 +43,8 @@ private:
     void FitGutter();
     void UpdateModes();
     void closeEvent(QCloseEvent* e) override;
+    // Keeps the view's state for the open file, when the file holds what the view shows.
+    void KeepViewState();
 
     CQtPlatform m_platform;  // the window services of this process; outlives the control's window
     IPlatformBackend* m_pPreviousPlatform = nullptr;
@@ -56,4 +59,5 @@ private:
     QLabel* m_pEvents = nullptr;
     QLabel* m_pMode = nullptr;
     QLabel* m_pConvert = nullptr;
+    CViewStates m_viewStates{CViewStates::DefaultDirectory()};
 };
