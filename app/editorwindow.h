@@ -27,6 +27,8 @@ public:
     // Hears an event of the control: the status line lists it, and the title and the mode
     // fields follow what it changed.
     void OnControlEvent(DISPID id, const QString& text);
+    // Opens a file dropped on the view, after the drop, offering unsaved changes for saving.
+    void OpenDroppedFile(const QString& path);
 
 private:
     void BuildMenus();
@@ -34,6 +36,7 @@ private:
     void BuildEditMenu();
     void BuildViewMenu();
     void Open();
+    bool OfferToSave();
     bool Save();
     bool SaveAs();
     void ToggleOption(DWORD mask, bool on);

@@ -1,6 +1,7 @@
 // Text moving between zentrel-edit and other programs on a real X display: the clipboard read
-// and filled by another X client (xclip), characters of several scripts included, and drags of
-// the selection with the mouse within a window and from one editor window into another.
+// and filled by another X client (xclip), characters of several scripts included, drags of the
+// selection with the mouse within a window and from one editor window into another, and a file
+// dragged in from another program.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -120,6 +121,27 @@ TEST_F(EditorTransfer, ADragWithCtrlIntoAnotherWindowCopiesTheText) {
     Quit(source, "zentrel-edit-from.log");
     ASSERT_TRUE(Focus("to.html"));
     Quit(target, "zentrel-edit-to.log");
+}
+
+// A file dragged in with Ctrl goes to the editor through the control's drop event, and the editor
+// opens it. Ctrl goes down only near the end: the view takes a drag that entered where it could
+// not yet drop.
+TEST_F(EditorTransfer, AFileDraggedInIsOpened) {
+    const std::string file = Path("before-drop.html"), dropped = Path("dropped.html");
+    Write(file, "before\r\n");
+    Write(dropped, "<p>dropped</p>\r\n");
+    CChild editor, source;
+    ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-drop.log"));
+    ASSERT_TRUE(source.Start({E2E_FILEDRAG, dropped}, DisplayEnvironment(m_display), Path("filedrag.log")));
+    constexpr int kSourceLeft = 1050;
+    ASSERT_TRUE(Xdo({"search", "--sync", "--onlyvisible", "--name", "filedrag", "windowmove", "--sync", std::to_string(kSourceLeft), "0"}));
+    ASSERT_TRUE(Focus("before-drop.html"));
+
+    ASSERT_TRUE(Drag(kSourceLeft + 100, 100, 300, 300, true));
+    EXPECT_TRUE(Xdo({"search", "--sync", "--onlyvisible", "--name", "dropped.html"}))
+        << "the dropped file was not opened:\n" << ReadLog(Path("zentrel-edit-drop.log"));
+    ASSERT_TRUE(Focus("dropped.html"));
+    Quit(editor, "zentrel-edit-drop.log");
 }
 
 }  // namespace
