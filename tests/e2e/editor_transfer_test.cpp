@@ -51,6 +51,12 @@ protected:
         if (copy) args.insert(args.end(), {"keyup", "ctrl"});
         return Xdo(args);
     }
+    // Puts the window named `name` at the top of the screen, `left` from its edge, in the size
+    // given: no window manager arranges windows here.
+    bool Place(const std::string& name, int left, int width, int height) {
+        return Xdo({"search", "--sync", "--onlyvisible", "--name", name, "windowsize", "--sync", std::to_string(width),
+                    std::to_string(height), "windowmove", "--sync", std::to_string(left), "0"});
+    }
     // Gives the window of the editor on `name` the focus, and with it the editor's keys.
     bool Focus(const std::string& name) { return Xdo({"search", "--onlyvisible", "--name", name, "windowfocus", "--sync"}); }
 };
@@ -102,12 +108,9 @@ TEST_F(EditorTransfer, ADragWithCtrlIntoAnotherWindowCopiesTheText) {
     CChild source, target;
     ASSERT_NO_FATAL_FAILURE(StartEditor(source, from, "zentrel-edit-from.log"));
     ASSERT_NO_FATAL_FAILURE(StartEditor(target, to, "zentrel-edit-to.log"));
-    // Side by side on the screen, which no window manager arranges here.
     constexpr int kTargetLeft = 640;
-    ASSERT_TRUE(Xdo({"search", "--onlyvisible", "--name", "to.html", "windowsize", "--sync", "600", "500", "windowmove", "--sync",
-                     std::to_string(kTargetLeft), "0"}));
-    ASSERT_TRUE(Xdo({"search", "--onlyvisible", "--name", "from.html", "windowsize", "--sync", "600", "500", "windowmove",
-                     "--sync", "0", "0"}));
+    ASSERT_TRUE(Place("to.html", kTargetLeft, 600, 500));
+    ASSERT_TRUE(Place("from.html", 0, 600, 500));
     ASSERT_TRUE(Focus("from.html"));
     ASSERT_TRUE(Xdo({"key", "--delay", "20", "ctrl+Home", "shift+End"}));
 
@@ -134,7 +137,7 @@ TEST_F(EditorTransfer, AFileDraggedInIsOpened) {
     ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-drop.log"));
     ASSERT_TRUE(source.Start({E2E_FILEDRAG, dropped}, DisplayEnvironment(m_display), Path("filedrag.log")));
     constexpr int kSourceLeft = 1050;
-    ASSERT_TRUE(Xdo({"search", "--sync", "--onlyvisible", "--name", "filedrag", "windowmove", "--sync", std::to_string(kSourceLeft), "0"}));
+    ASSERT_TRUE(Place("filedrag", kSourceLeft, 200, 200));
     ASSERT_TRUE(Focus("before-drop.html"));
 
     ASSERT_TRUE(Drag(kSourceLeft + 100, 100, 300, 300, true));
