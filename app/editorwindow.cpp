@@ -40,7 +40,7 @@ public:
             else if (const QString file = DroppedFileName(v); !file.isEmpty()) values << file;
         }
         // A file dropped on the view is opened, and the view inserts nothing.
-        if (id == EVENT_ONOLEDROP && args.size() == 4 && !args[0].IsEmpty()) {
+        if (id == EVENT_ONOLEDROP && args.size() == 4) {
             if (const QString file = DroppedFileName(args[0]); !file.isEmpty() && args[3].SetByRef(Variant::Bool(true)))
                 m_pWindow->OpenDroppedFile(file);
         }
