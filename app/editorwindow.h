@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "app/editorlook.h"
+#include "app/viewstates.h"
 
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
@@ -27,6 +28,8 @@ public:
     // Hears an event of the control: the status line lists it, and the title and the mode
     // fields follow what it changed.
     void OnControlEvent(DISPID id, const QString& text);
+    // Opens a file dropped on the view, after the drop, offering unsaved changes for saving.
+    void OpenDroppedFile(const QString& path);
 
 private:
     void BuildMenus();
@@ -34,6 +37,7 @@ private:
     void BuildEditMenu();
     void BuildViewMenu();
     void Open();
+    bool OfferToSave();
     bool Save();
     bool SaveAs();
     void ToggleOption(DWORD mask, bool on);
@@ -43,6 +47,8 @@ private:
     void FitGutter();
     void UpdateModes();
     void closeEvent(QCloseEvent* e) override;
+    // Keeps the view's state for the open file, when the file holds what the view shows.
+    void KeepViewState();
 
     CQtPlatform m_platform;  // the window services of this process; outlives the control's window
     IPlatformBackend* m_pPreviousPlatform = nullptr;
@@ -58,4 +64,5 @@ private:
     QLabel* m_pEvents = nullptr;
     QLabel* m_pMode = nullptr;
     QLabel* m_pConvert = nullptr;
+    CViewStates m_viewStates{CViewStates::DefaultDirectory()};
 };
