@@ -17,36 +17,11 @@ namespace {
 
 using namespace e2e;
 
-constexpr int kStepMs = 15000;
-
-class EditorTyping : public EditorOnXDisplay {
+class EditorTyping : public EditorWithInput {
 protected:
-    void SetUp() override {
-        EditorOnXDisplay::SetUp();
-        if (IsSkipped()) return;
-        if (QStandardPaths::findExecutable("xdotool").isEmpty()) GTEST_SKIP() << "xdotool is not installed";
-        m_display = StartServer();
-        ASSERT_GE(m_display, 0) << "Xvfb did not start:\n" << ReadLog(Path("xvfb.log"));
-    }
-
-    // Runs xdotool on the display with these arguments and waits for it; its output is kept.
-    bool Xdo(const std::vector<std::string>& args) {
-        std::vector<std::string> argv{"xdotool"};
-        argv.insert(argv.end(), args.begin(), args.end());
-        CChild xdo;
-        if (!xdo.Start(argv, DisplayEnvironment(m_display), Path("xdotool.log"))) return false;
-        const CChild::Ending ending = xdo.Wait(kStepMs);
-        return ending.finished && ending.code == 0;
-    }
-
     static std::string Read(const std::string& path) {
         QFile file(QString::fromStdString(path));
         return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
-    }
-    static void Write(const std::string& path, const std::string& bytes) {
-        QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes.data(), static_cast<qint64>(bytes.size()));
     }
 
     // Saves with the editor's key and waits until the file holds `want`; gives what it holds.
@@ -60,13 +35,11 @@ protected:
         }
         return now;
     }
-
-    int m_display = -1;
 };
 
 TEST_F(EditorTyping, TypesSelectsWithADragUndoesAndSaves) {
     const std::string file = Path("typing.html");
-    Write(file, "one\r\ntwo\r\n");
+    ASSERT_TRUE(WriteFile(file, "one\r\ntwo\r\n"));
     CChild editor;
     ASSERT_TRUE(editor.Start({ZENTREL_EDIT, file}, DisplayEnvironment(m_display), Path("zentrel-edit-typing.log")));
     ASSERT_TRUE(Xdo({"search", "--sync", "--onlyvisible", "--name", "typing.html", "windowfocus", "--sync"}))

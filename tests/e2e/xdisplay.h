@@ -46,6 +46,12 @@ inline std::string ReadLog(const std::string& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
 }
 
+inline bool WriteFile(const std::string& path, const std::string& bytes) {
+    QFile file(QString::fromStdString(path));
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size());
+}
+
 class EditorOnXDisplay : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -75,6 +81,36 @@ protected:
     }
 
     CChild m_server;
+};
+
+constexpr int kStepMs = 15000;
+
+// A server already running, and real key and mouse events sent to it through the X test
+// extension (xdotool). Tests skip where xdotool is missing.
+class EditorWithInput : public EditorOnXDisplay {
+protected:
+    void SetUp() override {
+        EditorOnXDisplay::SetUp();
+        if (IsSkipped()) return;
+        if (QStandardPaths::findExecutable("xdotool").isEmpty()) GTEST_SKIP() << "xdotool is not installed";
+        m_display = StartServer();
+        ASSERT_GE(m_display, 0) << "Xvfb did not start:\n" << ReadLog(Path("xvfb.log"));
+    }
+
+    // Runs a program on the display with these arguments and waits for it; its output is kept.
+    bool RunOnDisplay(const std::vector<std::string>& argv) {
+        CChild child;
+        if (!child.Start(argv, DisplayEnvironment(m_display), Path("xdotool.log"))) return false;
+        const CChild::Ending ending = child.Wait(kStepMs);
+        return ending.finished && ending.code == 0;
+    }
+    bool Xdo(const std::vector<std::string>& args) {
+        std::vector<std::string> argv{"xdotool"};
+        argv.insert(argv.end(), args.begin(), args.end());
+        return RunOnDisplay(argv);
+    }
+
+    int m_display = -1;
 };
 
 
