@@ -1,13 +1,9 @@
 #include "htmldoc/rangetracker.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "htmldoc/sourcerange.h"
-
-namespace {
-
-
-}  // namespace
 
 void CRangeTracker::Add(ComPtr<CSourceRange> range) {
     range->m_group = Group::Following;
@@ -29,14 +25,15 @@ ComPtr<CSourceRange> CRangeTracker::Remove(ISourceRange* range) {
 void CRangeTracker::Prune() {
     // A range whose only reference is ours can never be reached again; the view, for one,
     // releases its selection without destroying it.
-    std::vector<ComPtr<CSourceRange>> unreachable;
-    std::erase_if(m_ranges, [&](ComPtr<CSourceRange>& range) {
+    const auto reachable = [](const ComPtr<CSourceRange>& range) {
         range->AddRef();
-        if (range->Release() != 1) return false;
-        std::erase(m_following, range.Get());
-        unreachable.push_back(std::move(range));
-        return true;
-    });
+        return range->Release() != 1;
+    };
+    const auto gone = std::stable_partition(m_ranges.begin(), m_ranges.end(), reachable);
+    for (auto it = gone; it != m_ranges.end(); ++it) std::erase(m_following, it->Get());
+    // Released only after the lists are consistent again.
+    std::vector<ComPtr<CSourceRange>> unreachable(std::make_move_iterator(gone), std::make_move_iterator(m_ranges.end()));
+    m_ranges.erase(gone, m_ranges.end());
 }
 
 void CRangeTracker::TakeShift(CSourceRange* range) const {

@@ -77,6 +77,6 @@ private:
     long m_nNearBytes = kDefaultNearBytes;
     std::size_t m_nFollowingFloor = kDefaultFollowingFloor;
     long m_nShift = 0;
-    long m_nStillEnd = 0;      // every still range ends in front of this
-    long m_nShiftedStart = 0;  // every shifted range starts behind this, in current positions
+    long m_nStillEnd = 0;      // no still range ends behind this
+    long m_nShiftedStart = 0;  // no shifted range starts in front of this, in current positions
 };
