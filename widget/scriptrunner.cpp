@@ -81,7 +81,7 @@ CScriptRunner::CScriptRunner(Output output)
     SetGlobal("print", m_engine.evaluate(kPrintFunction).call({m_engine.newQObject(m_pPrinter.get())}));
     m_pBridge->SetErrorReporter([this](const QJSValue& error, const QString& event) {
         if (m_firstHandlerError.isEmpty())
-            m_firstHandlerError = QString("%1: in a handler of %2: %3").arg(Where(error, {}), event, error.toString());
+            m_firstHandlerError = QString("%1: in a handler of %2: %3").arg(Where(error, m_fileName), event, error.toString());
     });
 }
 
@@ -90,9 +90,11 @@ CScriptRunner::~CScriptRunner() {
     m_engine.collectGarbage();
 }
 
+// "file:line" of an error; just the file for an error made where no script line was running.
 QString CScriptRunner::Where(const QJSValue& error, const QString& fileName) const {
     const QString file = error.property("fileName").isString() ? FileNameOf(error.property("fileName").toString()) : fileName;
-    return QString("%1:%2").arg(file).arg(error.property("lineNumber").toInt());
+    const int line = error.property("lineNumber").toInt();
+    return line > 0 ? QString("%1:%2").arg(file).arg(line) : file;
 }
 
 CScriptRunner::Outcome CScriptRunner::RunFile(const QString& path, std::chrono::milliseconds limit) {
@@ -102,6 +104,7 @@ CScriptRunner::Outcome CScriptRunner::RunFile(const QString& path, std::chrono::
 }
 
 CScriptRunner::Outcome CScriptRunner::Run(const QString& program, const QString& fileName, std::chrono::milliseconds limit) {
+    m_fileName = fileName;
     m_firstHandlerError.clear();
     QJSValue result;
     QStringList trace;  // filled when the script throws, whatever it throws

@@ -41,5 +41,6 @@ private:
     QJSEngine m_engine;  // first made, last gone: the bridge and the printer live in it
     std::unique_ptr<CScriptBridge> m_pBridge;
     std::unique_ptr<CScriptPrinter> m_pPrinter;
+    QString m_fileName;           // of the current run
     QString m_firstHandlerError;  // of the current run
 };

@@ -109,6 +109,8 @@ TEST_F(ScriptBridgeTest, FailuresNameTheScriptLine) {
         {"\nthrow 'text';", "case.js:2: uncaught text"},
         {"control.on('DocumentChanged', () => {\n  throw new Error('in handler');\n});\ndocument.Text = 'z';",
          "case.js:2: in a handler of DocumentChanged: Error: in handler"},
+        {"control.on('KeyPress', k => { k.value = 'no key'; });\nhost.fireKeyPress(65);",
+         "case.js:2: in a handler of KeyPress: TypeError: KeyPress: argument 1 cannot take no key"},
     };
     for (const auto& c : cases) {
         const CScriptRunner::Outcome outcome = runner->Run(QString::fromUtf8(c.program), "case.js", kLimit);
