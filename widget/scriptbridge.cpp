@@ -11,40 +11,42 @@ namespace {
 const QString kPreludeFile = QStringLiteral("zentrel-scriptbridge.js");
 
 // Makes the proxy of a host. Reads, writes and calls by name go to the host; the helpers on,
-// off and put are the bridge's own; names that JavaScript itself probes objects for (then,
-// toJSON, valueOf...) read as undefined unless the object has them, so that printing an object
-// or awaiting it does not throw. Proxies passed back as arguments travel as their hosts.
+// off, put and toString are the bridge's own; names that JavaScript itself probes objects for
+// (then, toJSON, valueOf...) read as undefined unless the object has them, so that printing an
+// object or awaiting it does not throw. Proxies passed back as arguments travel as their hosts.
 const char* const kPrelude = R"JS(
 (function () {
     "use strict";
     const hostKey = Symbol("dispatch host");
     const callable = Object.freeze({});
-    const probed = new Set(["then", "toJSON", "valueOf", "constructor", "inspect", "toString"]);
-    const unwrap = v => (v !== null && typeof v === "object" && v[hostKey]) || v;
+    // Names with a meaning of their own: the helpers (made per object), and the names JavaScript
+    // probes objects for (null).
+    const specials = new Map([
+        ["on", host => (name, f) => host.on(String(name), f)],
+        ["off", host => (name, f) => host.off(String(name), f)],
+        ["put", host => (name, ...args) => host.put(String(name), args.map(unwrap))],
+        ["toString", host => () => host.describe()],
+        ["then", null], ["toJSON", null], ["valueOf", null], ["constructor", null], ["inspect", null],
+    ]);
+    function unwrap(v) {
+        return (v !== null && typeof v === "object" && v[hostKey]) || v;
+    }
     function wrap(host) {
-        const functions = new Map();
-        const callableFor = name => {
+        const functions = new Map();  // made once per name
+        const memo = (name, make) => {
             let f = functions.get(name);
-            if (!f) {
-                f = (...args) => host.call(name, args.map(unwrap));
-                functions.set(name, f);
-            }
+            if (!f) functions.set(name, f = make());
             return f;
-        };
-        const helpers = {
-            on: (name, f) => host.on(String(name), f),
-            off: (name, f) => host.off(String(name), f),
-            put: (name, ...args) => host.put(String(name), args.map(unwrap)),
-            toString: () => host.describe(),
         };
         return new Proxy({}, {
             get(target, key) {
                 if (key === hostKey) return host;
                 if (typeof key !== "string") return undefined;
-                if (Object.prototype.hasOwnProperty.call(helpers, key)) return helpers[key];
-                if (probed.has(key) && !host.has(key)) return undefined;
+                const special = specials.get(key);
+                if (special) return memo(key, () => special(host));
+                if (special === null && !host.has(key)) return undefined;
                 const value = host.read(key);
-                return value === callable ? callableFor(key) : value;
+                return value === callable ? memo(key, () => (...args) => host.call(key, args.map(unwrap))) : value;
             },
             set(target, key, value) {
                 if (typeof key !== "string") return false;
@@ -52,7 +54,7 @@ const char* const kPrelude = R"JS(
                 return true;
             },
             has(target, key) {
-                return typeof key === "string" && (Object.prototype.hasOwnProperty.call(helpers, key) || host.has(key));
+                return typeof key === "string" && (Boolean(specials.get(key)) || host.has(key));
             },
         });
     }
