@@ -99,8 +99,8 @@ QJSValue ScriptValueFromVariant(const Variant& v) {
         case VT_NULL: return QJSValue(QJSValue::NullValue);
         case VT_I2: return QJSValue(value.ShortVal());
         case VT_I4: return QJSValue(value.LongVal());
-        case VT_UI4:
-        case VT_ERROR: value.ToULong(&u); return QJSValue(static_cast<double>(u));
+        case VT_UI4: value.ToULong(&u); return QJSValue(static_cast<double>(u));
+        case VT_ERROR: return QJSValue(static_cast<double>(static_cast<uint32_t>(value.ScodeVal())));
         case VT_BOOL: value.ToBool(&b); return QJSValue(b);
         case VT_BSTR: return QJSValue(ScriptFromText(value.StrVal()));
         case VT_CY: value.ToCurrency(&cy); return QJSValue(static_cast<double>(cy) / kTenThousandths);
