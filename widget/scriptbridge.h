@@ -29,8 +29,9 @@
 // text, the HRESULT otherwise), `scode`, `description` and `message`, at the script's line.
 //
 // Without a type description the bridge reads a name as a property and, where the object
-// refuses that, answers a function that calls it; by-reference parameters are then unknown, so
-// out arguments need a type description.
+// refuses that, answers a function that calls it; an object that lets a method without
+// parameters be read as a property runs it on the read. By-reference parameters are then
+// unknown, so out arguments need a type description.
 #pragma once
 #include <QJSValue>
 #include <QObject>
