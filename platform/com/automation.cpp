@@ -1,5 +1,6 @@
 #include "platform/com/automation.h"
 
+#include <algorithm>
 #include <cctype>
 
 const IID IID_IDispatch = MakeGuid("{00020400-0000-0000-C000-000000000046}");
@@ -134,4 +135,27 @@ Variant DeclaredResult(const CMemberInfo& member, Variant value) {
     if (member.result.type == AutoType::Void) return Variant();
     Variant out;
     return CoerceArgument(member.result, value, &out) ? out : value;
+}
+
+HRESULT InvokeWithNames(IDispatch* object, DISPID id, WORD flags, std::vector<Variant> positional,
+                        const std::vector<NamedArg>& named, Variant* result, ExcepInfo* excep) {
+    if (named.empty()) return object->Invoke(id, flags, positional, result, excep);
+    const CInterfaceInfo* info = object->GetTypeInfo();
+    const CMemberInfo* member = info ? info->Find(id) : nullptr;
+    if (!member) return info ? DISP_E_MEMBERNOTFOUND : DISP_E_NONAMEDARGS;
+    const size_t n = member->params.size();
+    if (positional.size() > n) return DISP_E_BADPARAMCOUNT;
+    std::vector<Variant> args(std::move(positional));
+    std::vector<bool> given(n, false);
+    std::fill(given.begin(), given.begin() + static_cast<long>(args.size()), true);
+    args.resize(n);
+    for (const NamedArg& a : named) {
+        size_t i = 0;
+        while (i < n && !EqualNoCase(member->params[i].name, a.name)) ++i;
+        if (i == n || given[i]) return DISP_E_PARAMNOTFOUND;
+        args[i] = a.value;
+        given[i] = true;
+    }
+    if (std::find(given.begin(), given.end(), false) != given.end()) return DISP_E_BADPARAMCOUNT;
+    return object->Invoke(id, flags, args, result, excep);
 }

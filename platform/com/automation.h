@@ -45,6 +45,17 @@ IUnknown* ArgUnknown(const std::vector<Variant>& args, size_t i);    // no refer
 // Writes an out parameter (a by-reference argument).
 void ArgSetOut(const std::vector<Variant>& args, size_t i, const Variant& value);
 
+// A call with named arguments, as a host writes `Method(nEnd := 5, nStart := 10)`: the positional
+// arguments come first, the named ones are placed by the parameter names of the object's type
+// description. DISP_E_NONAMEDARGS when the object gives no description, DISP_E_PARAMNOTFOUND for
+// a name that is no parameter of the member or one already given; otherwise what Invoke gives.
+struct NamedArg {
+    std::string name;
+    Variant value;
+};
+HRESULT InvokeWithNames(IDispatch* object, DISPID id, WORD flags, std::vector<Variant> positional,
+                        const std::vector<NamedArg>& named, Variant* result, ExcepInfo* excep);
+
 // What one Invoke asks of a member, once checked against the member's declaration.
 enum class CallShape { Get, Put, Call };
 // Checks the flags and the number of arguments, converts the by-value arguments into `coerced`

@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 #include <sstream>
 
@@ -267,14 +268,18 @@ void WriteMember(std::ostringstream& s, const CMemberInfo& m) {
     }
 }
 
-void WriteInterface(std::ostringstream& s, const CInterfaceInfo& info) {
+// Members in the order of their dispids when `byId`, else as declared.
+void WriteInterface(std::ostringstream& s, const CInterfaceInfo& info, bool byId) {
+    std::vector<const CMemberInfo*> members;
+    for (const CMemberInfo& m : info.Members()) members.push_back(&m);
+    if (byId) std::stable_sort(members.begin(), members.end(), [](auto* a, auto* b) { return a->id < b->id; });
     s << "    [uuid(" << Uuid(info.Iid()) << "), helpstring(\"" << info.Help() << "\")]\n";
     s << "    dispinterface " << info.Name() << " {\n        properties:\n";
-    for (const CMemberInfo& m : info.Members())
-        if (m.kind == MemberKind::Property && m.params.empty()) WriteMember(s, m);
+    for (const CMemberInfo* m : members)
+        if (m->kind == MemberKind::Property && m->params.empty()) WriteMember(s, *m);
     s << "        methods:\n";
-    for (const CMemberInfo& m : info.Members())
-        if (m.kind != MemberKind::Property || !m.params.empty()) WriteMember(s, m);
+    for (const CMemberInfo* m : members)
+        if (m->kind != MemberKind::Property || !m->params.empty()) WriteMember(s, *m);
     s << "    };\n\n";
 }
 
@@ -293,8 +298,8 @@ std::string WriteIdlListing(const CClassInfo& info) {
     s << "// The type library of the " << info.name << " control, written from its automation table.\n\n";
     s << "[uuid(" << Uuid(info.libid) << "), version(1.0)]\nlibrary " << info.name << "Lib {\n";
     WriteEnums(s, info.enums);
-    if (info.dispatch) WriteInterface(s, *info.dispatch);
-    if (info.events) WriteInterface(s, *info.events);
+    if (info.dispatch) WriteInterface(s, *info.dispatch, true);
+    if (info.events) WriteInterface(s, *info.events, false);
     s << "    [uuid(" << Uuid(info.clsid) << "), helpstring(\"" << info.help << "\"), control]\n";
     s << "    coclass " << info.name << " {\n";
     if (info.dispatch) s << "        [default] dispinterface " << info.dispatch->Name() << ";\n";

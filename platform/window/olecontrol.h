@@ -59,7 +59,7 @@ public:
     ULONG AddRef() override;
     ULONG Release() override;
 
-    // IDispatch: the stock members, then the control's own table (DispatchTable).
+    // IDispatch: the control's table (GetOwnIDsOfNames, InvokeOwn), which holds the stock members too.
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
     HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) override;

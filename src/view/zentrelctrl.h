@@ -27,6 +27,8 @@ extern const CLSID CLSID_Zentrel;
 extern const IID IID_DZentrel;
 extern const IID IID_DZentrelEvents;
 extern const GUID LIBID_Zentrel;
+// The control's class with its interfaces and enumerations, as its type library lists them.
+const CClassInfo& ZentrelClassInfo();
 
 // Event dispatch ids.
 constexpr DISPID EVENT_SELECTIONCHANGED = 1;

@@ -7,7 +7,8 @@
 //   get  <Member> [index...]                      => <expectation>
 //   put  <Member> [index...] <value>              => <expectation>
 //   call <Member> [in-argument...]                => <expectation>
-// Values: integers (decimal, or 0x hex), "strings" (C escapes), true, false, null.
+// Values: integers (decimal, or 0x hex), "strings" (C escapes), true, false, null; in
+// expectations also `any`, which any value meets.
 // A call lists only the in-arguments of a method; its by-reference parameters are supplied by
 // the player, and their values after the call are expected after `out`.
 // Expectations:
@@ -30,7 +31,7 @@
 namespace walk {
 
 struct Value {
-    enum class Kind { Integer, String, Bool, Null } kind = Kind::Null;
+    enum class Kind { Integer, String, Bool, Null, Any } kind = Kind::Null;  // Any: expected values only
     int64_t integer = 0;
     std::string text;
     bool flag = false;

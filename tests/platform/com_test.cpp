@@ -74,61 +74,31 @@ TEST(Variant, KeepsReferencesAndConvertsByReference) {
     EXPECT_FALSE(Variant::Long(1).ToStr(&s));
 }
 
-struct Thing {
-    int32_t value = 3;
-};
-
-const CDispatchTable<Thing>& ThingTable() {
-    static const CDispatchTable<Thing> table = [] {
-        CDispatchTable<Thing> t;
-        t.Property(1, "long Value", [](Thing& x, auto&) { return Variant::Long(x.value); },
-                   [](Thing& x, auto&, const Variant& v) {
-                       int32_t n = ArgLong({v}, 0);
-                       if (n < 0) throw AutomationError::InvalidValue();
-                       x.value = n;
-                   });
-        t.Property(2, "long ReadOnly", [](Thing&, auto&) { return Variant::Long(1); });
-        t.Method(3, "long Add(long a, long b)", [](Thing&, std::vector<Variant>& a) { return Variant::Long(ArgLong(a, 0) + ArgLong(a, 1)); });
-        t.Method(4, "void Fail()", [](Thing&, auto&) -> Variant { throw AutomationError::Raised("went wrong"); });
-        return t;
-    }();
-    return table;
-}
-
-TEST(DispatchTable, ReportsErrorsAsAutomationDoes) {
-    Thing thing;
-    const auto& t = ThingTable();
-    DISPID id = 0;
-    EXPECT_EQ(t.GetIDsOfNames("vALUE", &id), S_OK);
-    EXPECT_EQ(id, 1);
-    EXPECT_EQ(t.GetIDsOfNames("Nope", &id), DISP_E_UNKNOWNNAME);
-
-    std::vector<Variant> args{Variant::Long(-1)};
-    ExcepInfo ex;
-    EXPECT_EQ(t.Invoke(thing, 1, DISPATCH_PROPERTYPUT, args, nullptr, &ex), DISP_E_EXCEPTION);
-    EXPECT_EQ(ex.scode, CTL_E_INVALIDPROPERTYVALUE);
-    EXPECT_EQ(thing.value, 3);
-
-    args = {Variant::Str("seven")};
-    EXPECT_EQ(t.Invoke(thing, 1, DISPATCH_PROPERTYPUT, args, nullptr, &ex), DISP_E_TYPEMISMATCH);
-    args = {Variant::Long(1)};
-    ex = {};
-    EXPECT_EQ(t.Invoke(thing, 2, DISPATCH_PROPERTYPUT, args, nullptr, &ex), DISP_E_EXCEPTION);
-    EXPECT_EQ(ex.scode, CTL_E_SETNOTSUPPORTED);
-
-    args = {Variant::Long(2)};
-    Variant result;
-    EXPECT_EQ(t.Invoke(thing, 3, DISPATCH_METHOD, args, &result, &ex), DISP_E_BADPARAMCOUNT);
-    args = {Variant::Long(2), Variant::Short(40)};
-    EXPECT_EQ(t.Invoke(thing, 3, DISPATCH_METHOD, args, &result, &ex), S_OK);
-    EXPECT_EQ(result.LongVal(), 42);
-
-    args.clear();
-    ex = {};
-    EXPECT_EQ(t.Invoke(thing, 4, DISPATCH_METHOD, args, &result, &ex), DISP_E_EXCEPTION);
-    EXPECT_EQ(ex.scode, 0);
-    EXPECT_EQ(ex.description, "went wrong");
-    EXPECT_EQ(t.Invoke(thing, 99, DISPATCH_METHOD, args, &result, &ex), DISP_E_MEMBERNOTFOUND);
+// Member signatures: what each one declares, and the ones that are not signatures. How a table
+// uses the declarations is walked through the control's own table.
+TEST(MemberSignature, ParsesTypesNamesAndReferences) {
+    CMemberInfo m;
+    ASSERT_TRUE(ParseMemberSignature("BOOL FindPointFromPosition(long nPosition, long* nX, long* nY)", MemberKind::Method, &m));
+    EXPECT_EQ(m.name, "FindPointFromPosition");
+    EXPECT_EQ(m.result.type, AutoType::Bool);
+    ASSERT_EQ(m.params.size(), 3u);
+    EXPECT_FALSE(m.params[0].byRef);
+    EXPECT_TRUE(m.params[2].byRef);
+    EXPECT_EQ(m.params[2].name, "nY");
+    EXPECT_EQ(m.OutParamCount(), 2u);
+    ASSERT_TRUE(ParseMemberSignature("IDispatch* FindCollapseFromPos(long nPos)", MemberKind::Method, &m));
+    EXPECT_EQ(m.result.type, AutoType::Dispatch);
+    EXPECT_FALSE(m.result.byRef);
+    ASSERT_TRUE(ParseMemberSignature("OLE_COLOR FormatBackColor(short nFormat)", MemberKind::Property, &m));
+    EXPECT_EQ(m.params.size(), 1u);
+    ASSERT_TRUE(ParseMemberSignature("Error(short Number, BSTR* Description)", MemberKind::Event, &m));
+    EXPECT_EQ(m.params[1].type, AutoType::Str);
+    EXPECT_TRUE(m.params[1].byRef);
+    for (const char* bad : {"", "short", "TabSize", "float TabSize", "short TabSize(", "void Go(long)", "void Go(long a,)",
+                            "void Go(void a)", "long* Get()", "void Prop"})
+        EXPECT_FALSE(ParseMemberSignature(bad, std::string(bad) == "void Prop" ? MemberKind::Property : MemberKind::Method, &m))
+            << bad;
+    EXPECT_FALSE(ParseMemberSignature("long Go()", MemberKind::Event, &m));
 }
 
 TEST(ConnectionPoint, FiresToEverySinkAndReadsAnswersBack) {

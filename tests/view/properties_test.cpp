@@ -3,65 +3,13 @@
 
 namespace {
 
-TEST(Properties, InvalidValuesRaiseTheDocumentedErrorsAndChangeNothing) {
-    ComPtr<IDispatch> control = MakeControlThroughFactory();
-    IDispatch* d = control.Get();
-    struct Case {
-        const char* name;
-        Variant bad;
-        SCODE scode;
-        const char* text;
-    };
-    const Case cases[] = {
-        {"TabSize", Variant::Short(0), CTL_E_INVALIDPROPERTYVALUE, ""},
-        {"ScrollMarginVertical", Variant::Short(-1), CTL_E_INVALIDPROPERTYVALUE, ""},
-        {"ScrollByHorizontal", Variant::Short(-1), CTL_E_INVALIDPROPERTYVALUE, ""},
-        {"RightMargin", Variant::Long(-1), CTL_E_INVALIDPROPERTYVALUE, ""},
-        {"GutterSize", Variant::Long(-1), CTL_E_INVALIDPROPERTYVALUE, ""},
-        {"HighlightStyle", Variant::Short(4), CTL_E_INVALIDPROPERTYVALUE, ""},
-        {"ColumnMax", Variant::Long(0x7FFFFFFF), CTL_E_INVALIDPROPERTYVALUE,
-         "Maximum column must be greater than or equal to 5 and small than or equal to 2048"},
-        {"CodeCompletionMode", Variant::Short(3), 0, "Code Completion Mode is out of Range (0 - 2)"},
-        {"CodeCompletionTimeDelay", Variant::Long(499), 0, "Code Completion Delay Time is out of Range (500 - Anything)"},
-        {"LineCount", Variant::Long(3), CTL_E_SETNOTSUPPORTED, ""},
-    };
-    for (const Case& c : cases) {
-        Variant before = GetProperty(d, c.name);
-        ExcepInfo ex;
-        EXPECT_EQ(PutProperty(d, c.name, c.bad, &ex), DISP_E_EXCEPTION) << c.name;
-        EXPECT_EQ(ex.scode, c.scode) << c.name;
-        EXPECT_EQ(ex.description, c.text) << c.name;
-        int32_t was = 0, is = 0;
-        before.ToLong(&was);
-        GetProperty(d, c.name).ToLong(&is);
-        EXPECT_EQ(was, is) << c.name;
-    }
-    CZentrelCtrl* ctrl = AsControl(d);
-    EXPECT_THROW(ctrl->GetFormatStyleName(16), AutomationError);
-    try {
-        ctrl->GetSyntaxPickerColor(16);
-        ADD_FAILURE();
-    } catch (const AutomationError& e) {
-        EXPECT_EQ(e.Text(), "Color index is out of range. (0 - 16)");
-    }
-    EXPECT_EQ(ctrl->GetFormatStyleName(15), "Collapsed text block");
-}
-
-TEST(Properties, SettersStoreWhatTheyPromise) {
+// The values and errors of each property are in the automation walks; here what they leave behind.
+TEST(Properties, SettersMarkModifiedAndKeepTheirTables) {
     ComPtr<IDispatch> control = MakeControlThroughFactory();
     CZentrelCtrl* ctrl = AsControl(control.Get());
     EXPECT_FALSE(ctrl->IsModified());
     ctrl->SetScrollByHorizontal(120);
-    EXPECT_EQ(ctrl->GetScrollByHorizontal(), 10);
     EXPECT_TRUE(ctrl->IsModified());
-    ctrl->SetHighlightStyle(3);
-    EXPECT_EQ(ctrl->GetHighlightStyle(), 3);
-    ctrl->SetHighlightStyle(3);  // unchanged: compared before checked
-    EXPECT_EQ(PutProperty(control.Get(), "TagAttrCase", Variant::Short(2)), S_OK);
-    EXPECT_EQ(GetProperty(control.Get(), "TagAttrCase").ShortVal(), 0);
-    EXPECT_EQ(GetProperty(control.Get(), "FormatCount").ShortVal(), 16);
-    EXPECT_EQ(GetProperty(control.Get(), "ColumnMax").LongVal(), 0x7FFFFFFF);
-    EXPECT_EQ(GetProperty(control.Get(), "GutterFont").DispatchVal(), nullptr);
 
     // The options are bits of one word; AutoConvert is a toggle with an event.
     CEventLog log;
