@@ -11,8 +11,11 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QStatusBar>
+#include <QTimer>
 #include <cstdio>
 
+#include "platform/codepage/convert.h"
+#include "platform/com/dataobject.h"
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "src/view/module.h"
@@ -34,14 +37,33 @@ public:
         for (const Variant& v : args) {
             int32_t n = 0;
             if (v.ToLong(&n)) values << QString::number(n);
+            else if (const QString file = DroppedFileName(v); !file.isEmpty()) values << file;
+        }
+        // A file dropped on the view is opened, and the view inserts nothing.
+        if (id == EVENT_ONOLEDROP && args.size() == 4) {
+            if (const QString file = DroppedFileName(args[0]); !file.isEmpty() && args[3].SetByRef(Variant::Bool(true)))
+                m_pWindow->OpenDroppedFile(file);
         }
         m_pWindow->OnControlEvent(id, EventName(id) + "(" + values.join(", ") + ")");
         return S_OK;
     }
 
 private:
+    // The file that a drop carries, when the argument is a data object that offers one.
+    static QString DroppedFileName(const Variant& v) {
+        ComPtr<IUnknown> unknown(v.UnknownVal());
+        ComPtr<IDataObject> data = unknown ? unknown.As<IDataObject>(IID_IDataObject) : ComPtr<IDataObject>();
+        std::string bytes;
+        if (!data || FAILED(data->GetData(RegisterClipboardFormat("FileName"), &bytes))) return {};
+        std::u16string units;
+        MultiByteToUtf16(CP_ACP, std::string_view(bytes).substr(0, bytes.find('\0')), &units);
+        return QString::fromStdU16String(units);
+    }
+
     static QString EventName(DISPID id) {
         switch (id) {
+            case EVENT_ONOLEDROP: return "OnOleDrop";
+            case EVENT_BOOKMARKCHANGED: return "BookmarkChanged";
             case EVENT_DOCUMENTCHANGED: return "DocumentChanged";
             case EVENT_SELECTIONCHANGED: return "SelectionChanged";
             case EVENT_EDITMODETOGGLED: return "EditModeToggled";
@@ -89,6 +111,7 @@ CEditorWindow::~CEditorWindow() {
 }
 
 bool CEditorWindow::OpenFile(const QString& path) {
+    KeepViewState();
     std::string error;
     if (FAILED(m_doc->LoadFile(path.toStdString(), &error))) {
         QString text = QString("Cannot open %1: %2").arg(path, QString::fromStdString(error));
@@ -98,6 +121,7 @@ bool CEditorWindow::OpenFile(const QString& path) {
     }
     UpdateTitle();
     FitGutter();
+    m_viewStates.Restore(*m_pCtrl, path);
     OnControlEvent(0, QString("%1 bytes, %2 lines, %3, %4 undecodable bytes")
                           .arg(m_doc->GetLength())
                           .arg(m_pCtrl->GetLineCount())
@@ -246,8 +270,24 @@ void CEditorWindow::ChooseRightMargin() {
 }
 
 void CEditorWindow::Open() {
+    if (!OfferToSave()) return;
     QString path = QFileDialog::getOpenFileName(this, "Open", {}, "HTML files (*.html *.htm);;All files (*)");
     if (!path.isEmpty()) OpenFile(path);
+}
+
+// Opens once the drop is over: the view finishes its drop on the document it started with.
+void CEditorWindow::OpenDroppedFile(const QString& path) {
+    QTimer::singleShot(0, this, [this, path] {
+        if (OfferToSave()) OpenFile(path);
+    });
+}
+
+// Unsaved changes are offered for saving; false if the person cancels or the save fails.
+bool CEditorWindow::OfferToSave() {
+    if (!m_doc->IsModified()) return true;
+    const auto answer = QMessageBox::question(this, "zentrel-edit", "Save the changes?",
+                                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    return answer == QMessageBox::Discard || (answer == QMessageBox::Save && Save());
 }
 
 bool CEditorWindow::Save() {
@@ -258,6 +298,7 @@ bool CEditorWindow::Save() {
         return false;
     }
     UpdateTitle();
+    KeepViewState();
     OnControlEvent(0, QString("Saved %1 bytes").arg(m_doc->GetLength()));
     return true;
 }
@@ -272,20 +313,25 @@ bool CEditorWindow::SaveAs() {
         return false;
     }
     UpdateTitle();
+    KeepViewState();
     return true;
 }
 
 // Unsaved changes are offered for saving before the window goes.
 void CEditorWindow::closeEvent(QCloseEvent* e) {
-    if (m_doc->IsModified()) {
-        const auto answer = QMessageBox::question(this, "zentrel-edit", "Save the changes before closing?",
-                                                  QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-        if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !Save())) {
-            e->ignore();
-            return;
-        }
+    if (!OfferToSave()) {
+        e->ignore();
+        return;
     }
+    KeepViewState();
     e->accept();
+}
+
+// A document with unsaved changes keeps the state last saved with its file: the view's
+// positions belong to text the file does not hold.
+void CEditorWindow::KeepViewState() {
+    if (m_doc->PathName().empty() || m_doc->IsModified()) return;
+    m_viewStates.Save(*m_pCtrl, QString::fromStdString(m_doc->PathName()));
 }
 
 void CEditorWindow::ToggleOption(DWORD mask, bool on) { m_pCtrl->SetOption(mask, on ? TRUE : FALSE); }

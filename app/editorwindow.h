@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "app/editorlook.h"
+#include "app/viewstates.h"
 
 #include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
@@ -29,6 +30,8 @@ public:
     // The control and the document, for hosts that drive them through automation (scripts).
     IDispatch* Control() const { return m_pCtrl; }
     IDispatch* Document() const { return static_cast<IDispatch*>(m_doc.Get()); }
+    // Opens a file dropped on the view, after the drop, offering unsaved changes for saving.
+    void OpenDroppedFile(const QString& path);
 
 private:
     void BuildMenus();
@@ -36,6 +39,7 @@ private:
     void BuildEditMenu();
     void BuildViewMenu();
     void Open();
+    bool OfferToSave();
     bool Save();
     bool SaveAs();
     void ToggleOption(DWORD mask, bool on);
@@ -45,6 +49,8 @@ private:
     void FitGutter();
     void UpdateModes();
     void closeEvent(QCloseEvent* e) override;
+    // Keeps the view's state for the open file, when the file holds what the view shows.
+    void KeepViewState();
 
     CQtPlatform m_platform;  // the window services of this process; outlives the control's window
     IPlatformBackend* m_pPreviousPlatform = nullptr;
@@ -59,4 +65,5 @@ private:
     QLabel* m_pEvents = nullptr;
     QLabel* m_pMode = nullptr;
     QLabel* m_pConvert = nullptr;
+    CViewStates m_viewStates{CViewStates::DefaultDirectory()};
 };

@@ -133,6 +133,7 @@ int main(int argc, char** argv) {
     if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM"))
         setenv("QT_QPA_PLATFORM", "offscreen", 1);
     QApplication app(argc, argv);
+    QApplication::setApplicationName("zentrel-edit");  // names the folder of the views it keeps
     Arguments args;
     if (!ParseArguments(QApplication::arguments(), &args)) return 2;
     if (const UINT cp = ChooseCodePage(ReadFileHead(args.file.toStdString()), args.codePage.toStdString()); !cp || !SetProcessCodePage(cp)) {

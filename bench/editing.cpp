@@ -5,13 +5,16 @@
 //     changed (us per character, median and p99);
 //   - Page Down from the top to the end of the text, each page repainted (us per page, median);
 //   - a drag selection held below the window, which scrolls the view a few rows a frame, each
-//     frame repainted, until it has gone over 10,000 rows (us per frame, median).
+//     frame repainted, until it has gone over 10,000 rows (us per frame, median);
+//   - a paste of 10 MB of HTML from the system clipboard in the middle, through the repaint
+//     (ms, median of kPastes, each undone before the next).
 // Built with QScintilla, the same workloads run on a QScintilla widget, with each figure's
 // ratio (peer time / ours: above 1 means faster than the peer). The peer's drag frame is its
 // selection extended by the rows that our frame scrolls, with the caret scrolled into view; its
 // bursts and page runs are shorter (see kPeerBurst), and their medians are compared.
 // Usage: bench_editing [MEGABYTES...]   (ZENTREL_BENCH_NO_PEER=1 leaves the peer out)
 #include <QApplication>
+#include <QClipboard>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -38,6 +41,26 @@ constexpr int kPeerPages = 2000;
 constexpr long kDragRows = 10000;
 // How far below the window the mouse rests during the drag, in rows.
 constexpr int kRowsBelow = 3;
+constexpr size_t kPasteBytes = 10'000'000;
+constexpr int kPastes = 3;
+
+// Puts 10 MB of generated HTML on the system clipboard, as a user's copy in another program would.
+void FillClipboard() {
+    QApplication::clipboard()->setText(QString::fromStdString(htmlgen::GenerateHtml(kPasteBytes)));
+}
+
+// Runs `paste` kPastes times, `undo` after each, and gives the median of the pastes in ms.
+template <class Paste, class Undo>
+double MedianPasteMillis(Paste paste, Undo undo) {
+    std::vector<double> millis;
+    for (int i = 0; i < kPastes; ++i) {
+        const auto t0 = Clock::now();
+        paste();
+        millis.push_back(1e3 * SecondsSince(t0));
+        undo();
+    }
+    return Percentile(millis, 0.5);
+}
 
 void MeasureTypingBurst(CView& view, CHtmlDocument* doc, const std::string& tag) {
     const long mid = doc->GetLength() / 2;
@@ -80,6 +103,22 @@ void MeasureDragSelection(CView& view, const std::string& tag) {
     Print("drag_select_frames_" + tag, static_cast<double>(micros.size()), "frames");
 }
 
+void MeasurePaste(CView& view, CHtmlDocument* doc, const std::string& tag) {
+    const long mid = doc->GetLength() / 2;
+    FillClipboard();
+    const double ms = MedianPasteMillis(
+        [&] {
+            view->SetSelection(mid, mid);
+            view->Paste();
+            UpdateWindow(view.Hwnd());
+        },
+        [&] {
+            view->DoUndo();
+            UpdateWindow(view.Hwnd());
+        });
+    Report("paste_10mb_into_" + tag, ms, "ms");
+}
+
 void MeasureSize(double megabytes) {
     const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
     ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
@@ -88,6 +127,7 @@ void MeasureSize(double megabytes) {
     MeasureTypingBurst(view, doc.Get(), tag);
     MeasurePageDown(view, doc.Get(), tag);
     MeasureDragSelection(view, tag);
+    MeasurePaste(view, doc.Get(), tag);
 }
 
 #ifdef ZENTREL_HAVE_QSCINTILLA
@@ -128,6 +168,21 @@ void PeerSize(double megabytes) {
     ReportPeer("drag_select_frame_" + tag + "_median",
                frames(QsciScintillaBase::SCI_LINEDOWNEXTEND, kRowsBelow, [&] { return top() >= kDragRows || caret() >= length; }),
                "us");
+
+    FillClipboard();
+    const double paste = MedianPasteMillis(
+        [&] {
+            peer.Send(QsciScintillaBase::SCI_SETEMPTYSELECTION, static_cast<unsigned long>(mid));
+            peer.Widget()->paste();
+            peer.Send(QsciScintillaBase::SCI_SCROLLCARET);
+            peer.RepaintAll();
+            QApplication::processEvents();
+        },
+        [&] {
+            peer.Send(QsciScintillaBase::SCI_UNDO);
+            QApplication::processEvents();
+        });
+    ReportPeer("paste_10mb_into_" + tag, paste, "ms");
 }
 #endif
 

@@ -9,7 +9,7 @@ packages=(
   qt6-base-dev qt6-declarative-dev libgl-dev
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   fonts-liberation fonts-dejavu-core fonts-wqy-microhei
-  xvfb xauth x11-apps xdotool
+  xvfb xauth x11-apps xdotool xclip
 )
 
 missing=()

@@ -1,5 +1,6 @@
 #include "platform/codepage/convert.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "platform/codepage/cp1252.h"
@@ -124,6 +125,14 @@ ConvertResult MultiByteToUtf8(UINT codePage, std::string_view in, std::string* o
 
 ConvertResult Utf16ToMultiByte(UINT codePage, std::u16string_view in, std::string* out,
                                const UnmappableHandler& onUnmappable) {
+    // ASCII is the same bytes in every supported code page: pasted source text, mostly ASCII and
+    // often megabytes long, skips the decoding into code points.
+    if (std::all_of(in.begin(), in.end(), [](char16_t unit) { return unit < 0x80; }) && Resolve(codePage) && out) {
+        out->assign(in.begin(), in.end());
+        ConvertResult result;
+        result.bOk = true;
+        return result;
+    }
     return ToMultiByte(codePage, DecodeUtf16(in), out, onUnmappable);
 }
 

@@ -119,10 +119,11 @@ bool CQtDropSite::eventFilter(QObject* watched, QEvent* e) {
                 m_tick.start(kDragTickMs, this);
             }
             m_effect = DragOverTick(target, m_data.Get(), m_keys, {m_pt.x(), m_pt.y()}, m_allowed);
-            // An answer for every move: Qt then asks again wherever the mouse goes.
-            drag->accept();
+            // The entry is always taken: Qt sends no moves to a widget that refused it, so a drag
+            // that enters where it cannot drop would stay refused for the whole pass, even where
+            // Ctrl or another point makes it droppable. Each move answers for its own point.
             drag->setDropAction(ActionOf(m_effect));
-            if (ActionOf(m_effect) == Qt::IgnoreAction) drag->ignore();
+            drag->setAccepted(e->type() == QEvent::DragEnter || ActionOf(m_effect) != Qt::IgnoreAction);
             return true;
         }
         case QEvent::DragLeave:

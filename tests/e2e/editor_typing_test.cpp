@@ -1,78 +1,23 @@
 // A person editing a file in zentrel-edit on a real X display: real key and mouse events through
 // the X test extension (xdotool) type, select with a drag, replace the selection, undo and save;
-// the file on disk shows each step.
+// the file on disk shows each step. The selection left in a file is there when it opens again.
 #include <gtest/gtest.h>
 
-#include <QFile>
-#include <QStandardPaths>
-#include <QThread>
-
-#include <chrono>
 #include <string>
-#include <vector>
 
-#include "tests/e2e/xdisplay.h"
+#include "tests/e2e/editordriver.h"
 
 namespace {
 
 using namespace e2e;
 
-constexpr int kStepMs = 15000;
-
-class EditorTyping : public EditorOnXDisplay {
-protected:
-    void SetUp() override {
-        EditorOnXDisplay::SetUp();
-        if (IsSkipped()) return;
-        if (QStandardPaths::findExecutable("xdotool").isEmpty()) GTEST_SKIP() << "xdotool is not installed";
-        m_display = StartServer();
-        ASSERT_GE(m_display, 0) << "Xvfb did not start:\n" << ReadLog(Path("xvfb.log"));
-    }
-
-    // Runs xdotool on the display with these arguments and waits for it; its output is kept.
-    bool Xdo(const std::vector<std::string>& args) {
-        std::vector<std::string> argv{"xdotool"};
-        argv.insert(argv.end(), args.begin(), args.end());
-        CChild xdo;
-        if (!xdo.Start(argv, DisplayEnvironment(m_display), Path("xdotool.log"))) return false;
-        const CChild::Ending ending = xdo.Wait(kStepMs);
-        return ending.finished && ending.code == 0;
-    }
-
-    static std::string Read(const std::string& path) {
-        QFile file(QString::fromStdString(path));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
-    }
-    static void Write(const std::string& path, const std::string& bytes) {
-        QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes.data(), static_cast<qint64>(bytes.size()));
-    }
-
-    // Saves with the editor's key and waits until the file holds `want`; gives what it holds.
-    std::string SaveAndRead(const std::string& path, const std::string& want) {
-        Xdo({"key", "ctrl+s"});
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kStepMs);
-        std::string now = Read(path);
-        while (now != want && std::chrono::steady_clock::now() < deadline) {
-            QThread::msleep(50);
-            now = Read(path);
-        }
-        return now;
-    }
-
-    int m_display = -1;
-};
+using EditorTyping = EditorDriven;
 
 TEST_F(EditorTyping, TypesSelectsWithADragUndoesAndSaves) {
     const std::string file = Path("typing.html");
     Write(file, "one\r\ntwo\r\n");
     CChild editor;
-    ASSERT_TRUE(editor.Start({ZENTREL_EDIT, file}, DisplayEnvironment(m_display), Path("zentrel-edit-typing.log")));
-    ASSERT_TRUE(Xdo({"search", "--sync", "--onlyvisible", "--name", "typing.html", "windowfocus", "--sync"}))
-        << "the editor's window did not show:\n" << ReadLog(Path("zentrel-edit-typing.log"));
-    // The window under the pointer: its own coordinates address the view below the menu bar.
-    ASSERT_TRUE(Xdo({"search", "--sync", "--onlyvisible", "--name", "typing.html", "windowraise"}));
+    ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-typing.log"));
 
     ASSERT_TRUE(Xdo({"key", "--delay", "20", "ctrl+End"}));
     ASSERT_TRUE(Xdo({"type", "--delay", "20", "three"}));
@@ -91,9 +36,24 @@ TEST_F(EditorTyping, TypesSelectsWithADragUndoesAndSaves) {
     ASSERT_TRUE(Xdo({"key", "--delay", "20", "ctrl+z"}));
     EXPECT_EQ(SaveAndRead(file, typed), typed);
 
-    ASSERT_TRUE(Xdo({"key", "ctrl+q"}));
-    const CChild::Ending ending = editor.Wait(kEditorMs);
-    EXPECT_TRUE(ending.finished && ending.code == 0) << ReadLog(Path("zentrel-edit-typing.log"));
+    Quit(editor, "zentrel-edit-typing.log");
+}
+
+// The selection left in a file comes back when the editor opens it again: typing replaces it.
+TEST_F(EditorTyping, TheSelectionComesBackWhenTheFileIsOpenedAgain) {
+    const std::string file = Path("reopened.html");
+    Write(file, "one two three\r\n");
+    {
+        CChild editor;
+        ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-reopened.log"));
+        ASSERT_TRUE(Xdo({"key", "--delay", "20", "ctrl+Home", "ctrl+Right", "shift+ctrl+Right"}));
+        Quit(editor, "zentrel-edit-reopened.log");
+    }
+    CChild editor;
+    ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-reopened.log"));
+    ASSERT_TRUE(Xdo({"type", "X"}));
+    EXPECT_EQ(SaveAndRead(file, "one Xthree\r\n"), "one Xthree\r\n");
+    Quit(editor, "zentrel-edit-reopened.log");
 }
 
 }  // namespace

@@ -69,9 +69,11 @@ protected:
     }
 
     // The environment of a program on the display: no session bus there, which saying so keeps
-    // the toolkit from looking for.
+    // the toolkit from looking for, and a data directory of the tests' own, so that the views
+    // the editor remembers stay out of the user's.
     static std::vector<std::string> DisplayEnvironment(int display) {
-        return EnvironmentWith({"DISPLAY=:" + std::to_string(display), "QT_QPA_PLATFORM=xcb", "DBUS_SESSION_BUS_ADDRESS=disabled:"});
+        return EnvironmentWith({"DISPLAY=:" + std::to_string(display), "QT_QPA_PLATFORM=xcb", "DBUS_SESSION_BUS_ADDRESS=disabled:",
+                                "XDG_DATA_HOME=" + Path("data")});
     }
 
     CChild m_server;

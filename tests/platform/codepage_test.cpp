@@ -135,6 +135,19 @@ TEST(Cp1252Conversion, EveryByteRoundTripsAndMatchesTheLibraryWhereItDefinesOne)
     EXPECT_EQ(MbFromUtf8(1252, Utf8FromMb(1252, all)), all);
 }
 
+// Every code page reads ASCII bytes as themselves, which lets ASCII text skip the converters.
+TEST(Conversion, AsciiIsTheSameBytesInEveryCodePage) {
+    std::string bytes;
+    for (int b = 1; b < 0x80; ++b) bytes += static_cast<char>(b);
+    const std::u16string units(bytes.begin(), bytes.end());
+    for (UINT cp : {1252u, 932u, 936u, 949u, 950u}) {
+        std::u16string read;
+        std::string written;
+        EXPECT_TRUE(MultiByteToUtf16(cp, bytes, &read).Exact() && read == units) << cp;
+        EXPECT_TRUE(Utf16ToMultiByte(cp, units, &written).Exact() && written == bytes) << cp;
+    }
+}
+
 TEST(DoubleByteConversion, JapaneseTextRoundTrips) {
     const std::string text = "日本語のテキスト、カタカナとｶﾀｶﾅ。ASCII 123";
     const std::string sjis = MbFromUtf8(932, text);
