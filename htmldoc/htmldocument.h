@@ -84,6 +84,7 @@ public:
 
     // IDispatch: Text, Length, PathName, Modified, LineCount, Encoding, DefaultEncoding,
     // ByteOrderMark; Undo, Redo, Load, Save.
+    const CInterfaceInfo* GetTypeInfo() override;
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
     HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) override;

@@ -70,6 +70,7 @@ public:
     HRESULT StepForward(BOOL extend) override;
 
     // IDispatch: Start, End, Active, Anchor, Text.
+    const CInterfaceInfo* GetTypeInfo() override;
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
     HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) override;
