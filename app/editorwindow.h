@@ -28,6 +28,9 @@ public:
     // Hears an event of the control: the status line lists it, and the title and the mode
     // fields follow what it changed.
     void OnControlEvent(DISPID id, const QString& text);
+    // The control and the document, for hosts that drive them through automation (scripts).
+    IDispatch* Control() const { return m_pCtrl; }
+    IDispatch* Document() const { return static_cast<IDispatch*>(m_doc.Get()); }
     // Opens a file dropped on the view, after the drop, offering unsaved changes for saving.
     void OpenDroppedFile(const QString& path);
 

@@ -2,10 +2,13 @@
 // page when none is given) in a window with the control, and shows the control's events in the
 // status line. Without a display it renders the window to a PNG and says where it put it.
 //
-// Usage: zentrel-edit [--screenshot PNG] [--codepage CP] [FILE]
+// Usage: zentrel-edit [--screenshot PNG] [--codepage CP] [--script JS [--script-timeout SECONDS]] [FILE]
 // The process code page is the one that holds the file's characters unless --codepage names one.
 // With --screenshot the editor shows its window, saves what the screen shows of it to PNG once
 // it is painted, and exits: a picture of the real window on a real display, for tests.
+// With --script the editor runs a JavaScript file with `control` and `document` as globals
+// instead of showing its window, prints what the script prints, and exits with 0, or with 1
+// when the script throws or runs longer than its time limit (10 s unless given).
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -19,10 +22,13 @@
 #include "app/codepagechoice.h"
 #include "app/editorwindow.h"
 #include "platform/codepage/codepage.h"
+#include "widget/scriptrunner.h"
 
 namespace {
 
 constexpr int kShowTimeoutMs = 10000;
+constexpr double kDefaultScriptSeconds = 10;
+constexpr const char* kUsage = "usage: zentrel-edit [--screenshot PNG] [--codepage CP] [--script JS [--script-timeout SECONDS]] [FILE]";
 
 QString DefaultDocument() { return QString::fromUtf8(ZENTREL_SAMPLE_DIR "/sample.html"); }
 
@@ -35,7 +41,19 @@ struct Arguments {
     QString file = DefaultDocument();
     QString screenshot;  // empty: run interactively
     QString codePage;    // empty: the file's
+    QString script;      // empty: no script
+    double scriptSeconds = kDefaultScriptSeconds;
 };
+
+// The value after an option, or false with the reason on stderr.
+bool OptionValue(const QStringList& args, qsizetype* i, const char* what, QString* out) {
+    if (*i + 1 >= args.size()) {
+        std::fprintf(stderr, "zentrel-edit: %s needs %s\n", qPrintable(args[*i]), what);
+        return false;
+    }
+    *out = args[++*i];
+    return true;
+}
 
 // Reads the command line; false, with the reason on stderr, for one that makes no sense.
 bool ParseArguments(const QStringList& args, Arguments* out) {
@@ -43,16 +61,22 @@ bool ParseArguments(const QStringList& args, Arguments* out) {
     for (qsizetype i = 1; i < args.size(); ++i) {
         const QString& arg = args[i];
         if (arg == "--screenshot") {
-            if (i + 1 >= args.size()) {
-                std::fprintf(stderr, "zentrel-edit: --screenshot needs the name of a PNG file\n");
+            if (!OptionValue(args, &i, "the name of a PNG file", &out->screenshot)) return false;
+        } else if (arg == "--script") {
+            if (!OptionValue(args, &i, "the name of a JavaScript file", &out->script)) return false;
+        } else if (arg == "--script-timeout") {
+            QString seconds;
+            bool ok = false;
+            if (!OptionValue(args, &i, "a number of seconds", &seconds)) return false;
+            out->scriptSeconds = seconds.toDouble(&ok);
+            if (!ok || out->scriptSeconds <= 0) {
+                std::fprintf(stderr, "zentrel-edit: --script-timeout needs a number of seconds above 0\n");
                 return false;
             }
-            out->screenshot = args[++i];
         } else if (arg == "--codepage" && i + 1 < args.size()) {
             out->codePage = args[++i];
         } else if (arg.startsWith("--") || haveFile) {
-            std::fprintf(stderr, "zentrel-edit: unexpected argument %s\nusage: zentrel-edit [--screenshot PNG] [FILE]\n",
-                         qPrintable(arg));
+            std::fprintf(stderr, "zentrel-edit: unexpected argument %s\n%s\n", qPrintable(arg), kUsage);
             return false;
         } else {
             out->file = arg;
@@ -90,6 +114,18 @@ int ScreenshotOfShownWindow(CEditorWindow& window, const QString& png) {
     return 0;
 }
 
+// Runs the script over the window's control and document; 0 when it ran through.
+int RunScript(CEditorWindow& window, const Arguments& args) {
+    CScriptRunner runner;
+    runner.SetGlobal("control", window.Control());
+    runner.SetGlobal("document", window.Document());
+    const auto limit = std::chrono::milliseconds(static_cast<int64_t>(args.scriptSeconds * 1000));
+    const CScriptRunner::Outcome outcome = runner.RunFile(args.script, limit);
+    if (outcome.ok) return 0;
+    std::fprintf(stderr, "%s\n", qPrintable(outcome.message));
+    return 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -107,6 +143,7 @@ int main(int argc, char** argv) {
     CEditorWindow window;
     if (!window.OpenFile(args.file)) return 1;
     window.resize(1000, 800);
+    if (!args.script.isEmpty()) return RunScript(window, args);
     if (!HasDisplay()) {
         const QString png = args.screenshot.isEmpty() ? QFileInfo(args.file).completeBaseName() + "-zentrel.png" : args.screenshot;
         if (!SavePicture(window.grab(), png)) return 1;

@@ -92,6 +92,8 @@ const CDispatchTable<CSourceRange>& RangeTable() {
 
 }  // namespace
 
+const CInterfaceInfo* CHtmlDocument::GetTypeInfo() { return &DocumentTable().Info(); }
+
 HRESULT CHtmlDocument::GetIDsOfNames(const std::string& name, DISPID* pDispId) {
     return DocumentTable().GetIDsOfNames(name, pDispId);
 }
@@ -101,6 +103,8 @@ HRESULT CHtmlDocument::Invoke(DISPID dispid, WORD flags, std::vector<Variant>& a
     ComPtr<CHtmlDocument> alive(this);
     return DocumentTable().Invoke(*this, dispid, flags, args, result, excep);
 }
+
+const CInterfaceInfo* CSourceRange::GetTypeInfo() { return &RangeTable().Info(); }
 
 HRESULT CSourceRange::GetIDsOfNames(const std::string& name, DISPID* pDispId) {
     return RangeTable().GetIDsOfNames(name, pDispId);

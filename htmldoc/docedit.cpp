@@ -35,7 +35,7 @@ void CHtmlDocument::Apply(long pos, long oldCount, std::string_view text, std::v
     m_lines.Replace(pos, oldCount, text);
     m_text.Replace(pos, oldCount, text.data(), static_cast<long>(text.size()));
     m_syntax.OnReplace(pos, oldCount, static_cast<long>(text.size()));
-    for (auto& range : m_ranges) range->AdjustForEdit(pos, oldCount, static_cast<long>(text.size()));
+    m_ranges.AdjustForEdit(pos, oldCount, static_cast<long>(text.size()));
 }
 
 void CHtmlDocument::NotifyChange(long action, long start, long end) {

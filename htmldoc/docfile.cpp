@@ -13,7 +13,7 @@ HRESULT CHtmlDocument::ResetText(std::string_view text, const char* busyText) {
     // Two reports, as a viewer keeps its layout: all the old text went, then the new text came.
     m_lines.Assign({});
     m_text.Assign({});
-    for (auto& range : m_ranges) range->PlaceSilently(0, 0);
+    m_ranges.ForEach([](CSourceRange* range) { range->PlaceSilently(0, 0); });
     m_undo.Clear();
     m_marks.Reset(0);
     NotifyChange(SA_RESET, 0, 0);

@@ -15,7 +15,7 @@ CHtmlDocument::CHtmlDocument() {
 
 CHtmlDocument::~CHtmlDocument() {
     // Ranges that callers still hold outlive the document: they stop following it.
-    for (auto& range : m_ranges) range->Orphan();
+    m_ranges.ForEach([](CSourceRange* range) { range->Orphan(); });
     m_pSelection = nullptr;
 }
 
@@ -97,36 +97,17 @@ HRESULT CHtmlDocument::GetTextPointerAt(long pos, char** out) {
 
 HRESULT CHtmlDocument::CreateRange(ISourceRange** out) {
     if (!out) return E_POINTER;
-    PruneRanges();
+    m_ranges.Prune();
     ComPtr<CSourceRange> range(new CSourceRange(this));
-    m_ranges.push_back(range);
+    m_ranges.Add(range);
     *out = range.Detach();
     return S_OK;
 }
 
 HRESULT CHtmlDocument::DestroyRange(ISourceRange* range) {
-    auto it = std::find_if(m_ranges.begin(), m_ranges.end(),
-                           [&](const auto& r) { return static_cast<ISourceRange*>(r.Get()) == range; });
-    if (it == m_ranges.end()) return E_INVALIDARG;
-    ComPtr<CSourceRange> keep = std::move(*it);  // released only after the list is consistent
-    m_ranges.erase(it);
-    return S_OK;
-}
-
-void CHtmlDocument::PruneRanges() {
-    // A range whose only reference is ours can never be reached again; the view, for one,
-    // releases its selection without destroying it.
-    std::vector<ComPtr<CSourceRange>> unreachable;
-    for (auto it = m_ranges.begin(); it != m_ranges.end();) {
-        (*it)->AddRef();
-        bool alone = (*it)->Release() == 1;
-        if (alone) {
-            unreachable.push_back(std::move(*it));
-            it = m_ranges.erase(it);
-        } else {
-            ++it;
-        }
-    }
+    // Released only after the tracker is consistent again.
+    ComPtr<CSourceRange> gone = m_ranges.Remove(range);
+    return gone ? S_OK : E_INVALIDARG;
 }
 
 void CHtmlDocument::Forget(CSourceRange* range) {

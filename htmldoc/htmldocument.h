@@ -21,6 +21,7 @@
 #include "htmldoc/fileencoding.h"
 #include "htmldoc/gapbuffer.h"
 #include "htmldoc/hardlines.h"
+#include "htmldoc/rangetracker.h"
 #include "htmldoc/syntaxstate.h"
 #include "htmldoc/undostack.h"
 #include "src/document/sourcetext.h"
@@ -83,6 +84,7 @@ public:
 
     // IDispatch: Text, Length, PathName, Modified, LineCount, Encoding, DefaultEncoding,
     // ByteOrderMark; Undo, Redo, Load, Save.
+    const CInterfaceInfo* GetTypeInfo() override;
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
     HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) override;
@@ -162,6 +164,7 @@ public:
     void MarkSelection(CSourceRange* range, bool on);
     // A range is going away.
     void Forget(CSourceRange* range);
+    CRangeTracker& Ranges() { return m_ranges; }
     void NotifyBusy(bool busy, const char* text);
     CSyntaxState& Syntax() { return m_syntax; }
 
@@ -187,8 +190,6 @@ private:
     HRESULT ResetText(std::string_view text, const char* busyText);
     long ReplayStep(const CUndoStep& step, bool undo);
     HRESULT Rewind(bool undo, long* caretPos);
-    // Drops tracked ranges that no one but this document can reach any more.
-    void PruneRanges();
     // The token that covers pos, which lies in the text.
     ISourceTokenInfo FindToken(long pos);
 
@@ -205,7 +206,7 @@ private:
     CLoadReport m_lastLoad;
     std::function<void(const CLoadReport&)> m_onLoad;
     std::vector<ComPtr<ISourceTextSink>> m_sinks;
-    std::vector<ComPtr<CSourceRange>> m_ranges;  // the tracking references
+    CRangeTracker m_ranges;
     CSourceRange* m_pSelection = nullptr;        // not counted; the range clears it when it goes
     CSyntaxState m_syntax{m_text};
     ISourceTokenInfo m_lastToken{-1, 0, 0};  // the token found last, while the version holds

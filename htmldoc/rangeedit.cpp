@@ -39,9 +39,9 @@ HRESULT CSourceRange::ReplaceText(const char* text, long count, ISourceTextSink*
     if (!m_pDoc) return E_UNEXPECTED;
     if (count < 0) return E_INVALIDARG;
     if (count > 0 && !text) return E_POINTER;
-    if (!IsValidPos(m_nActive) || !IsValidPos(m_nAnchor)) return E_INVALIDARG;
+    if (!IsValidPos(GetActive()) || !IsValidPos(GetAnchor())) return E_INVALIDARG;
     CTextWalker walker(m_pDoc->Text());
-    bool typing = m_nActive == m_nAnchor && IsOneTypedChar(walker, text, count);
+    bool typing = GetActive() == GetAnchor() && IsOneTypedChar(walker, text, count);
     return m_pDoc->Edit({GetStart(), GetEnd() - GetStart(), std::string_view(text, static_cast<size_t>(count)),
                          SA_REPLACE, typing ? EditKind::Typing : EditKind::Replace, this});
 }
@@ -50,23 +50,23 @@ HRESULT CSourceRange::OvertypeText(const char* text, long count, ISourceTextSink
     if (!m_pDoc) return E_UNEXPECTED;
     if (count < 0) return E_INVALIDARG;
     if (count > 0 && !text) return E_POINTER;
-    if (m_nActive != m_nAnchor) return ReplaceText(text, count, sink);
-    if (!IsValidPos(m_nActive)) return E_INVALIDARG;
+    if (GetActive() != GetAnchor()) return ReplaceText(text, count, sink);
+    if (!IsValidPos(GetActive())) return E_INVALIDARG;
     CTextWalker walker(m_pDoc->Text());
-    long end = m_nActive;
+    long end = GetActive();
     for (long n = CountChars(walker, text, count); n > 0 && end < walker.Length(); --n) {
         if (IsBreakByte(static_cast<char>(walker.ByteAt(end)))) break;  // the line end is not overtyped
         end = walker.NextChar(end);
     }
     EditKind kind = IsOneTypedChar(walker, text, count) ? EditKind::Overtype : EditKind::Replace;
-    return m_pDoc->Edit({m_nActive, end - m_nActive, std::string_view(text, static_cast<size_t>(count)), SA_REPLACE,
+    return m_pDoc->Edit({GetActive(), end - GetActive(), std::string_view(text, static_cast<size_t>(count)), SA_REPLACE,
                          kind, this});
 }
 
 HRESULT CSourceRange::DeleteText(ISourceTextSink*) {
     if (!m_pDoc) return E_UNEXPECTED;
-    if (!IsValidPos(m_nActive) || !IsValidPos(m_nAnchor)) return E_INVALIDARG;
-    if (m_nActive == m_nAnchor) return S_FALSE;
+    if (!IsValidPos(GetActive()) || !IsValidPos(GetAnchor())) return E_INVALIDARG;
+    if (GetActive() == GetAnchor()) return S_FALSE;
     return m_pDoc->Edit({GetStart(), GetEnd() - GetStart(), {}, SA_DELETE, EditKind::Delete, this});
 }
 
@@ -75,7 +75,7 @@ HRESULT CSourceRange::UnindentLines(ISourceTextSink*) { return Indent(false); }
 
 HRESULT CSourceRange::Indent(bool indent) {
     if (!m_pDoc) return E_UNEXPECTED;
-    if (!IsValidPos(m_nActive) || !IsValidPos(m_nAnchor)) return E_INVALIDARG;
+    if (!IsValidPos(GetActive()) || !IsValidPos(GetAnchor())) return E_INVALIDARG;
     const CHardLines& lines = m_pDoc->Lines();
     const CGapBuffer& text = m_pDoc->Text();
     long first = lines.LineFromPos(GetStart());
@@ -97,11 +97,11 @@ HRESULT CSourceRange::Indent(bool indent) {
         long line = lines.LineFromPos(end);
         return line >= first && line <= last && lines.LineStart(line) == end ? line : -1;
     };
-    long activeLine = lineOfStartEnd(m_nActive);
-    long anchorLine = lineOfStartEnd(m_nAnchor);
+    long activeLine = lineOfStartEnd(GetActive());
+    long anchorLine = lineOfStartEnd(GetAnchor());
     auto place = [&] {
-        long active = activeLine >= 0 ? lines.LineStart(activeLine) : m_nActive;
-        long anchor = anchorLine >= 0 ? lines.LineStart(anchorLine) : m_nAnchor;
+        long active = activeLine >= 0 ? lines.LineStart(activeLine) : GetActive();
+        long anchor = anchorLine >= 0 ? lines.LineStart(anchorLine) : GetAnchor();
         PlaceSilently(active, anchor);
     };
     ComPtr<CSourceRange> keep(this);  // sinks called below may drop their references

@@ -72,18 +72,18 @@ HRESULT CSourceRange::MarkAsSelection(BOOL on) {
 
 void CSourceRange::ReportIfMoved(long oldActive, long oldAnchor) {
     if (!m_pDoc || !m_pDoc->IsSelection(this)) return;
-    if (oldActive == m_nActive && oldAnchor == m_nAnchor) return;
+    if (oldActive == GetActive() && oldAnchor == GetAnchor()) return;
     auto sinks = m_sinks;  // a sink may unadvise while it is called
     for (auto& [cookie, sink] : sinks) {
         bool advised = false;
         for (auto& entry : m_sinks) advised = advised || entry.first == cookie;
-        if (advised) sink->OnSelectionChanged(m_nActive, m_nAnchor);
+        if (advised) sink->OnSelectionChanged(GetActive(), GetAnchor());
     }
 }
 
 void CSourceRange::AdjustForEdit(long pos, long removed, long inserted) {
     auto afterDelete = [&](long e) { return e > pos + removed ? e - removed : std::min(e, pos); };
-    long active = afterDelete(m_nActive);
+    long active = afterDelete(m_nActive);  // settled: the ends are exact
     long anchor = afterDelete(m_nAnchor);
     if (inserted > 0) {
         long low = std::min(active, anchor);
@@ -96,11 +96,21 @@ void CSourceRange::AdjustForEdit(long pos, long removed, long inserted) {
     m_nAnchor = anchor;
 }
 
-std::string CSourceRange::Text() const {
+long CSourceRange::Shift() const {
+    return m_group == CRangeTracker::Group::Shifted && m_pDoc ? m_pDoc->Ranges().PendingShift() : 0;
+}
+
+void CSourceRange::PlaceSilently(long active, long anchor) {
+    if (m_pDoc) m_pDoc->Ranges().Follow(this);
+    m_nActive = active;
+    m_nAnchor = anchor;
+}
+
+std::string CSourceRange::Text() {
     if (!m_pDoc) return {};
     long len = m_pDoc->GetLength();
-    long start = std::clamp(std::min(m_nActive, m_nAnchor), 0L, len);
-    long end = std::clamp(std::max(m_nActive, m_nAnchor), 0L, len);
+    long start = std::clamp(GetStart(), 0L, len);
+    long end = std::clamp(GetEnd(), 0L, len);
     return m_pDoc->Text().Substr(start, end - start);
 }
 
@@ -115,16 +125,15 @@ BOOL CSourceRange::IsEmpty() {
 HRESULT CSourceRange::SetRange(long active, long anchor) {
     if (!m_pDoc) return E_UNEXPECTED;
     if (!IsValidPos(active) || !IsValidPos(anchor)) return E_INVALIDARG;
-    long oldActive = m_nActive, oldAnchor = m_nAnchor;
-    m_nActive = active;
-    m_nAnchor = anchor;
+    long oldActive = GetActive(), oldAnchor = GetAnchor();
+    PlaceSilently(active, anchor);
     ReportIfMoved(oldActive, oldAnchor);
     return S_OK;
 }
 
 HRESULT CSourceRange::SetAnchor(long pos) {
     if (!IsValidPos(pos)) return m_pDoc ? E_INVALIDARG : E_UNEXPECTED;
-    return SetRange(m_nActive, pos);
+    return SetRange(GetActive(), pos);
 }
 
 HRESULT CSourceRange::SetActive(long pos, BOOL extend) {
@@ -135,14 +144,14 @@ HRESULT CSourceRange::SetActive(long pos, BOOL extend) {
 HRESULT CSourceRange::MoveActive(long pos, BOOL extend) {
     if (!m_pDoc) return E_UNEXPECTED;
     pos = std::clamp(pos, 0L, m_pDoc->GetLength());
-    long anchor = extend ? std::clamp(m_nAnchor, 0L, m_pDoc->GetLength()) : pos;
+    long anchor = extend ? std::clamp(GetAnchor(), 0L, m_pDoc->GetLength()) : pos;
     return SetRange(pos, anchor);
 }
 
 HRESULT CSourceRange::MoveCharLeft(BOOL extend, long count) {
     if (!m_pDoc) return E_UNEXPECTED;
     CTextWalker walker(m_pDoc->Text());
-    long pos = std::clamp(m_nActive, 0L, walker.Length());
+    long pos = std::clamp(GetActive(), 0L, walker.Length());
     for (unsigned long i = 0, n = StepCount(count); i < n; ++i) {
         long next = count > 0 ? walker.PrevChar(pos) : walker.NextChar(pos);
         if (next == pos) break;
@@ -154,7 +163,7 @@ HRESULT CSourceRange::MoveCharLeft(BOOL extend, long count) {
 HRESULT CSourceRange::MoveWordRight(BOOL extend, long count) {
     if (!m_pDoc) return E_UNEXPECTED;
     CTextWalker walker(m_pDoc->Text());
-    long pos = std::clamp(m_nActive, 0L, walker.Length());
+    long pos = std::clamp(GetActive(), 0L, walker.Length());
     for (unsigned long i = 0, n = StepCount(count); i < n; ++i) {
         long next = count > 0 ? walker.NextWord(pos) : walker.PrevWord(pos);
         if (next == pos) break;
@@ -172,7 +181,7 @@ HRESULT CSourceRange::MoveLineDown(BOOL extend, long count) {
     if (!m_pDoc) return E_UNEXPECTED;
     const CHardLines& lines = m_pDoc->Lines();
     CTextWalker walker(m_pDoc->Text());
-    long pos = std::clamp(m_nActive, 0L, walker.Length());
+    long pos = std::clamp(GetActive(), 0L, walker.Length());
     long line = lines.LineFromPos(pos);
     long column = pos - lines.LineStart(line);
     if (count < -line) return MoveActive(0, extend);
@@ -186,7 +195,7 @@ HRESULT CSourceRange::MoveLineDown(BOOL extend, long count) {
 HRESULT CSourceRange::MoveToLineStart(BOOL extend) {
     if (!m_pDoc) return E_UNEXPECTED;
     const CHardLines& lines = m_pDoc->Lines();
-    return MoveActive(lines.LineStart(lines.LineFromPos(m_nActive)), extend);
+    return MoveActive(lines.LineStart(lines.LineFromPos(GetActive())), extend);
 }
 
 HRESULT CSourceRange::MoveToDocStart(BOOL extend) { return MoveActive(0, extend); }
@@ -196,24 +205,24 @@ HRESULT CSourceRange::MoveToDocEnd(BOOL extend) {
     return MoveActive(m_pDoc->GetLength(), extend);
 }
 
-HRESULT CSourceRange::Collapse() { return MoveActive(m_nActive, FALSE); }
+HRESULT CSourceRange::Collapse() { return MoveActive(GetActive(), FALSE); }
 HRESULT CSourceRange::CollapseToLeft() { return MoveActive(GetStart(), FALSE); }
 HRESULT CSourceRange::CollapseToRight() { return MoveActive(GetEnd(), FALSE); }
 
 HRESULT CSourceRange::MoveToMatch(BOOL extend, long) {
     if (!m_pDoc) return E_UNEXPECTED;
-    long match = CTagMatcher(m_pDoc->Text()).FindMatch(m_nActive);
+    long match = CTagMatcher(m_pDoc->Text()).FindMatch(GetActive());
     return match < 0 ? S_FALSE : MoveActive(match, extend);
 }
 
 HRESULT CSourceRange::StepBack(BOOL extend) {
     if (!m_pDoc) return E_UNEXPECTED;
-    long target = CTagMatcher(m_pDoc->Text()).PrevTagStart(m_nActive);
+    long target = CTagMatcher(m_pDoc->Text()).PrevTagStart(GetActive());
     return target < 0 ? S_FALSE : MoveActive(target, extend);
 }
 
 HRESULT CSourceRange::StepForward(BOOL extend) {
     if (!m_pDoc) return E_UNEXPECTED;
-    long target = CTagMatcher(m_pDoc->Text()).NextTagStart(m_nActive);
+    long target = CTagMatcher(m_pDoc->Text()).NextTagStart(GetActive());
     return target < 0 ? S_FALSE : MoveActive(target, extend);
 }

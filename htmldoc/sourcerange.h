@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "htmldoc/rangetracker.h"
 #include "src/document/sourcetext.h"
 
 class CHtmlDocument;
@@ -34,10 +35,10 @@ public:
     // Non-zero when both ends lie in one hard line: the range has no lines to indent, so Tab
     // replaces a selection inside one line instead of indenting it.
     BOOL IsEmpty() override;
-    long GetActive() override { return m_nActive; }
-    long GetAnchor() override { return m_nAnchor; }
-    long GetStart() override { return std::min(m_nActive, m_nAnchor); }
-    long GetEnd() override { return std::max(m_nActive, m_nAnchor); }
+    long GetActive() override { return m_nActive + Shift(); }
+    long GetAnchor() override { return m_nAnchor + Shift(); }
+    long GetStart() override { return std::min(m_nActive, m_nAnchor) + Shift(); }
+    long GetEnd() override { return std::max(m_nActive, m_nAnchor) + Shift(); }
     HRESULT SetRange(long active, long anchor) override;
     HRESULT SetAnchor(long pos) override;
     HRESULT SetActive(long pos, BOOL extend) override;
@@ -69,22 +70,26 @@ public:
     HRESULT StepForward(BOOL extend) override;
 
     // IDispatch: Start, End, Active, Anchor, Text.
+    const CInterfaceInfo* GetTypeInfo() override;
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) override;
     HRESULT Invoke(DISPID dispid, WORD flags, std::vector<Variant>& args, Variant* result,
                    ExcepInfo* excep) override;
 
-    // For the document.
+    // For the document. The ends must be settled (the range following the edits one by one).
     void AdjustForEdit(long pos, long removed, long inserted);
     // Sets both ends without a report; the caller reports when its operation is complete.
-    void PlaceSilently(long active, long anchor) { m_nActive = active; m_nAnchor = anchor; }
+    void PlaceSilently(long active, long anchor);
     // Tells the range sinks of the selection about the ends if they differ from the old ones.
     void ReportIfMoved(long oldActive, long oldAnchor);
     void Orphan() { m_pDoc = nullptr; }
     CHtmlDocument* Document() const { return m_pDoc; }
-    std::string Text() const;
+    std::string Text();
 
 private:
+    friend class CRangeTracker;
     ~CSourceRange();
+    // What the document's tracker has yet to add to the ends.
+    long Shift() const;
     // Moves the active end, and the anchor with it unless `extend`.
     HRESULT MoveActive(long pos, BOOL extend);
     bool IsValidPos(long pos) const;
@@ -92,8 +97,10 @@ private:
 
     CRefCount m_refs;
     CHtmlDocument* m_pDoc;  // not counted: the document drops its ranges when it goes
+    // The ends as the tracker last settled them; a shifted range lacks the pending shift.
     long m_nActive = 0;
     long m_nAnchor = 0;
+    CRangeTracker::Group m_group = CRangeTracker::Group::Following;
     ComPtr<IDispatch> m_pOwner;
     std::vector<std::pair<DWORD, ComPtr<ISourceRangeSink>>> m_sinks;
     DWORD m_nNextCookie = 1;

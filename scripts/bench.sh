@@ -14,7 +14,7 @@ scripts/build.sh release
 sizes=("$@")
 [ ${#sizes[@]} -eq 0 ] && sizes=(1 10 100)
 export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
-for program in lineindex htmldoc encodings syntax qtdc extrainfo; do
+for program in lineindex htmldoc encodings syntax qtdc extrainfo automation; do
   echo "== bench_$program =="
   build/bench/bench_$program
 done

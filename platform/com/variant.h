@@ -80,6 +80,7 @@ public:
     // Direct access for code that has checked Type().
     int16_t ShortVal() const { return m_i2; }
     int32_t LongVal() const { return m_i4; }
+    SCODE ScodeVal() const { return m_scode; }
     const std::string& StrVal() const { return m_str; }
     IUnknown* UnknownVal() const { return m_punk; }
     IDispatch* DispatchVal() const { return m_pdisp; }

@@ -217,9 +217,12 @@ void CQtControlWidget::KeyPress(QKeyEvent* e) {
         Send(WM_CHAR, control, lp);
         return;
     }
-    // Delete types nothing; Alt with a letter is a menu key, not a character.
+    // Delete types nothing; Alt with a letter is a menu key, not a character. Ctrl with a digit
+    // or a sign is a command key (Ctrl+Minus folds): it types at most a control character, never
+    // the sign itself, which would replace what the command just did to the selection.
     const bool altOnly = (mods & Qt::AltModifier) && !(mods & Qt::ControlModifier);
-    if (e->key() != Qt::Key_Delete && !altOnly) DeliverText(e->text(), lp);
+    const bool controlOnly = (mods & Qt::ControlModifier) && !(mods & Qt::AltModifier) && e->text() != " ";
+    if (e->key() != Qt::Key_Delete && !altOnly && !controlOnly) DeliverText(e->text(), lp);
 }
 
 void CQtControlWidget::KeyRelease(QKeyEvent* e) {

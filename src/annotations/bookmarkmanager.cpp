@@ -75,25 +75,30 @@ void CBookmarkManager::FireChanged(bool set, const std::string& name) {
     if (m_pOwner) m_pOwner->FireEvent(EVENT_BOOKMARKCHANGED, {Variant::Bool(set), Variant::Str(name)});
 }
 
-CBookmark* CBookmarkManager::Add(long activePos, long anchorPos, const std::string& name) {
-    if (CBookmark* found = FindByName(name)) {
-        found->GetRange()->SetRange(activePos, anchorPos);
-        return found;
-    }
+CBookmark* CBookmarkManager::PushFront(const std::string& name, long activePos, long anchorPos) {
     auto bookmark = std::make_unique<CBookmark>();
     if (!bookmark->Init(this, name, activePos, anchorPos)) return nullptr;
     CBookmark* added = bookmark.get();
+    added->SetSerial(++m_nNextSerial);
     m_bookmarks.insert(m_bookmarks.begin(), std::move(bookmark));
-    FireChanged(true, name);
+    m_index.Insert(added);
+    return added;
+}
+
+CBookmark* CBookmarkManager::Add(long activePos, long anchorPos, const std::string& name) {
+    if (CBookmark* found = FindByName(name)) {
+        m_index.Erase(found);
+        found->GetRange()->SetRange(activePos, anchorPos);
+        m_index.Insert(found);
+        return found;
+    }
+    CBookmark* added = PushFront(name, activePos, anchorPos);
+    if (added) FireChanged(true, name);
     return added;
 }
 
 CBookmark* CBookmarkManager::InsertLoaded(const std::string& name, long activePos, long anchorPos) {
-    auto bookmark = std::make_unique<CBookmark>();
-    if (!bookmark->Init(this, name, activePos, anchorPos)) return nullptr;
-    CBookmark* added = bookmark.get();
-    m_bookmarks.insert(m_bookmarks.begin(), std::move(bookmark));
-    return added;
+    return PushFront(name, activePos, anchorPos);
 }
 
 BOOL CBookmarkManager::Remove(CBookmark* bookmark) {
@@ -101,6 +106,7 @@ BOOL CBookmarkManager::Remove(CBookmark* bookmark) {
                            [bookmark](const std::unique_ptr<CBookmark>& b) { return b.get() == bookmark; });
     if (it == m_bookmarks.end()) return FALSE;
     const std::string name = (*it)->GetName();
+    m_index.Erase(bookmark);
     m_bookmarks.erase(it);
     FireChanged(false, name);
     return TRUE;
@@ -109,6 +115,7 @@ BOOL CBookmarkManager::Remove(CBookmark* bookmark) {
 void CBookmarkManager::RemoveAll() {
     if (!m_pDoc) return;
     std::vector<std::unique_ptr<CBookmark>> gone;
+    m_index.Clear();
     gone.swap(m_bookmarks);
     gone.clear();
     FireChanged(false, std::string());
@@ -132,9 +139,5 @@ CBookmark* CBookmarkManager::FindAtPosition(long pos) const {
     const long line = pos < docLen ? lines.FindLineAndStart(pos, &lineStart) : last;
     if (line == last) lineStart = lines.GetLineStart(last);
     const long lineEnd = line == last ? POS_TO_END : lineStart + lines.GetAt(line);
-    for (const auto& b : m_bookmarks) {
-        const long start = b->GetRange()->GetStart();
-        if (start >= lineStart && start < lineEnd) return b.get();
-    }
-    return nullptr;
+    return m_index.FindNewestIn(lineStart, lineEnd);
 }

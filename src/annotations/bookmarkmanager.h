@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "src/annotations/bookmarkindex.h"
 #include "src/document/sourcetext.h"
 
 class CZentrelCtrl;
@@ -33,9 +34,13 @@ public:
     const std::string& GetName() const { return m_strName; }
     void SetName(std::string name) { m_strName = std::move(name); }
     ISourceRange* GetRange() const { return m_pRange.Get(); }
+    // Higher for a bookmark put in the list later: the newest of a line is the one shown.
+    unsigned long GetSerial() const { return m_nSerial; }
+    void SetSerial(unsigned long serial) { m_nSerial = serial; }
 
 private:
     CBookmarkManager* m_pManager = nullptr;
+    unsigned long m_nSerial = 0;
     std::string m_strName;
     ComPtr<ISourceRange> m_pRange;
 };
@@ -67,11 +72,18 @@ public:
     CBookmark* FindByName(const std::string& name) const;
     // The newest bookmark whose lower end lies on the line of `pos`; null if none.
     CBookmark* FindAtPosition(long pos) const;
+    // Keeps the lookup by position right after a change of the document's text that may have
+    // moved ends onto one another from lo to hi, in positions after the change.
+    void OnTextChanged(long lo, long hi) { m_index.ResortChanged(lo, hi); }
 
 private:
     void FireChanged(bool set, const std::string& name);
+    // Makes a bookmark and puts it at the front of the list; null if its range cannot be made.
+    CBookmark* PushFront(const std::string& name, long activePos, long anchorPos);
 
     CZentrelCtrl* m_pOwner = nullptr;
     ISourceText* m_pDoc = nullptr;  // not counted: the control holds the document
     std::vector<std::unique_ptr<CBookmark>> m_bookmarks;
+    CBookmarkIndex m_index;          // the same bookmarks by position
+    unsigned long m_nNextSerial = 0;
 };

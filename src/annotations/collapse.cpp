@@ -18,7 +18,7 @@ BOOL CZentrelCtrl::CollapseBlock(long nStart, long nEnd, BOOL bUpdate) {
     if (!bUpdate || !HasWindow()) return TRUE;
     const long lo = std::min(nStart, nEnd), hi = std::max(nStart, nEnd);
     LayoutRange range{lo, hi};
-    RewrapLines(lo, &range, 2);
+    RelayoutSpan(lo, hi, &range);
     HideCaret(m_hWnd);
     ScrollRangeIntoView(lo, hi);
     m_pSelection->SetRange(lo, hi);
@@ -34,10 +34,8 @@ BOOL CZentrelCtrl::ExpandBlocks(long nStart, long nEnd, BOOL bOneLevel) {
     if (done.count == 0) return FALSE;
     if (!HasWindow()) return TRUE;
     if (done.count == 1) {
-        // The rows are laid out anew from the opened block on: in front of it nothing changed,
-        // and rows that come out unchanged there would end the run before it.
         LayoutRange range{done.firstBlock, done.last};
-        RewrapLines(done.firstBlock, &range, 2);
+        RelayoutSpan(done.firstBlock, done.last, &range);
     } else {
         Reformat(FALSE);
     }

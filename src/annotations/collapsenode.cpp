@@ -158,6 +158,16 @@ bool CCollapseNode::RemoveEmpty() {
     return std::erase_if(m_children, [](const std::unique_ptr<CCollapseNode>& c) { return c->RemoveEmpty(); }) > 0;
 }
 
+bool CCollapseNode::RemoveEmptyIn(long lo, long hi) {
+    const auto first = m_children.begin() + static_cast<std::ptrdiff_t>(FirstEndingBehind(lo - 1));
+    auto last = first;
+    while (last != m_children.end() && (*last)->GetStart() <= hi) ++last;
+    const auto kept = std::remove_if(first, last, [](const std::unique_ptr<CCollapseNode>& c) { return c->RemoveEmpty(); });
+    if (kept == last) return false;
+    m_children.erase(kept, last);
+    return true;
+}
+
 void CCollapseNode::RemoveAllChildren() {
     Children gone;
     gone.swap(m_children);

@@ -63,6 +63,9 @@ public:
     // Drops the outermost blocks whose range has become empty, with everything inside them;
     // true if any went. A node with a range answers whether it is empty itself.
     bool RemoveEmpty();
+    // The same for the outermost blocks that reach from lo to hi: a change empties only the
+    // blocks whose text it took, and leaves them where that text was.
+    bool RemoveEmptyIn(long lo, long hi);
     // Gives back every block below this node and empties the tree under it.
     void RemoveAllChildren();
 

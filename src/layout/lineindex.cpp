@@ -485,3 +485,21 @@ void CLineIndex::BuildNode(const int32_t* pLengths, int32_t nCount) {
     m_pChildren[1].BuildNode(pLengths + nLeft, nCount - nLeft);
     m_nTotal = m_pChildren[0].m_nTotal + m_pChildren[1].m_nTotal;
 }
+
+void CLineIndex::CopyLengths(long nFrom, long nTo, std::vector<int32_t>* pOut) const {
+    if (nFrom < 0 || nTo > m_nCount || nFrom > nTo)
+        throw std::out_of_range("CLineIndex::CopyLengths: lines outside the table");
+    CopyNode(static_cast<int32_t>(nFrom), static_cast<int32_t>(nTo), pOut);
+}
+
+// Lines nFrom to nTo of this node, in its own numbering; subtrees outside them are not entered.
+void CLineIndex::CopyNode(int32_t nFrom, int32_t nTo, std::vector<int32_t>* pOut) const {
+    if (nFrom >= nTo) return;
+    if (!m_pChildren) {
+        pOut->insert(pOut->end(), m_pBlock->m_aLength + nFrom, m_pBlock->m_aLength + nTo);
+        return;
+    }
+    const int32_t nLeft = m_pChildren[0].m_nCount;
+    m_pChildren[0].CopyNode(nFrom, std::min(nTo, nLeft), pOut);
+    m_pChildren[1].CopyNode(std::max(nFrom, nLeft) - nLeft, nTo - nLeft, pOut);
+}

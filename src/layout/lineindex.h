@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 class CLineBlockPool;
 
@@ -93,6 +94,8 @@ public:
     void Build(const int32_t* pLengths, long nCount);
 
     long GetCount() const { return m_nCount; }
+    // Appends the lengths of lines nFrom up to, not including, nTo to *pOut, in order.
+    void CopyLengths(long nFrom, long nTo, std::vector<int32_t>* pOut) const;
 
     // Checks invariants 1 to 5 and all sums over the whole tree; on a fault, describes the first
     // one found in *pWhy. bBalanced false skips invariant 5.
@@ -119,6 +122,7 @@ private:
     int32_t LeafFindLine(int32_t nPos, int32_t* pnStart) const noexcept;
 
     void BuildNode(const int32_t* pLengths, int32_t nCount);
+    void CopyNode(int32_t nFrom, int32_t nTo, std::vector<int32_t>* pOut) const;
     void Split();
     void Merge() noexcept;
     void Balance();

@@ -40,11 +40,26 @@ void TakeBytes(CLineIndex& lines, long pos, long count, long end, LayoutRange* r
     while (idx < lines.m_nCount && lines.m_nCount > 1 && lines.GetAt(idx) == 0) lines.RemoveAt(idx);
 }
 
+// Where a change may have emptied ranges or set them onto one another: the text it left, in
+// positions after it. A style change moves nothing; a reset or another kind of change anywhere.
+LayoutRange RangesTouched(long action, long first, long second) {
+    const long lo = std::min(first, second), hi = std::max(first, second);
+    switch (action) {
+        case SA_STYLE: return {-1, -2};
+        case SA_INSERT:
+        case SA_REPLACE: return {lo, hi};
+        case SA_DELETE: return {lo, lo};
+        default: return {0, POS_TO_END};
+    }
+}
+
 }  // namespace
 
 void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
     LayoutRange range{std::min(nFirst, nSecond), std::max(nFirst, nSecond)};
-    m_CollapseRoot.RemoveEmpty();
+    const LayoutRange touched = RangesTouched(nAction, nFirst, nSecond);
+    m_CollapseRoot.RemoveEmptyIn(touched.nStart, touched.nEnd);
+    m_Bookmarks.OnTextChanged(touched.nStart, touched.nEnd);
     switch (nAction) {
         case SA_INSERT:
             range.nEnd = nSecond;

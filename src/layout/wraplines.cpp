@@ -8,6 +8,7 @@
 // in front of the character that overflowed. CR has no width and is no break opportunity, so a
 // CR and the LF behind it stay together. A tab runs to the next stop, m_nTabPixels apart.
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <vector>
 
@@ -253,17 +254,49 @@ struct OldRows {
 
     // Passes the rows inside the change and those that start in front of pos in the new text.
     void PassTo(long pos) {
+        if (start < changeEnd && index < table.m_nCount) {
+            // Over the changed rows in one lookup: a fold can cover millions of them.
+            long rowStart = 0;
+            const long row = table.FindLineAndStart(std::min<long>(changeEnd, table.m_nTotal - 1), &rowStart);
+            if (row > index) {
+                index = row;
+                start = rowStart;
+            }
+        }
         while (index < table.m_nCount && (start < changeEnd || start + delta < pos)) start += table.GetAt(index++);
     }
     // Whether pos, a row start in the new text, is the start of the row not yet passed.
     bool StartsAt(long pos) const { return index < table.m_nCount && start >= changeEnd && start + delta == pos; }
 };
 
+// Rows that come or go one at a time up to this many, or up to this share of the table; beyond
+// that the table is copied out, spliced and built again in one pass, as a whole layout builds it.
+// A row inserted or removed alone costs a walk of the tree, a move within its block and maybe a
+// rebalance line by line; a rebuild costs a short pass over every row.
+constexpr long kRowsOneByOne = 1024;
+constexpr long kRowsShareOneByOne = 1024;  // one row in this many
+
+// Puts `rows` in place of the table's rows [first, last) in one rebuild of the table.
+void RebuildWithRows(CLineIndex& table, long first, long last, const std::vector<long>& rows) {
+    std::vector<int32_t> lengths;
+    lengths.reserve(static_cast<size_t>(table.m_nCount - (last - first)) + rows.size());
+    table.CopyLengths(0, first, &lengths);
+    for (long row : rows) lengths.push_back(static_cast<int32_t>(row));
+    table.CopyLengths(last, table.m_nCount, &lengths);
+    table.Build(lengths.data(), static_cast<long>(lengths.size()));
+}
+
 // Puts `rows` in place of the table's rows [first, last), whose first starts at `start`, changing
 // only the entries that differ, and widens `range` over the rows that changed.
 void SpliceRows(CLineIndex& table, long first, long last, const std::vector<long>& rows, long start,
                 LayoutRange* range) {
     const long oldCount = last - first, newCount = static_cast<long>(rows.size());
+    if (std::abs(oldCount - newCount) > std::max(kRowsOneByOne, table.m_nCount / kRowsShareOneByOne)) {
+        RebuildWithRows(table, first, last, rows);
+        range->nStart = std::min(range->nStart, start);
+        range->nEnd = POS_TO_END;
+        return;
+    }
     const long common = std::min(oldCount, newCount);
     long changedFrom = -1, changedTo = -1;
     for (long i = 0; i < common; ++i) {

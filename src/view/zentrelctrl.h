@@ -149,6 +149,9 @@ public:
     // Lays out anew the rows that a change of the text touched (nRemoved bytes at nPos replaced by
     // nInserted), so that the table is what a whole layout of the new text gives.
     void RelayoutChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange);
+    // Lays out anew the rows from nStart to nEnd of an unchanged text: a block there folded or
+    // opened.
+    void RelayoutSpan(long nStart, long nEnd, LayoutRange* pRange) { RelayoutChange(nStart, nEnd - nStart, nEnd - nStart, pRange); }
     // The width the breaker wraps the view's text at: no limit without word wrap.
     long BreakWidth();
     BOOL Reformat(BOOL bOnlyIfWidthChanged);

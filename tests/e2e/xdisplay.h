@@ -46,6 +46,12 @@ inline std::string ReadLog(const std::string& path) {
     return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
 }
 
+inline bool WriteFile(const std::string& path, const std::string& bytes) {
+    QFile file(QString::fromStdString(path));
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(bytes.data(), static_cast<qint64>(bytes.size())) == static_cast<qint64>(bytes.size());
+}
+
 class EditorOnXDisplay : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -78,6 +84,5 @@ protected:
 
     CChild m_server;
 };
-
 
 }  // namespace e2e

@@ -347,6 +347,23 @@ TEST_P(RandomFolding, KeepsTreeBookmarksAndLayoutLikeTheModel) {
     }
 }
 
+// A block of thousands of rows goes and comes back through one rebuild of the line table.
+TEST_P(RandomFolding, FoldsAndOpensThousandsOfRowsAtOnce) {
+    m_doc->SetText(RandomText(12000));
+    const long length = m_doc->GetLength();
+    ASSERT_GT(m_ctrl->Lines().m_nCount, 3000);
+    for (const auto& [lo, hi] : {std::pair{length / 4, length * 3 / 4}, std::pair{1L, length - 1}}) {
+        m_step = "fold " + std::to_string(lo) + " " + std::to_string(hi);
+        ASSERT_TRUE(m_model.Collapse(lo, hi));
+        ASSERT_TRUE(m_ctrl->CollapseBlock(lo, hi, TRUE));
+        ASSERT_NO_FATAL_FAILURE(CheckLayout()) << m_step;
+    }
+    ASSERT_TRUE(m_ctrl->ExpandBlocks(1, length - 1, TRUE));
+    ASSERT_NO_FATAL_FAILURE(CheckLayout()) << "open one level";
+    ASSERT_TRUE(m_ctrl->ExpandBlocks(length / 4, length / 4, TRUE));
+    ASSERT_NO_FATAL_FAILURE(CheckLayout()) << "open the inner block";
+}
+
 INSTANTIATE_TEST_SUITE_P(Wrap, RandomFolding, ::testing::Values(false, true),
                          [](const ::testing::TestParamInfo<bool>& info) { return info.param ? "Wrapped" : "Unwrapped"; });
 

@@ -435,6 +435,9 @@ TEST(LineIndex, BuildGivesAValidTableThatKeepsWorking) {
             start += lengths[static_cast<size_t>(i)];
         }
         EXPECT_EQ(table.m_nTotal, start);
+        std::vector<int32_t> copied;
+        table.CopyLengths(nLines / 3, nLines - nLines / 5, &copied);
+        EXPECT_EQ(copied, std::vector<int32_t>(lengths.begin() + nLines / 3, lengths.end() - nLines / 5));
         // Ordinary edits on a built table keep every rule.
         for (int step = 0; step < 2000 && nLines > 0; ++step) {
             long at = static_cast<long>(rng() % static_cast<unsigned>(table.m_nCount));

@@ -159,9 +159,9 @@ TEST_F(QtWindowTest, KeysBecomePretranslateKeyDownAndChar) {
     EXPECT_EQ(downs[1].wParam, WPARAM(VK_DELETE));
     EXPECT_EQ(downs[2].wParam, WPARAM(VK_OEM_6));
     EXPECT_EQ(downs[3].wParam, WPARAM(VK_F1 + 4));
-    ASSERT_EQ(chars.size(), 2u);  // Ctrl+A is character 1; Delete and F5 type nothing
+    // Ctrl+A is character 1; Delete and F5 type nothing, nor does Ctrl with a sign (a command key).
+    ASSERT_EQ(chars.size(), 1u);
     EXPECT_EQ(chars[0].wParam, 1u);
-    EXPECT_EQ(chars[1].wParam, WPARAM('}'));
 }
 
 TEST_F(QtWindowTest, ClaimedKeyGoesNoFurther) {
