@@ -8,8 +8,8 @@
 // with out arguments answers them as its result: a QPoint for a point or a coordinate, a pair
 // for a range, and a QVariant that is null when the method answers FALSE. An event's
 // by-reference arguments are pointers: a slot connected directly writes through them, and the
-// control goes on with what the slot wrote (a KeyPress slot that sets *keyAscii to 0 swallows
-// the key).
+// control reads what the slot wrote when the event returns (a Request slot answers the picker
+// this way).
 //
 // The widget owns the control: destroying the widget detaches the document and releases the
 // control. The Qt backend of the window services is installed while any widget lives, unless
