@@ -191,32 +191,4 @@ TEST_F(TestBackendTest, FocusMovesWithKillThenSetNamingEachOther) {
     EXPECT_FALSE(TestWindow(b)->HasFocus());
 }
 
-TEST_F(TestBackendTest, KeyStatesAndBeepsAreTheTestsToSetAndRead) {
-    EXPECT_TRUE(MessageBeep(static_cast<UINT>(-1)));
-    EXPECT_EQ(scope->BeepCount(), 1);
-    EXPECT_EQ(scope->LastBeepType(), static_cast<UINT>(-1));
-    scope->SetKeyState(0x14, 1);  // toggled, up
-    scope->SetKeyDown(0x14, true);
-    EXPECT_EQ(GetKeyState(0x14), static_cast<short>(0x8001));
-    scope->SetKeyDown(0x14, false);
-    EXPECT_EQ(GetKeyState(0x14), 1);
-    scope->SetKeyDown(300, true);
-    scope->SetKeyState(-1, -1);
-    EXPECT_EQ(GetKeyState(300), 0);
-    EXPECT_EQ(GetKeyState(-1), 0);
-}
-
-TEST_F(TestBackendTest, PostingRaisesTheWakeFlagAndPumpingDeliversAndClearsIt) {
-    HWND hwnd = Create(handler);
-    CTestWindowBackend* window = TestWindow(hwnd);
-    EXPECT_FALSE(window->IsPostWaiting());
-    PostMessage(hwnd, WM_USER + 1, 0, 0);
-    PostMessage(hwnd, WM_USER + 1, 0, 0);
-    EXPECT_TRUE(window->IsPostWaiting());
-    EXPECT_EQ(window->WakeCount(), 2);
-    EXPECT_EQ(window->PumpPostedMessages(), 2);
-    EXPECT_FALSE(window->IsPostWaiting());
-    EXPECT_EQ(handler.Of(WM_USER + 1).size(), 2u);
-}
-
 }  // namespace

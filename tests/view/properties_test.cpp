@@ -11,16 +11,6 @@ TEST(Properties, SettersMarkModifiedAndKeepTheirTables) {
     ctrl->SetScrollByHorizontal(120);
     EXPECT_TRUE(ctrl->IsModified());
 
-    // The options are bits of one word; AutoConvert is a toggle with an event.
-    CEventLog log;
-    DWORD cookie = ctrl->AdviseEvents(&log);
-    EXPECT_EQ(PutProperty(control.Get(), "WordWrap", Variant::Bool(true)), S_OK);
-    EXPECT_TRUE(ctrl->GetOptionsWord() & OPT_WORDWRAP);
-    ctrl->SetOption(OPT_AUTOCONVERT, TRUE);
-    ctrl->SetOption(OPT_AUTOCONVERT, TRUE);
-    EXPECT_EQ(log.Of(EVENT_AUTOCONVERTTOGGLED).size(), 1u);
-    ctrl->UnadviseEvents(cookie);
-
     // Exception tags are kept in upper case; only an upper-case name reaches an existing entry.
     ctrl->AddExceptionTag("td", 0x11, 0x22);
     ctrl->AddExceptionTag("TD", 0x33, 0x44);
