@@ -16,26 +16,16 @@ ComPtr<ISourceUndo> UndoManager(CHtmlDocument* doc) {
     return undo;
 }
 
-TEST(Undo, TypingMergesAndTheCaretGoesWhereTheStepLeavesText) {
+// Merging, the caret after undo and redo, and the end of the redo history are in the randomized test.
+TEST(Undo, TypingIsTitledAndAnEmptyHistoryGivesNoCaret) {
     CAttachedDoc d("<p></p>");
     d.sel->SetRange(3, 3);
     Type(d.sel.Get(), "ab");
-    Type(d.sel.Get(), "\n");  // a line break is a step of its own
-    Type(d.sel.Get(), "c");
     EXPECT_EQ(d.doc->UndoTitle(), "Typing");
     long caret = 0;
     d.doc->Undo(nullptr, &caret);
-    d.doc->Undo(nullptr, &caret);
-    d.doc->Undo(nullptr, &caret);
-    EXPECT_EQ(d.Text(), "<p></p>");
-    EXPECT_EQ(caret, 3);  // where the removed text stood
     EXPECT_EQ(d.doc->Undo(nullptr, &caret), E_FAIL);
     EXPECT_EQ(caret, -1);
-    d.doc->Redo(nullptr, &caret);
-    EXPECT_EQ(caret, 5);  // behind the text put back
-    Type(d.sel.Get(), "d");
-    EXPECT_TRUE(d.doc->IsRedoEmpty());  // a new edit ends the redo history
-    EXPECT_EQ(d.Text(), "<p>abd</p>");
 }
 TEST(Undo, UndoReportsTheInverseChangeThenTheSelection) {
     CAttachedDoc d("hello world");

@@ -1,6 +1,4 @@
-// The control's line table against its document: whole layouts, repairs after edits.
-#include <cstring>
-#include <random>
+// The control's line table against its document: whole layouts of short, long and large texts.
 
 #include "platform/testing/testplatform.h"
 #include "tests/view/viewtest.h"
@@ -51,37 +49,6 @@ TEST_P(Layout, AWholeLayoutIsAFixedPointOfTheBreaker) {
         ASSERT_EQ(LengthsOf(ctrl->Lines()), before) << "from " << pos;
     }
     EXPECT_EQ(before, Fresh());
-}
-
-TEST_P(Layout, RandomEditsKeepTheTableAValidLayoutOfTheText) {
-    std::mt19937 rng(GetParam() ? 11 : 12);
-    const char* pieces[] = {"x", " ", "-", "\t", "\n", "\r\n", "word ", "<b>bold</b> "};
-    for (int step = 0; step < 400; ++step) {
-        long len = doc->GetLength();
-        long pos = static_cast<long>(rng() % static_cast<unsigned>(len + 1));
-        switch (rng() % 3) {
-            case 0: {
-                const char* p = pieces[rng() % std::size(pieces)];
-                doc->InsertText(pos, p, static_cast<long>(std::strlen(p)), nullptr);
-                break;
-            }
-            case 1:
-                if (pos < len) doc->DeleteText(pos, std::min<long>(len - pos, 1 + rng() % 12), nullptr);
-                break;
-            default:
-                doc->ReplaceText(pos, std::min<long>(len - pos, rng() % 4), "ab c", 4, nullptr);
-        }
-        std::string why;
-        ASSERT_TRUE(ctrl->Lines().CheckInvariants(&why)) << step << ": " << why;
-        ASSERT_EQ(ctrl->Lines().m_nTotal, doc->GetLength()) << step;
-        // Every line but the last ends where the breaker may end one: at a line feed, or with
-        // wrapping, anywhere; without wrapping the table holds exactly the hard lines.
-        if (!GetParam()) {
-            ASSERT_EQ(ctrl->GetLineCount(), doc->LineCount()) << step;
-        }
-    }
-    ctrl->Reformat(FALSE);
-    EXPECT_EQ(LengthsOf(ctrl->Lines()), Fresh());
 }
 
 INSTANTIATE_TEST_SUITE_P(WordWrap, Layout, ::testing::Bool());
