@@ -1,6 +1,5 @@
 // The gutter on the test backend's pixels: the background tile and where it starts, bookmark
-// flags, the plus box of a folded line, and the bracket along the selection, also after the
-// selection changed and only what it invalidated was painted. Lines are 19 pixels high, a
+// flags, and the bracket along the selection, also after the selection changed and only what it invalidated was painted. Lines are 19 pixels high, a
 // character is 9 wide; the gutter is 60 wide, of which 51 are painted.
 #include "src/resources/gutterpictures.h"
 #include "tests/view/viewfixture.h"
@@ -101,14 +100,6 @@ TEST_F(Gutter, FlagsMarkBookmarkedLinesAndANarrowGutterOrTheOptionHidesThem) {
     ctrl->SetGutterSize(10);
     Repaint();
     for (const DrawRecord& r : Window().Drawn()) EXPECT_FALSE(r.kind == DrawKind::Blit && r.rc.left == kFlagLeft);
-}
-
-TEST_F(Gutter, APlusBoxStandsOnAFoldedLineOnly) {
-    ASSERT_TRUE(ctrl->CollapseRange(LineStart(2), LineStart(6) - 1));
-    Repaint();
-    EXPECT_TRUE(BoxOnRow(2, IDB_MARK));
-    for (LONG row : {1, 3, 4})
-        EXPECT_EQ(Window().Pixel(kBoxLeft + 4, row * kLine + kBoxTop + 4), kFace) << row;
 }
 
 TEST_F(Gutter, TheBracketRunsAlongASelectionOfSeveralLines) {
