@@ -1,6 +1,7 @@
 // The gutter on the test backend's pixels: the background tile and where it starts, bookmark
-// flags, and the bracket along the selection, also after the selection changed and only what it invalidated was painted. Lines are 19 pixels high, a
-// character is 9 wide; the gutter is 60 wide, of which 51 are painted.
+// flags, and the bracket along the selection, also after the selection changed and only what
+// it invalidated was painted. Lines are 19 pixels high, a character is 9 wide; the gutter is 60
+// wide, of which 51 are painted.
 #include "src/resources/gutterpictures.h"
 #include "tests/view/viewfixture.h"
 
