@@ -180,40 +180,15 @@ TEST(RangeEdit, IndentTouchesEveryLineOfTheRangeButNotAFinalColumnZero) {
     EXPECT_EQ(std::make_pair(d.sel->GetStart(), d.sel->GetEnd()), std::make_pair(0L, 6L));
 }
 
-TEST(RangeEdit, OvertypeWritesOverCharactersButNotTheLineEnd) {
+// Typing over one character at a time, its undo as one step and over a selection are in
+// overwrite_toggles.cases and undo_redo.cases; here several characters in one call.
+TEST(RangeEdit, OvertypeOfSeveralCharactersStopsAtTheLineEnd) {
     CAttachedDoc d("abc\r\nxyz");
     d.sel->SetRange(1, 1);
     d.sel->OvertypeText("1", 1, nullptr);
-    d.sel->OvertypeText("2", 1, nullptr);
     d.sel->OvertypeText("345", 3, nullptr);
-    EXPECT_EQ(d.Text(), "a12345\r\nxyz");
-    EXPECT_EQ(d.sel->GetActive(), 6);
-    d.doc->Undo(nullptr, nullptr);
-    EXPECT_EQ(d.Text(), "a12\r\nxyz");
-    d.doc->Undo(nullptr, nullptr);  // the two typed characters were one step
-    EXPECT_EQ(d.Text(), "abc\r\nxyz");
-    d.sel->SetRange(5, 7);  // with a selection it replaces
-    d.sel->OvertypeText("Q", 1, nullptr);
-    EXPECT_EQ(d.Text(), "abc\r\nQz");
-}
-
-TEST(RangeEdit, RangesDoNotGrowAtTheirEdgesSoADragMoveOntoItselfKeepsTheText) {
-    CAttachedDoc d("one two three");
-    ComPtr<ISourceRange> drag;
-    d.doc->CreateRange(drag.Out());
-    drag->SetRange(4, 7);  // "two"
-    auto undo = [&] {
-        ComPtr<ISourceUndo> u;
-        d.doc->GetUndoManager(u.Out());
-        return u;
-    };
-    undo()->BeginGroup("Moving Text");
-    d.doc->InsertText(4, "two", 3, nullptr);  // dropped at its own start
-    drag->DeleteText(nullptr);
-    undo()->EndGroup();
-    EXPECT_EQ(d.Text(), "one two three");
-    EXPECT_EQ(d.doc->UndoTitle(), "Moving Text");
-    d.doc->DestroyRange(drag.Get());
+    EXPECT_EQ(d.Text(), "a1345\r\nxyz");
+    EXPECT_EQ(d.sel->GetActive(), 5);
 }
 
 }  // namespace
