@@ -86,10 +86,6 @@ TEST(Persistence, ABrokenBagIsRefusedAndTheControlKeepsItsValues) {
     EXPECT_EQ(ctrl->LoadProperties(newer, &error), E_INVALIDARG);
     EXPECT_EQ(ctrl->GetTabSize(), 9);
     EXPECT_EQ(ctrl->GetOptionsWord(), options);
-
-    std::string bytes = bag.Serialize();
-    CPropertyBag parsed;
-    EXPECT_FALSE(CPropertyBag::Parse(bytes.substr(0, bytes.size() / 2), &parsed, &error));
 }
 
 }  // namespace
