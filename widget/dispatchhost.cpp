@@ -2,6 +2,7 @@
 
 #include <QJSEngine>
 
+#include "platform/com/automation.h"
 #include "platform/com/unknown.h"
 #include "widget/scriptbridge.h"
 #include "widget/scriptvalues.h"
@@ -22,26 +23,6 @@ private:
 };
 
 namespace {
-
-// Storage for one by-reference parameter of a call, in its declared type.
-struct OutSlot {
-    int16_t i2 = 0;
-    int32_t i4 = 0;
-    uint32_t ui4 = 0;
-    VARIANT_BOOL b = VARIANT_FALSE;
-    std::string str;
-};
-
-bool ReferenceTo(OutSlot& slot, VARTYPE vt, Variant* out) {
-    switch (vt) {
-        case VT_I2: *out = Variant::RefShort(&slot.i2); return true;
-        case VT_I4: *out = Variant::RefLong(&slot.i4); return true;
-        case VT_UI4: *out = Variant::RefColor(&slot.ui4); return true;
-        case VT_BOOL: *out = Variant::RefBool(&slot.b); return true;
-        case VT_BSTR: *out = Variant::RefStr(&slot.str); return true;
-        default: return false;
-    }
-}
 
 bool IsPlainProperty(const CMemberInfo& m) { return m.kind == MemberKind::Property && m.params.empty(); }
 
@@ -162,30 +143,14 @@ QJSValue CDispatchHost::CallDeclared(const QString& name, const Binding& b, std:
     Variant result;
     if (m.OutParamCount() == 0)
         return Invoke(name, b.id, flags, in, &result) ? m_pBridge->ScriptFromResult(result) : QJSValue();
-    std::vector<OutSlot> storage(m.params.size());
-    std::vector<Variant> args;
-    size_t next = 0;
-    for (size_t i = 0; i < m.params.size(); ++i) {
-        Variant arg;
-        if (m.params[i].byRef) {
-            if (!ReferenceTo(storage[i], VarTypeOf(m.params[i].type), &arg)) {
-                m_pBridge->ThrowTypeError(QString("%1: a by-reference %2 cannot be passed from a script")
-                                              .arg(name, QString::fromStdString(m.params[i].typeName)));
-                return {};
-            }
-        } else if (next < in.size()) {
-            arg = std::move(in[next++]);
-        } else {
-            break;  // too few in-arguments: the object says so
-        }
-        args.push_back(std::move(arg));
-    }
-    while (next < in.size()) args.push_back(std::move(in[next++]));
-    if (!Invoke(name, b.id, flags, args, &result)) return {};
+    CDeclaredCall call(m, std::move(in));
+    if (!Invoke(name, b.id, flags, call.Args(), &result)) return {};
     QJSValue answer = m_pBridge->Engine().newObject();
     if (m.result.type != AutoType::Void) answer.setProperty("result", m_pBridge->ScriptFromResult(result));
-    for (size_t i = 0; i < m.params.size(); ++i) {
-        if (m.params[i].byRef) answer.setProperty(QString::fromStdString(m.params[i].name), ScriptValueFromVariant(args[i]));
+    const std::vector<Variant> outs = call.OutValues();
+    size_t k = 0;
+    for (const CParamInfo& p : m.params) {
+        if (p.byRef) answer.setProperty(QString::fromStdString(p.name), ScriptValueFromVariant(outs[k++]));
     }
     return answer;
 }
@@ -267,7 +232,7 @@ void CDispatchHost::FireHandlers(DISPID id, std::vector<Variant>& args) {
     QJSEngine& engine = m_pBridge->Engine();
     QJSValueList values;
     for (const Variant& arg : args) {
-        QJSValue value = m_pBridge->ScriptFromResult(ValueOfReference(arg));
+        QJSValue value = m_pBridge->ScriptFromResult(arg.Dereferenced());
         if (arg.IsByRef()) {
             QJSValue box = engine.newObject();
             box.setProperty("value", value);

@@ -6,11 +6,11 @@
 #include <cmath>
 
 #include "platform/codepage/convert.h"
+#include "platform/com/automation.h"
 
 namespace {
 
 constexpr double kTenThousandths = 10000.0;
-constexpr uint32_t kControlFacility = 0x800A0000u;
 
 bool VariantFromNumber(double n, Variant* out) {
     if (!std::isfinite(n)) return false;
@@ -76,22 +76,8 @@ bool VariantFromScriptValue(const QJSValue& value, Variant* out) {
     return false;
 }
 
-Variant ValueOfReference(const Variant& value) {
-    if (!value.IsByRef()) return value;
-    void* p = value.RefVal();
-    if (!p) return Variant();
-    switch (value.Type() & ~VT_BYREF) {
-        case VT_I2: return Variant::Short(*static_cast<int16_t*>(p));
-        case VT_I4: return Variant::Long(*static_cast<int32_t*>(p));
-        case VT_UI4: return Variant::ULong(*static_cast<uint32_t*>(p));
-        case VT_BOOL: return Variant::Bool(*static_cast<VARIANT_BOOL*>(p) != 0);
-        case VT_BSTR: return Variant::Str(*static_cast<std::string*>(p));
-        default: return Variant();
-    }
-}
-
 QJSValue ScriptValueFromVariant(const Variant& v) {
-    const Variant value = ValueOfReference(v);
+    const Variant value = v.Dereferenced();
     int64_t cy = 0;
     uint32_t u = 0;
     bool b = false;
@@ -108,18 +94,13 @@ QJSValue ScriptValueFromVariant(const Variant& v) {
     }
 }
 
-uint32_t ErrorNumberOf(SCODE scode) {
-    const auto code = static_cast<uint32_t>(scode);
-    return (code & 0xFFFF0000u) == kControlFacility ? (code & 0xFFFFu) : code;
-}
-
 QJSValue AutomationErrorObject(QJSEngine& engine, HRESULT hr, const ExcepInfo& excep, const QString& member) {
     const bool raised = hr == DISP_E_EXCEPTION;
     const SCODE scode = raised ? excep.scode : hr;
     QString description = raised ? ScriptFromText(excep.description) : QString();
     if (description.isEmpty()) description = StandardText(hr, scode);
     QJSValue error = engine.newErrorObject(QJSValue::GenericError, QString("%1: %2").arg(member, description));
-    error.setProperty("number", static_cast<double>(ErrorNumberOf(scode)));
+    error.setProperty("number", static_cast<double>(static_cast<uint32_t>(AutomationErrorNumber(scode))));
     error.setProperty("scode", static_cast<double>(static_cast<uint32_t>(scode)));
     error.setProperty("description", description);
     error.setProperty("source", raised ? ScriptFromText(excep.source) : QString());

@@ -17,19 +17,12 @@ bool VariantFromScriptValue(const QJSValue& value, Variant* out);
 // strings, currency as a number of whole units, an error value as its code. Interfaces are the
 // bridge's business; here they give undefined.
 QJSValue ScriptValueFromVariant(const Variant& value);
-// A by-value copy of what a by-reference variant points at (the variant itself otherwise).
-Variant ValueOfReference(const Variant& value);
 
 // Text between the process code page and JavaScript's strings.
 std::string TextFromScript(const QString& text);
 QString ScriptFromText(const std::string& text);
 
-// The number a script writer knows an automation failure by: 380, 381, 383... for control
-// errors (the low word of codes of the control facility), 0 for a raised text, the code itself
-// (as an unsigned number) otherwise.
-uint32_t ErrorNumberOf(SCODE scode);
-
-// A JavaScript Error for a failed call of `member`: `number` (see ErrorNumberOf), `scode` (the
+// A JavaScript Error for a failed call of `member`: `number` (AutomationErrorNumber, as an unsigned number), `scode` (the
 // automation code as an unsigned number: the exception's code, or the failure's HRESULT when
 // the call did not get as far as raising one), `description` (the object's text, or a standard
 // text when the object gave none), `source`, and `message` (the description, with the member).

@@ -40,34 +40,6 @@ ComPtr<IConnectionPointContainer> ConnectionPoints(IDispatch* object) {
     return QueryAs<IConnectionPointContainer>(object, IID_IConnectionPointContainer);
 }
 
-// The number of an automation error: the low word of an error of the automation facility,
-// the code itself otherwise (0 for a raised text).
-int ErrorNumber(SCODE scode) {
-    constexpr SCODE kFacilityMask = static_cast<SCODE>(0xFFFF0000u);
-    constexpr SCODE kAutomationErrors = static_cast<SCODE>(0x800A0000u);
-    return (scode & kFacilityMask) == kAutomationErrors ? scode & 0xFFFF : scode;
-}
-
-// Storage for the by-reference arguments that the widget supplies to a call or reads back.
-struct OutCell {
-    int16_t s = 0;
-    int32_t n = 0;
-    VARIANT_BOOL b = 0;
-    OLE_COLOR color = 0;
-    std::string str;
-
-    Variant Ref(AutoType type) {
-        switch (type) {
-            case AutoType::Short:
-            case AutoType::Enum: return Variant::RefShort(&s);
-            case AutoType::Bool: return Variant::RefBool(&b);
-            case AutoType::Color: return Variant::RefColor(&color);
-            case AutoType::Str: return Variant::RefStr(&str);
-            default: return Variant::RefLong(&n);
-        }
-    }
-};
-
 QPair<int, int> PairOf(const QVariantList& outs) { return {outs.value(0).toInt(), outs.value(1).toInt()}; }
 
 }  // namespace
@@ -148,7 +120,7 @@ bool ZentrelWidget::Invoke(const CMemberInfo* member, WORD flags, std::vector<Va
     m_lastError = {};
     ExcepInfo excep;
     const HRESULT hr = m_pCtrl->Invoke(member->id, flags, args, result, &excep);
-    if (hr == DISP_E_EXCEPTION) Fail(ErrorNumber(excep.scode), QtStringFromHost(excep.description));
+    if (hr == DISP_E_EXCEPTION) Fail(AutomationErrorNumber(excep.scode), QtStringFromHost(excep.description));
     else if (FAILED(hr)) Fail(hr, {});
     return SUCCEEDED(hr);
 }
@@ -173,24 +145,25 @@ ZentrelWidget::Outcome ZentrelWidget::Call(const char* name, const QVariantList&
     Outcome outcome;
     const CMemberInfo* member = Member(name);
     if (!member) return outcome;
-    std::vector<OutCell> cells(member->params.size());
-    std::vector<Variant> args;
+    std::vector<Variant> values;
     int next = 0;
-    for (size_t i = 0; i < member->params.size(); ++i) {
-        const CParamInfo& param = member->params[i];
+    for (const CParamInfo& param : member->params) {
+        if (param.byRef) continue;
         Variant v;
-        if (param.byRef) v = cells[i].Ref(param.type);
-        else if (!VariantFromQtValue(param.type, in.value(next++), &v)) {
+        if (!VariantFromQtValue(param.type, in.value(next++), &v)) {
             Fail(DISP_E_TYPEMISMATCH, {});
             return outcome;
         }
-        args.push_back(std::move(v));
+        values.push_back(std::move(v));
     }
+    CDeclaredCall call(*member, std::move(values));
     Variant result;
-    outcome.ok = Invoke(member, DISPATCH_METHOD, args, &result);
+    outcome.ok = Invoke(member, DISPATCH_METHOD, call.Args(), &result);
     outcome.result = QtValueFromVariant(member->result.type, result);
-    for (size_t i = 0; i < member->params.size(); ++i) {
-        if (member->params[i].byRef) outcome.outs << QtValueFromVariant(member->params[i].type, args[i]);
+    const std::vector<Variant> outs = call.OutValues();
+    size_t k = 0;
+    for (const CParamInfo& param : member->params) {
+        if (param.byRef) outcome.outs << QtValueFromVariant(param.type, outs[k++]);
     }
     return outcome;
 }

@@ -159,3 +159,36 @@ HRESULT InvokeWithNames(IDispatch* object, DISPID id, WORD flags, std::vector<Va
     if (std::find(given.begin(), given.end(), false) != given.end()) return DISP_E_BADPARAMCOUNT;
     return object->Invoke(id, flags, args, result, excep);
 }
+
+CDeclaredCall::CDeclaredCall(const CMemberInfo& member, std::vector<Variant> in) : m_cells(member.params.size()) {
+    size_t next = 0;
+    for (size_t i = 0; i < member.params.size(); ++i) {
+        const CParamInfo& p = member.params[i];
+        if (!p.byRef) {
+            if (next == in.size()) break;
+            m_args.push_back(std::move(in[next++]));
+            continue;
+        }
+        Cell& c = m_cells[i];
+        m_outPlaces.push_back(m_args.size());
+        switch (VarTypeOf(p.type)) {
+            case VT_I2: m_args.push_back(Variant::RefShort(&c.i2)); break;
+            case VT_UI4: m_args.push_back(Variant::RefColor(&c.ui4)); break;
+            case VT_BOOL: m_args.push_back(Variant::RefBool(&c.b)); break;
+            case VT_BSTR: m_args.push_back(Variant::RefStr(&c.str)); break;
+            default: m_args.push_back(Variant::RefLong(&c.i4)); break;
+        }
+    }
+    while (next < in.size()) m_args.push_back(std::move(in[next++]));
+}
+
+std::vector<Variant> CDeclaredCall::OutValues() const {
+    std::vector<Variant> out;
+    for (size_t place : m_outPlaces) out.push_back(m_args[place].Dereferenced());
+    return out;
+}
+
+int32_t AutomationErrorNumber(SCODE scode) {
+    const auto code = static_cast<uint32_t>(scode);
+    return (code & 0xFFFF0000u) == 0x800A0000u ? static_cast<int32_t>(code & 0xFFFFu) : scode;
+}

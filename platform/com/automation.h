@@ -45,6 +45,37 @@ IUnknown* ArgUnknown(const std::vector<Variant>& args, size_t i);    // no refer
 // Writes an out parameter (a by-reference argument).
 void ArgSetOut(const std::vector<Variant>& args, size_t i, const Variant& value);
 
+// The arguments of a call made by a member's declaration, as a host that holds only the
+// in-arguments makes it: they fill the by-value parameters in order (stopping at the first one
+// not given; any left over follow at the end, so that a wrong count reaches the callee), and
+// each by-reference parameter points at storage of its declared type, read after the call.
+class CDeclaredCall {
+public:
+    CDeclaredCall(const CMemberInfo& member, std::vector<Variant> in);
+    CDeclaredCall(const CDeclaredCall&) = delete;
+    CDeclaredCall& operator=(const CDeclaredCall&) = delete;
+
+    std::vector<Variant>& Args() { return m_args; }
+    // The values behind the by-reference arguments, by value, in the order of the parameters.
+    std::vector<Variant> OutValues() const;
+
+private:
+    struct Cell {
+        int16_t i2 = 0;
+        int32_t i4 = 0;
+        uint32_t ui4 = 0;
+        VARIANT_BOOL b = VARIANT_FALSE;
+        std::string str;
+    };
+    std::vector<Cell> m_cells;  // one per parameter, sized once: the references stay valid
+    std::vector<Variant> m_args;
+    std::vector<size_t> m_outPlaces;
+};
+
+// The number by which a host knows an automation error: the low word of an error of the
+// automation facility (380, 381, 383...), the code itself otherwise (0 for a raised text).
+int32_t AutomationErrorNumber(SCODE scode);
+
 // A call with named arguments, as a host writes `Method(nEnd := 5, nStart := 10)`: the positional
 // arguments come first, the named ones are placed by the parameter names of the object's type
 // description. DISP_E_NONAMEDARGS when the object gives no description, DISP_E_PARAMNOTFOUND for

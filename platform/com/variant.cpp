@@ -174,3 +174,16 @@ bool Variant::SetByRef(const Variant& value) const {
         default: return false;
     }
 }
+
+Variant Variant::Dereferenced() const {
+    if (!IsByRef()) return *this;
+    if (!m_pref) return Variant();
+    switch (m_vt & ~VT_BYREF) {
+        case VT_I2: return Short(*static_cast<int16_t*>(m_pref));
+        case VT_I4: return Long(*static_cast<int32_t*>(m_pref));
+        case VT_UI4: return ULong(*static_cast<uint32_t*>(m_pref));
+        case VT_BOOL: return Bool(*static_cast<VARIANT_BOOL*>(m_pref) != 0);
+        case VT_BSTR: return Str(*static_cast<std::string*>(m_pref));
+        default: return Variant();
+    }
+}

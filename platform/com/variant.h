@@ -84,6 +84,9 @@ public:
     const std::string& StrVal() const { return m_str; }
     IUnknown* UnknownVal() const { return m_punk; }
     IDispatch* DispatchVal() const { return m_pdisp; }
+    // A by-value copy of what a by-reference value points at (empty for a null reference or a
+    // type it cannot copy); the value itself when it is not by reference.
+    Variant Dereferenced() const;
     // Where a by-reference value points; null for a null reference.
     void* RefVal() const { return IsByRef() ? m_pref : nullptr; }
 

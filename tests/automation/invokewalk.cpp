@@ -1,5 +1,7 @@
 #include "tests/automation/invokewalk.h"
 
+#include <optional>
+
 #include "platform/com/automation.h"
 
 namespace walk {
@@ -13,46 +15,6 @@ Variant ToVariant(const Value& v) {
         case Value::Kind::Any: return Variant::Dispatch(nullptr);
     }
     return Variant();
-}
-
-CallArgs::CallArgs(const CMemberInfo* member, const std::vector<Value>& given) {
-    const size_t n = member ? member->params.size() : given.size();
-    // Storage never moves: each vector has room for every parameter.
-    m_longs.reserve(n);
-    m_shorts.reserve(n);
-    m_bools.reserve(n);
-    m_colors.reserve(n);
-    m_texts.reserve(n);
-    size_t next = 0;
-    for (size_t i = 0; i < n; ++i) {
-        const CParamInfo* p = member ? &member->params[i] : nullptr;
-        if (!p || !p->byRef) {
-            if (next < given.size()) m_args.push_back(ToVariant(given[next++]));
-            continue;
-        }
-        m_outPlaces.push_back(m_args.size());
-        switch (VarTypeOf(p->type)) {
-            case VT_I2: m_args.push_back(Variant::RefShort(&m_shorts.emplace_back(0))); break;
-            case VT_BOOL: m_args.push_back(Variant::RefBool(&m_bools.emplace_back(VARIANT_FALSE))); break;
-            case VT_UI4: m_args.push_back(Variant::RefColor(&m_colors.emplace_back(0))); break;
-            case VT_BSTR: m_args.push_back(Variant::RefStr(&m_texts.emplace_back())); break;
-            default: m_args.push_back(Variant::RefLong(&m_longs.emplace_back(0))); break;
-        }
-    }
-    while (next < given.size()) m_args.push_back(ToVariant(given[next++]));
-}
-
-std::vector<Variant> CallArgs::OutValues() const {
-    std::vector<Variant> out;
-    for (size_t place : m_outPlaces) {
-        const Variant& ref = m_args[place];
-        std::string text;
-        int32_t n = 0;
-        if (ref.ToStr(&text)) out.push_back(Variant::Str(text));
-        else if ((ref.Type() & ~VT_BYREF) == VT_BOOL && ref.ToLong(&n)) out.push_back(Variant::Bool(n != 0));
-        else if (ref.ToLong(&n)) out.push_back(Variant::Long(n));
-    }
-    return out;
 }
 
 namespace {
@@ -88,7 +50,7 @@ std::string Failure(HRESULT hr, const ExcepInfo& excep, const Expectation& e) {
     for (const auto& [code, kind] : plain)
         if (hr == code) return e.kind == kind ? "" : "got " + Expected(kind) + ", expected " + Expected(e.kind, e.errorNumber);
     if (hr != DISP_E_EXCEPTION) return "failed with " + std::to_string(hr);
-    const int number = excep.scode ? excep.scode & 0xFFFF : 0;
+    const int number = AutomationErrorNumber(excep.scode);
     if (e.kind != Expectation::Kind::Error || number != e.errorNumber)
         return "raised error " + std::to_string(number) + " \"" + excep.description + "\", expected " + Expected(e.kind, e.errorNumber);
     if (e.errorText && *e.errorText != excep.description) return "raised the text \"" + excep.description + "\"";
@@ -140,12 +102,17 @@ std::string PlayInvokeStep(IDispatch* object, const Step& step) {
     HRESULT hr = object->GetIDsOfNames(step.member, &id);
     const CInterfaceInfo* info = object->GetTypeInfo();
     const CMemberInfo* member = info ? info->Find(id) : nullptr;
-    CallArgs call(step.verb == Step::Verb::Call ? member : nullptr, step.args);
+    std::vector<Variant> given;
+    for (const Value& v : step.args) given.push_back(ToVariant(v));
+    // A call by the declaration gets storage for its out values; other steps pass what they give.
+    std::optional<CDeclaredCall> call;
+    if (step.verb == Step::Verb::Call && member) call.emplace(*member, std::move(given));
+    std::vector<Variant>& args = call ? call->Args() : given;
     Variant result;
     ExcepInfo excep;
-    if (SUCCEEDED(hr)) hr = object->Invoke(id, FlagsOf(step.verb), call.Args(), &result, &excep);
+    if (SUCCEEDED(hr)) hr = object->Invoke(id, FlagsOf(step.verb), args, &result, &excep);
     if (FAILED(hr)) return Failure(hr, excep, step.expect);
-    return CheckSuccess(step.expect, result, call.OutValues());
+    return CheckSuccess(step.expect, result, call ? call->OutValues() : std::vector<Variant>{});
 }
 
 }  // namespace walk
