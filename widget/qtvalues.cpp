@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
-#include "platform/codepage/convert.h"
+#include "platform/qt/qttext.h"
 #include "platform/gdi/fontdispatch.h"
 #include "platform/window/olecontrol.h"
 
@@ -39,18 +39,6 @@ QByteArray QtParamTypeName(const CParamInfo& param) {
     return param.byRef ? QtTypeName(param.type) + '*' : QtTypeName(param.type);
 }
 
-QString QtStringFromHost(const std::string& text) {
-    std::u16string units;
-    MultiByteToUtf16(CP_ACP, text, &units);
-    return QString::fromStdU16String(units);
-}
-
-std::string HostStringFromQt(const QString& text) {
-    std::string bytes;
-    Utf16ToMultiByte(CP_ACP, text.toStdU16String(), &bytes);
-    return bytes;
-}
-
 QColor QtColorFromOle(OLE_COLOR color) {
     const COLORREF rgb = COleControl::TranslateColor(color);
     return QColor(rgb & 0xFF, (rgb >> 8) & 0xFF, (rgb >> 16) & 0xFF);
@@ -65,7 +53,7 @@ OLE_COLOR OleColorFromQt(const QColor& color) {
 QFont QtFontFromDispatch(IDispatch* font) {
     FontDesc desc;
     if (!font || !FontDescFromDispatch(font, &desc)) return QFont();
-    QFont f(QtStringFromHost(desc.name));
+    QFont f(QtTextFromCodePage(desc.name));
     f.setPointSizeF(static_cast<double>(desc.height) / 10000.0);
     f.setWeight(QFont::Weight(std::clamp<int>(desc.weight, 1, 1000)));
     f.setItalic(desc.italic);
@@ -76,7 +64,7 @@ QFont QtFontFromDispatch(IDispatch* font) {
 
 ComPtr<IDispatch> FontDispatchFromQt(const QFont& font) {
     FontDesc desc;
-    desc.name = HostStringFromQt(font.family());
+    desc.name = CodePageTextFromQt(font.family());
     // A font sized in pixels counts 96 of them to the inch.
     const double points = font.pointSizeF() > 0 ? font.pointSizeF() : font.pixelSize() * 0.75;
     desc.height = static_cast<int64_t>(points * 10000.0 + 0.5);
@@ -114,7 +102,7 @@ QVariant QtValueFromVariant(AutoType type, const Variant& value) {
         }
         case AutoType::Str: {
             std::string s;
-            return value.ToStr(&s) ? QVariant(QtStringFromHost(s)) : QVariant();
+            return value.ToStr(&s) ? QVariant(QtTextFromCodePage(s)) : QVariant();
         }
         case AutoType::Color: {
             uint32_t c = 0;
@@ -151,7 +139,7 @@ bool VariantFromQtValue(AutoType type, const QVariant& value, Variant* out) {
     switch (type) {
         case AutoType::Void: *out = Variant(); return true;
         case AutoType::Bool: *out = Variant::Bool(value.toBool()); return value.canConvert<bool>();
-        case AutoType::Str: *out = Variant::Str(HostStringFromQt(value.toString())); return value.canConvert<QString>();
+        case AutoType::Str: *out = Variant::Str(CodePageTextFromQt(value.toString())); return value.canConvert<QString>();
         case AutoType::Color: {
             const QColor c = value.value<QColor>();
             *out = Variant::Color(OleColorFromQt(c));

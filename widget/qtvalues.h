@@ -22,10 +22,6 @@ QByteArray QtTypeName(AutoType type);
 // The Qt type of a parameter: a by-reference one is a pointer through which a slot answers.
 QByteArray QtParamTypeName(const CParamInfo& param);
 
-// Text of the host's strings, which travel in the process code page.
-QString QtStringFromHost(const std::string& text);
-std::string HostStringFromQt(const QString& text);
-
 // OLE_COLOR is 0x00BBGGRR, or a system colour when the high bit is set; the Qt colour is the
 // colour it draws with.
 QColor QtColorFromOle(OLE_COLOR color);

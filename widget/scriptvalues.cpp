@@ -5,7 +5,7 @@
 #include <QUrl>
 #include <cmath>
 
-#include "platform/codepage/convert.h"
+#include "platform/qt/qttext.h"
 #include "platform/com/automation.h"
 
 namespace {
@@ -47,18 +47,6 @@ QString StandardText(HRESULT hr, SCODE scode) {
 
 }  // namespace
 
-std::string TextFromScript(const QString& text) {
-    std::string out;
-    Utf16ToMultiByte(CP_ACP, std::u16string_view(reinterpret_cast<const char16_t*>(text.utf16()), text.size()), &out);
-    return out;
-}
-
-QString ScriptFromText(const std::string& text) {
-    std::u16string out;
-    MultiByteToUtf16(CP_ACP, text, &out);
-    return QString::fromUtf16(out.data(), static_cast<qsizetype>(out.size()));
-}
-
 bool VariantFromScriptValue(const QJSValue& value, Variant* out) {
     if (value.isUndefined() || value.isNull()) {
         *out = Variant();
@@ -70,7 +58,7 @@ bool VariantFromScriptValue(const QJSValue& value, Variant* out) {
     }
     if (value.isNumber()) return VariantFromNumber(value.toNumber(), out);
     if (value.isString()) {
-        *out = Variant::Str(TextFromScript(value.toString()));
+        *out = Variant::Str(CodePageTextFromQt(value.toString()));
         return true;
     }
     return false;
@@ -88,7 +76,7 @@ QJSValue ScriptValueFromVariant(const Variant& v) {
         case VT_UI4: value.ToULong(&u); return QJSValue(static_cast<double>(u));
         case VT_ERROR: return QJSValue(static_cast<double>(static_cast<uint32_t>(value.ScodeVal())));
         case VT_BOOL: value.ToBool(&b); return QJSValue(b);
-        case VT_BSTR: return QJSValue(ScriptFromText(value.StrVal()));
+        case VT_BSTR: return QJSValue(QtTextFromCodePage(value.StrVal()));
         case VT_CY: value.ToCurrency(&cy); return QJSValue(static_cast<double>(cy) / kTenThousandths);
         default: return QJSValue();
     }
@@ -97,13 +85,13 @@ QJSValue ScriptValueFromVariant(const Variant& v) {
 QJSValue AutomationErrorObject(QJSEngine& engine, HRESULT hr, const ExcepInfo& excep, const QString& member) {
     const bool raised = hr == DISP_E_EXCEPTION;
     const SCODE scode = raised ? excep.scode : hr;
-    QString description = raised ? ScriptFromText(excep.description) : QString();
+    QString description = raised ? QtTextFromCodePage(excep.description) : QString();
     if (description.isEmpty()) description = StandardText(hr, scode);
     QJSValue error = engine.newErrorObject(QJSValue::GenericError, QString("%1: %2").arg(member, description));
     error.setProperty("number", static_cast<double>(static_cast<uint32_t>(AutomationErrorNumber(scode))));
     error.setProperty("scode", static_cast<double>(static_cast<uint32_t>(scode)));
     error.setProperty("description", description);
-    error.setProperty("source", raised ? ScriptFromText(excep.source) : QString());
+    error.setProperty("source", raised ? QtTextFromCodePage(excep.source) : QString());
     return error;
 }
 

@@ -18,10 +18,6 @@ bool VariantFromScriptValue(const QJSValue& value, Variant* out);
 // bridge's business; here they give undefined.
 QJSValue ScriptValueFromVariant(const Variant& value);
 
-// Text between the process code page and JavaScript's strings.
-std::string TextFromScript(const QString& text);
-QString ScriptFromText(const std::string& text);
-
 // A JavaScript Error for a failed call of `member`: `number` (AutomationErrorNumber, as an unsigned number), `scode` (the
 // automation code as an unsigned number: the exception's code, or the failure's HRESULT when
 // the call did not get as far as raising one), `description` (the object's text, or a standard

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "platform/qt/qtplatform.h"
+#include "platform/qt/qttext.h"
 #include "platform/qt/qtwindow.h"
 #include "src/view/zentrelctrl.h"
 
@@ -120,7 +121,7 @@ bool ZentrelWidget::Invoke(const CMemberInfo* member, WORD flags, std::vector<Va
     m_lastError = {};
     ExcepInfo excep;
     const HRESULT hr = m_pCtrl->Invoke(member->id, flags, args, result, &excep);
-    if (hr == DISP_E_EXCEPTION) Fail(AutomationErrorNumber(excep.scode), QtStringFromHost(excep.description));
+    if (hr == DISP_E_EXCEPTION) Fail(AutomationErrorNumber(excep.scode), QtTextFromCodePage(excep.description));
     else if (FAILED(hr)) Fail(hr, {});
     return SUCCEEDED(hr);
 }

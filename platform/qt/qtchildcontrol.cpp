@@ -6,18 +6,8 @@
 #include <QtMath>
 #include <string>
 
-#include "platform/codepage/convert.h"
 #include "platform/qt/qtdc.h"
-
-namespace {
-
-QString QStringFromMultiByte(const std::string& text) {
-    std::u16string utf16;
-    MultiByteToUtf16(CP_ACP, text, &utf16);
-    return QString::fromUtf16(utf16.data(), static_cast<qsizetype>(utf16.size()));
-}
-
-}  // namespace
+#include "platform/qt/qttext.h"
 
 CQtAnimationWidget::CQtAnimationWidget(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_TranslucentBackground);  // the control's panel shows around the ring
@@ -103,7 +93,7 @@ bool CQtChildControl::GetUpdateRect(RECT* rc) const {
 }
 
 void CQtChildControl::SetText(const std::string& text) {
-    if (auto* label = qobject_cast<QLabel*>(m_pWidget.data())) label->setText(QStringFromMultiByte(text));
+    if (auto* label = qobject_cast<QLabel*>(m_pWidget.data())) label->setText(QtTextFromCodePage(text));
 }
 
 void CQtChildControl::Move(const RECT& rc) {

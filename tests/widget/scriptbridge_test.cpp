@@ -7,6 +7,7 @@
 
 #include "htmldoc/htmldocument.h"
 #include "platform/com/automation.h"
+#include "platform/qt/qttext.h"
 #include "tests/qt/qtviewfixture.h"
 #include "widget/scriptrunner.h"
 #include "widget/scriptvalues.h"
@@ -32,7 +33,7 @@ public:
     CTestScriptHost(CScriptBridge& bridge, CZentrelCtrl* ctrl, HWND hwnd) : m_bridge(bridge), m_pCtrl(ctrl), m_hwnd(hwnd) {}
     Q_INVOKABLE QJSValue newDocument(const QString& text) {
         ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
-        doc->SetText(TextFromScript(text));
+        doc->SetText(CodePageTextFromQt(text));
         return m_bridge.Wrap(static_cast<IDispatch*>(doc.Get()));
     }
     Q_INVOKABLE void focus() { SendMessage(m_hwnd, WM_SETFOCUS, 0, 0); }
