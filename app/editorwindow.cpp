@@ -14,79 +14,53 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "platform/codepage/convert.h"
 #include "platform/com/dataobject.h"
 #include "platform/qt/qtplatform.h"
+#include "platform/qt/qttext.h"
 #include "src/view/module.h"
 #include "widget/zentrelwidget.h"
 
-// Hears the control's events and hands them to the window with a readable text.
-class CStatusSink final : public IDispatch {
-public:
-    explicit CStatusSink(CEditorWindow* window) : m_pWindow(window) {}
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG AddRef() override { return 1; }   // owned by the window
-    ULONG Release() override { return 1; }
-    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
-    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
-        QStringList values;
-        for (const Variant& v : args) {
-            int32_t n = 0;
-            if (v.ToLong(&n)) values << QString::number(n);
-            else if (const QString file = DroppedFileName(v); !file.isEmpty()) values << file;
-        }
-        // A file dropped on the view is opened, and the view inserts nothing.
-        if (id == EVENT_ONOLEDROP && args.size() == 4) {
-            if (const QString file = DroppedFileName(args[0]); !file.isEmpty() && args[3].SetByRef(Variant::Bool(true)))
-                m_pWindow->OpenDroppedFile(file);
-        }
-        m_pWindow->OnControlEvent(id, EventName(id) + "(" + values.join(", ") + ")");
-        return S_OK;
-    }
+namespace {
 
-private:
-    // The file that a drop carries, when the argument is a data object that offers one.
-    static QString DroppedFileName(const Variant& v) {
-        ComPtr<IUnknown> unknown(v.UnknownVal());
-        ComPtr<IDataObject> data = unknown ? unknown.As<IDataObject>(IID_IDataObject) : ComPtr<IDataObject>();
-        std::string bytes;
-        if (!data || FAILED(data->GetData(RegisterClipboardFormat("FileName"), &bytes))) return {};
-        std::u16string units;
-        MultiByteToUtf16(CP_ACP, std::string_view(bytes).substr(0, bytes.find('\0')), &units);
-        return QString::fromStdU16String(units);
+// The file that a drop carries, when the argument is a data object that offers one.
+QString DroppedFileName(const Variant& v) {
+    ComPtr<IUnknown> unknown(v.UnknownVal());
+    ComPtr<IDataObject> data = unknown ? unknown.As<IDataObject>(IID_IDataObject) : ComPtr<IDataObject>();
+    std::string bytes;
+    if (!data || FAILED(data->GetData(RegisterClipboardFormat("FileName"), &bytes))) return {};
+    return QtTextFromCodePage(std::string_view(bytes).substr(0, bytes.find('\0')));
+}
+
+QString EventName(DISPID id) {
+    const CMemberInfo* event = ZentrelClassInfo().events->Find(id);
+    return event ? QString::fromStdString(event->name) : QString("Event %1").arg(id);
+}
+
+}  // namespace
+
+// Shows an event with its arguments in the status line; a file dropped on the view is opened,
+// and the view inserts nothing.
+void CEditorWindow::OnEvent(DISPID id, std::vector<Variant>& args) {
+    QStringList values;
+    for (const Variant& v : args) {
+        int32_t n = 0;
+        if (v.ToLong(&n)) values << QString::number(n);
+        else if (const QString file = DroppedFileName(v); !file.isEmpty()) values << file;
     }
-
-    static QString EventName(DISPID id) {
-        switch (id) {
-            case EVENT_ONOLEDROP: return "OnOleDrop";
-            case EVENT_BOOKMARKCHANGED: return "BookmarkChanged";
-            case EVENT_DOCUMENTCHANGED: return "DocumentChanged";
-            case EVENT_SELECTIONCHANGED: return "SelectionChanged";
-            case EVENT_EDITMODETOGGLED: return "EditModeToggled";
-            case EVENT_AUTOCONVERTTOGGLED: return "AutoConvertToggled";
-            case DISPID_KEYDOWN: return "KeyDown";
-            case DISPID_KEYUP: return "KeyUp";
-            case DISPID_CLICK: return "Click";
-            case DISPID_DBLCLICK: return "DblClick";
-            case DISPID_MOUSEDOWN: return "MouseDown";
-            case DISPID_MOUSEUP: return "MouseUp";
-            case DISPID_MOUSEMOVE: return "MouseMove";
-            default: return QString("Event %1").arg(id);
-        }
+    if (id == EVENT_ONOLEDROP && args.size() == 4) {
+        if (const QString file = DroppedFileName(args[0]); !file.isEmpty() && args[3].SetByRef(Variant::Bool(true)))
+            OpenDroppedFile(file);
     }
+    OnControlEvent(id, EventName(id) + "(" + values.join(", ") + ")");
+}
 
-    CEditorWindow* m_pWindow;
-};
-
-CEditorWindow::CEditorWindow() : m_doc(CreateHtmlDocument()), m_sink(std::make_unique<CStatusSink>(this)) {
+CEditorWindow::CEditorWindow()
+    : m_doc(CreateHtmlDocument()),
+      m_sink(CEventSink::Create([this](DISPID id, std::vector<Variant>& args) { OnEvent(id, args); })) {
     m_pPreviousPlatform = SetPlatformBackend(&m_platform);
     m_pWidget = new ZentrelWidget(this);
     m_pCtrl = static_cast<CZentrelCtrl*>(m_pWidget->dispatch());
-    m_dwCookie = m_pCtrl->AdviseEvents(m_sink.get());
+    m_dwCookie = m_pCtrl->AdviseEvents(m_sink.Get());
     ApplyEditorLook(m_pCtrl, EditorLook::Modern);
     setCentralWidget(m_pWidget);
     m_pWidget->setDocument(static_cast<IDispatch*>(m_doc.Get()));
@@ -105,6 +79,7 @@ CEditorWindow::CEditorWindow() : m_doc(CreateHtmlDocument()), m_sink(std::make_u
 
 CEditorWindow::~CEditorWindow() {
     m_pCtrl->UnadviseEvents(m_dwCookie);
+    m_sink->Disconnect();
     delete m_pWidget;
     SetPlatformBackend(m_pPreviousPlatform);
 }

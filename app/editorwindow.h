@@ -10,10 +10,10 @@
 #include "app/viewstates.h"
 
 #include "htmldoc/htmldocument.h"
+#include "platform/com/events.h"
 #include "platform/qt/qtplatform.h"
 #include "src/view/zentrelctrl.h"
 
-class CStatusSink;
 class QLabel;
 class ZentrelWidget;
 
@@ -50,6 +50,7 @@ private:
     void FitGutter();
     void UpdateModes();
     void closeEvent(QCloseEvent* e) override;
+    void OnEvent(DISPID id, std::vector<Variant>& args);
     // Keeps the view's state for the open file, when the file holds what the view shows.
     void KeepViewState();
 
@@ -58,7 +59,7 @@ private:
     ComPtr<CHtmlDocument> m_doc;
     ZentrelWidget* m_pWidget = nullptr;  // deleted in the destructor, while the window services stand
     CZentrelCtrl* m_pCtrl = nullptr;     // the widget's control
-    std::unique_ptr<CStatusSink> m_sink;
+    ComPtr<CEventSink> m_sink;  // the control's events, for the status line
     static constexpr int kShownEvents = 4;  // events the status line lists, newest first
     QStringList m_events;
     DWORD m_dwCookie = 0;

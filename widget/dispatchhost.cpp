@@ -7,21 +7,6 @@
 #include "widget/scriptbridge.h"
 #include "widget/scriptvalues.h"
 
-// Receives the events of a wrapped object and hands them to its host while the host lives.
-class CScriptEventSink final : public CUnknownImpl<IDispatch, IID_IDispatch> {
-public:
-    explicit CScriptEventSink(CDispatchHost* host) : m_pHost(host) {}
-    void Forget() { m_pHost = nullptr; }
-    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
-    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
-        if (m_pHost) m_pHost->FireHandlers(id, args);
-        return S_OK;
-    }
-
-private:
-    CDispatchHost* m_pHost;
-};
-
 namespace {
 
 bool IsPlainProperty(const CMemberInfo& m) { return m.kind == MemberKind::Property && m.params.empty(); }
@@ -177,22 +162,20 @@ bool CDispatchHost::Advise() {
         m_pBridge->ThrowTypeError(describe() + " fires no events");
         return false;
     }
-    auto* sink = new CScriptEventSink(this);
-    sink->AddRef();
-    if (HRESULT hr = m_pEvents->Advise(sink, &m_dwCookie); FAILED(hr)) {
-        sink->Release();
+    ComPtr<CEventSink> sink = CEventSink::Create([this](DISPID id, std::vector<Variant>& args) { FireHandlers(id, args); });
+    if (HRESULT hr = m_pEvents->Advise(sink.Get(), &m_dwCookie); FAILED(hr)) {
         m_pBridge->ThrowFailure(hr, {}, "on");
         return false;
     }
-    m_pSink = sink;
+    m_pSink = std::move(sink);
     return true;
 }
 
 void CDispatchHost::Unadvise() {
     if (!m_pSink) return;
     if (m_pEvents) m_pEvents->Unadvise(m_dwCookie);
-    m_pSink->Forget();
-    std::exchange(m_pSink, nullptr)->Release();
+    m_pSink->Disconnect();
+    m_pSink = nullptr;
     m_dwCookie = 0;
 }
 

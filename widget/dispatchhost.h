@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "platform/com/dispatch.h"
+#include "platform/com/events.h"
 #include "platform/com/typeinfo.h"
 
 class CScriptBridge;
-class CScriptEventSink;
 
 class CDispatchHost : public QObject {
     Q_OBJECT
@@ -63,6 +63,6 @@ private:
     QHash<QString, Binding> m_bindings;  // by the name as the script wrote it
     QHash<DISPID, Handlers> m_handlers;
     ComPtr<IConnectionPointContainer> m_pEvents;
-    CScriptEventSink* m_pSink = nullptr;  // one reference while advised
+    ComPtr<CEventSink> m_pSink;  // while advised
     DWORD m_dwCookie = 0;
 };

@@ -52,40 +52,20 @@ struct ZentrelWidget::Outcome {
     QVariantList outs;
 };
 
-// Hears the control's events and turns them into the widget's signals.
-class ZentrelWidget::EventSink final : public IDispatch {
-public:
-    explicit EventSink(ZentrelWidget* widget) : m_pWidget(widget) {}
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (riid == IID_IUnknown || riid == IID_IDispatch) return HandOut(static_cast<IDispatch*>(this), ppv);
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    // Owned by the widget, which unadvises it before it goes.
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
-    HRESULT GetIDsOfNames(const std::string&, DISPID*) override { return DISP_E_UNKNOWNNAME; }
-    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
-        m_pWidget->EmitEvent(id, args);
-        return S_OK;
-    }
-
-private:
-    ZentrelWidget* m_pWidget;
-};
-
-ZentrelWidget::ZentrelWidget(QWidget* parent) : QWidget(parent), m_sink(std::make_unique<EventSink>(this)) {
+ZentrelWidget::ZentrelWidget(QWidget* parent)
+    : QWidget(parent), m_sink(CEventSink::Create([this](DISPID id, std::vector<Variant>& args) { EmitEvent(id, args); })) {
     SharedQtPlatform().Acquire();
     m_pCtrl = CreateZentrelCtrl();
     m_pInfo = m_pCtrl->GetTypeInfo();
     m_pEvents = m_pCtrl->GetClassInfo()->events;
-    ConnectionPoints(m_pCtrl)->Advise(m_sink.get(), &m_dwCookie);
+    ConnectionPoints(m_pCtrl)->Advise(m_sink.Get(), &m_dwCookie);
     m_pView = QtWidgetFromHwnd(CreateQtChildWindow(m_pCtrl, this, {0, 0, std::max(width(), 1), std::max(height(), 1)}));
     setFocusProxy(m_pView);
 }
 
 ZentrelWidget::~ZentrelWidget() {
     ConnectionPoints(m_pCtrl)->Unadvise(m_dwCookie);
+    m_sink->Disconnect();
     m_pCtrl->SetDocument(nullptr);
     m_pCtrl->DestroyControlWindow();
     m_pCtrl->Release();

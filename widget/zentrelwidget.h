@@ -21,6 +21,7 @@
 #include <memory>
 #include <vector>
 
+#include "platform/com/events.h"
 #include "widget/qtvalues.h"
 
 class CZentrelCtrl;
@@ -262,7 +263,6 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    class EventSink;
     struct Outcome;
 
     // The member of the table by its automation name.
@@ -281,7 +281,7 @@ private:
     CZentrelCtrl* m_pCtrl = nullptr;
     const CInterfaceInfo* m_pInfo = nullptr;
     const CInterfaceInfo* m_pEvents = nullptr;
-    std::unique_ptr<EventSink> m_sink;
+    ComPtr<CEventSink> m_sink;
     DWORD m_dwCookie = 0;
     QWidget* m_pView = nullptr;
     mutable Error m_lastError;

@@ -2,9 +2,11 @@
 // Invoke(dispid, DISPATCH_METHOD, args). By-reference arguments are readable by the firer
 // after the call, so a sink can answer through them.
 #pragma once
+#include <functional>
 #include <vector>
 
 #include "platform/com/dispatch.h"
+#include "platform/com/unknown.h"
 
 class CConnectionPoint {
 public:
@@ -30,4 +32,27 @@ private:
     };
     std::vector<Connection> m_sinks;
     DWORD m_nextCookie = 1;
+};
+
+// The host's side of events: a counted sink that hands every event to a function. Its owner
+// calls Disconnect when it goes, so that a firing still under way hears nothing more.
+class CEventSink final : public CUnknownImpl<IDispatch, IID_IDispatch> {
+public:
+    using Handler = std::function<void(DISPID id, std::vector<Variant>& args)>;
+
+    static ComPtr<CEventSink> Create(Handler handler) { return ComPtr<CEventSink>(new CEventSink(std::move(handler))); }
+    void Disconnect() { m_handler = nullptr; }
+
+    HRESULT GetIDsOfNames(const std::string&, DISPID* pDispId) override {
+        if (pDispId) *pDispId = DISPID_UNKNOWN;
+        return DISP_E_UNKNOWNNAME;
+    }
+    HRESULT Invoke(DISPID id, WORD, std::vector<Variant>& args, Variant*, ExcepInfo*) override {
+        if (m_handler) m_handler(id, args);
+        return S_OK;
+    }
+
+private:
+    explicit CEventSink(Handler handler) : m_handler(std::move(handler)) {}
+    Handler m_handler;
 };
