@@ -126,7 +126,6 @@ public:
     }
 
     const CInterfaceInfo& Info() const { return m_info; }
-    bool Has(DISPID id) const { return m_info.Find(id) != nullptr; }
 
     HRESULT GetIDsOfNames(const std::string& name, DISPID* pDispId) const { return LookUpName(m_info, name, pDispId); }
     HRESULT Invoke(T& self, DISPID id, WORD flags, std::vector<Variant>& args, Variant* result,
