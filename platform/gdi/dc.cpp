@@ -1,6 +1,8 @@
 #include "platform/gdi/dc.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <utility>
 
 #include "platform/codepage/leadbyte.h"
@@ -40,7 +42,100 @@ CDC::~CDC() = default;
 
 // --- Attributes ---
 
-int CDC::SetMapMode(int mode) { return mode == MM_TEXT ? MM_TEXT : 0; }
+int CDC::SetMapMode(int mode) {
+    if (mode != MM_TEXT && !(mode == MM_ISOTROPIC && CanScale())) return 0;
+    const int old = std::exchange(m_nMapMode, mode);
+    if (mode == MM_TEXT) m_szWindowExt = m_szViewportExt = SIZE{1, 1};
+    MappingChanged();
+    UpdateVisible();
+    return old;
+}
+
+SIZE CDC::SetWindowExt(int cx, int cy) {
+    if (m_nMapMode != MM_ISOTROPIC || cx == 0 || cy == 0) return m_szWindowExt;
+    const SIZE old = std::exchange(m_szWindowExt, SIZE{cx, cy});
+    MappingChanged();
+    UpdateVisible();
+    return old;
+}
+
+SIZE CDC::SetViewportExt(int cx, int cy) {
+    if (m_nMapMode != MM_ISOTROPIC || cx == 0 || cy == 0) return m_szViewportExt;
+    const SIZE old = std::exchange(m_szViewportExt, SIZE{cx, cy});
+    MappingChanged();
+    UpdateVisible();
+    return old;
+}
+
+POINT CDC::SetWindowOrg(int x, int y) {
+    const POINT old = std::exchange(m_ptWindowOrg, POINT{x, y});
+    MappingChanged();
+    UpdateVisible();
+    return old;
+}
+
+// Isotropic: the smaller scale serves both directions, so that nothing is stretched.
+double CDC::ScaleX() const {
+    if (m_nMapMode != MM_ISOTROPIC) return 1.0;
+    const double sx = static_cast<double>(m_szViewportExt.cx) / m_szWindowExt.cx;
+    const double sy = static_cast<double>(m_szViewportExt.cy) / m_szWindowExt.cy;
+    return std::abs(sx) <= std::abs(sy) ? sx : (sx < 0 ? -std::abs(sy) : std::abs(sy));
+}
+
+double CDC::ScaleY() const {
+    if (m_nMapMode != MM_ISOTROPIC) return 1.0;
+    const double sx = static_cast<double>(m_szViewportExt.cx) / m_szWindowExt.cx;
+    const double sy = static_cast<double>(m_szViewportExt.cy) / m_szWindowExt.cy;
+    return std::abs(sy) <= std::abs(sx) ? sy : (sy < 0 ? -std::abs(sx) : std::abs(sx));
+}
+
+// --- Units ---
+
+void CDC::DPtoLP(POINT* pts, int count) const {
+    for (int i = 0; i < count; ++i) {
+        pts[i].x = static_cast<LONG>(std::lround(pts[i].x / ScaleX())) + m_ptWindowOrg.x;
+        pts[i].y = static_cast<LONG>(std::lround(pts[i].y / ScaleY())) + m_ptWindowOrg.y;
+    }
+}
+
+void CDC::LPtoDP(POINT* pts, int count) const {
+    for (int i = 0; i < count; ++i) {
+        pts[i].x = static_cast<LONG>(std::lround((pts[i].x - m_ptWindowOrg.x) * ScaleX()));
+        pts[i].y = static_cast<LONG>(std::lround((pts[i].y - m_ptWindowOrg.y) * ScaleY()));
+    }
+}
+
+void CDC::DPtoLP(RECT* rc) const { DPtoLP(reinterpret_cast<POINT*>(rc), 2); }
+void CDC::LPtoDP(RECT* rc) const { LPtoDP(reinterpret_cast<POINT*>(rc), 2); }
+
+void CDC::DPtoLP(SIZE* size) const {
+    size->cx = static_cast<LONG>(std::lround(size->cx / ScaleX()));
+    size->cy = static_cast<LONG>(std::lround(size->cy / ScaleY()));
+}
+
+void CDC::LPtoDP(SIZE* size) const {
+    size->cx = static_cast<LONG>(std::lround(size->cx * ScaleX()));
+    size->cy = static_cast<LONG>(std::lround(size->cy * ScaleY()));
+}
+
+// A screen: 96 pixels per inch, the device's size, nothing unprintable.
+int CDC::GetDeviceCaps(int index) const {
+    constexpr int kScreenDpi = 96;
+    const RECT device = DeviceRect();
+    switch (index) {
+    case LOGPIXELSX:
+    case LOGPIXELSY:
+        return kScreenDpi;
+    case HORZRES:
+    case PHYSICALWIDTH:
+        return device.Width();
+    case VERTRES:
+    case PHYSICALHEIGHT:
+        return device.Height();
+    default:
+        return 0;
+    }
+}
 
 UINT CDC::SetTextAlign(UINT align) { return std::exchange(m_nTextAlign, align); }
 int CDC::SetBkMode(int mode) { return std::exchange(m_nBkMode, mode); }
@@ -185,6 +280,97 @@ BOOL CDC::BitBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, DWO
 BOOL CDC::StretchBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD rop) {
     if (!src || rop != SRCCOPY || cx <= 0 || cy <= 0 || cxSrc <= 0 || cySrc <= 0) return FALSE;
     return BlitPrimitive(RECT{x, y, x + cx, y + cy}, *src, RECT{xSrc, ySrc, xSrc + cxSrc, ySrc + cySrc});
+}
+
+// --- DrawText ---
+
+namespace {
+
+// The lines of a text: broken at LF (a CR in front of it goes), and with word breaks between
+// words wherever the next word would pass `width`. A word wider than the width stands alone.
+template <class Measure>
+std::vector<std::string> BreakText(const std::string& text, bool wordBreak, LONG width, Measure measure) {
+    std::vector<std::string> lines;
+    size_t from = 0;
+    for (;;) {
+        size_t lf = text.find('\n', from);
+        std::string hard = text.substr(from, lf == std::string::npos ? std::string::npos : lf - from);
+        if (!hard.empty() && hard.back() == '\r') hard.pop_back();
+        if (!wordBreak) {
+            lines.push_back(hard);
+        } else {
+            std::string line;
+            size_t pos = 0;
+            while (pos < hard.size()) {
+                size_t end = hard.find(' ', pos);
+                end = end == std::string::npos ? hard.size() : end;
+                const std::string word = hard.substr(pos, end - pos);
+                const std::string joined = line.empty() ? word : line + " " + word;
+                if (!line.empty() && measure(joined) > width) {
+                    lines.push_back(line);
+                    line = word;
+                } else {
+                    line = joined;
+                }
+                pos = end + 1;
+            }
+            lines.push_back(line);
+        }
+        if (lf == std::string::npos) break;
+        from = lf + 1;
+    }
+    return lines;
+}
+
+}  // namespace
+
+int CDC::DrawText(const char* text, int count, RECT* rc, UINT format) {
+    if (!text || !rc) return 0;
+    std::string all(text, count < 0 ? std::strlen(text) : static_cast<size_t>(count));
+    if (format & DT_EXPANDTABS) {
+        // Tabs stop every eight average characters; the text is measured as it will be drawn.
+        TEXTMETRICA tm;
+        const LONG stop = GetTextMetrics(&tm) ? std::max<LONG>(1, 8 * tm.tmAveCharWidth) : 64;
+        std::string expanded;
+        for (char c : all) {
+            if (c != '\t') {
+                expanded += c;
+                continue;
+            }
+            const size_t lineStart = expanded.rfind('\n') == std::string::npos ? 0 : expanded.rfind('\n') + 1;
+            const LONG x = GetTextExtent(expanded.data() + lineStart, static_cast<int>(expanded.size() - lineStart)).cx;
+            const LONG next = (x / stop + 1) * stop;
+            do expanded += ' ';
+            while (GetTextExtent(expanded.data() + lineStart, static_cast<int>(expanded.size() - lineStart)).cx < next);
+        }
+        all = expanded;
+    }
+    TEXTMETRICA tm;
+    const LONG height = GetTextMetrics(&tm) ? tm.tmHeight : 0;
+    const auto measure = [this](const std::string& s) { return GetTextExtent(s.data(), static_cast<int>(s.size())).cx; };
+    const std::vector<std::string> lines = BreakText(all, (format & DT_WORDBREAK) != 0, rc->Width(), measure);
+    const int total = static_cast<int>(height * static_cast<LONG>(lines.size()));
+    if (format & DT_CALCRECT) {
+        rc->bottom = rc->top + total;
+        return total;
+    }
+    LONG y = rc->top;
+    for (const std::string& line : lines) {
+        if (y >= rc->bottom && !(format & DT_NOCLIP)) break;
+        DrawTextLine(line, *rc, y, format);
+        y += height;
+    }
+    return total;
+}
+
+void CDC::DrawTextLine(const std::string& line, const RECT& rc, LONG y, UINT format) {
+    if (line.empty()) return;
+    const UINT align = SetTextAlign(TA_LEFT | TA_TOP);
+    const LONG cx = GetTextExtent(line.data(), static_cast<int>(line.size())).cx;
+    const LONG x = (format & DT_CENTER) ? rc.left + (rc.Width() - cx) / 2 : rc.left;
+    ExtTextOut(static_cast<int>(x), static_cast<int>(y), (format & DT_NOCLIP) ? 0 : ETO_CLIPPED, &rc, line.data(),
+               static_cast<UINT>(line.size()));
+    SetTextAlign(align);
 }
 
 BOOL CDC::InvertRect(const RECT& rc) {

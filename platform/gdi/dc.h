@@ -3,12 +3,16 @@
 // ExtTextOut and the extents, so that every backend places text the same way; a backend
 // supplies the device's bounds and a few primitives that put pixels down.
 //
-// Coordinates are in MM_TEXT units, one logical unit per device pixel. Clipping works in two
+// Coordinates are logical units. On the screen they are MM_TEXT units, one per device pixel; a
+// printer context may scale them (MM_ISOTROPIC) and move their origin, and its backend turns
+// them into device pixels: everything the base keeps, clip regions included, stays logical, so a
+// clip is set after the origin it belongs to and removed before the origin moves. Clipping works in two
 // layers, as on the classic platform: the system region (the area a paint may touch, which the
 // window layer sets for a paint context) and the application's clip region (SelectClipRgn,
 // ExcludeClipRect). Drawing reaches only pixels that lie in both, and in the device.
 #pragma once
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/gdi/gdiobjects.h"
@@ -37,8 +41,17 @@ public:
     CDC& operator=(const CDC&) = delete;
 
     // --- Attributes ---
-    int SetMapMode(int mode);  // MM_TEXT only; gives the previous mode, 0 for another mode
-    int GetMapMode() const { return MM_TEXT; }
+    // MM_TEXT, or MM_ISOTROPIC on a context whose backend scales (a printer's); gives the
+    // previous mode, 0 for a mode the context cannot take.
+    int SetMapMode(int mode);
+    int GetMapMode() const { return m_nMapMode; }
+    // The logical extent that maps to the viewport extent in device pixels (MM_ISOTROPIC only;
+    // the smaller of the two scales serves both directions). Each gives the previous extent.
+    SIZE SetWindowExt(int cx, int cy);
+    SIZE SetViewportExt(int cx, int cy);
+    // The logical point that lands on the device's origin; gives the previous one.
+    POINT SetWindowOrg(int x, int y);
+    POINT GetWindowOrg() const { return m_ptWindowOrg; }
     UINT SetTextAlign(UINT align);
     UINT GetTextAlign() const { return m_nTextAlign; }
     int SetBkMode(int mode);
@@ -55,13 +68,23 @@ public:
     CBitmap* SelectObject(CBitmap* bitmap);  // memory contexts: draw on this bitmap from now on
     CFont* GetCurrentFont() const { return m_pFont; }
 
-    // --- Units: the identity in MM_TEXT; kept so that callers convert where the Parts do ---
-    void DPtoLP(POINT* pts, int count = 1) const {}
-    void DPtoLP(RECT* rc) const {}
-    void DPtoLP(SIZE* size) const {}
-    void LPtoDP(POINT* pts, int count = 1) const {}
-    void LPtoDP(RECT* rc) const {}
-    void LPtoDP(SIZE* size) const {}
+    // --- Units: device pixels and logical units, by the map mode and the window origin; sizes
+    // convert without the origin ---
+    void DPtoLP(POINT* pts, int count = 1) const;
+    void DPtoLP(RECT* rc) const;
+    void DPtoLP(SIZE* size) const;
+    void LPtoDP(POINT* pts, int count = 1) const;
+    void LPtoDP(RECT* rc) const;
+    void LPtoDP(SIZE* size) const;
+    // Facts of the device (the *RES, LOGPIXELS* and PHYSICAL* indices); 0 for an unknown index.
+    virtual int GetDeviceCaps(int index) const;
+
+    // --- Print jobs: only a printer context takes them; elsewhere each fails (SP_ERROR) ---
+    virtual int StartDoc(const DOCINFO* info) { return SP_ERROR; }
+    virtual int StartPage() { return SP_ERROR; }
+    virtual int EndPage() { return SP_ERROR; }
+    virtual int EndDoc() { return SP_ERROR; }
+    virtual int AbortDoc() { return SP_ERROR; }
 
     // --- Measuring, with the selected font ---
     BOOL GetTextMetrics(TEXTMETRICA* tm) const;
@@ -83,6 +106,12 @@ public:
     BOOL BitBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, DWORD rop);
     BOOL StretchBlt(int x, int y, int cx, int cy, CDC* src, int xSrc, int ySrc, int cxSrc, int cySrc, DWORD rop);
     BOOL InvertRect(const RECT& rc);
+    // Text in a rectangle with the selected font, colour and background mode: lines broken at
+    // line feeds and, with DT_WORDBREAK, between words at the rectangle's width; each centred
+    // with DT_CENTER; tabs expanded to eight average characters with DT_EXPANDTABS; clipped to
+    // the rectangle unless DT_NOCLIP. DT_CALCRECT measures only: the rectangle's bottom becomes
+    // that of the text. Gives the text's height.
+    int DrawText(const char* text, int count, RECT* rc, UINT format);
 
     // --- Clipping, in device pixels ---
     // Null removes the application's clip region.
@@ -126,6 +155,13 @@ protected:
     virtual void BitmapSelected(CBitmapImpl* bitmap) {}
     // The font to use when none is selected: each backend keeps its own.
     virtual const CFontImpl* DefaultFont() const = 0;
+    // Whether the backend turns logical units into device pixels by a scale (MM_ISOTROPIC).
+    virtual bool CanScale() const { return false; }
+    // The map mode, an extent or the window origin changed; a scaling backend follows it.
+    virtual void MappingChanged() {}
+    // Device pixels per logical unit across and down: 1 in MM_TEXT.
+    double ScaleX() const;
+    double ScaleY() const;
 
     // The region drawing reaches now.
     const CRgn& Visible() const { return m_rgnVisible; }
@@ -135,6 +171,13 @@ protected:
 private:
     const CFontImpl* Font() const;
 
+    // One line of DrawText: its bytes with the tabs expanded.
+    void DrawTextLine(const std::string& line, const RECT& rc, LONG y, UINT format);
+
+    int m_nMapMode = MM_TEXT;
+    SIZE m_szWindowExt{1, 1};
+    SIZE m_szViewportExt{1, 1};
+    POINT m_ptWindowOrg{};
     UINT m_nTextAlign = TA_LEFT | TA_TOP;
     int m_nBkMode = OPAQUE;
     COLORREF m_crText = 0x000000;

@@ -3,8 +3,38 @@
 #pragma once
 #include "platform/com/types.h"
 
-// Map modes. MM_TEXT is the only one: one logical unit is one device pixel, y grows downwards.
+// Map modes. MM_TEXT: one logical unit is one device pixel, y grows downwards. MM_ISOTROPIC:
+// the window and viewport extents scale logical units to device pixels, equally both ways.
 constexpr int MM_TEXT = 1;
+constexpr int MM_ISOTROPIC = 7;
+
+// What GetDeviceCaps reads, in device pixels and pixels per inch.
+constexpr int HORZRES = 8;
+constexpr int VERTRES = 10;
+constexpr int LOGPIXELSX = 88;
+constexpr int LOGPIXELSY = 90;
+constexpr int PHYSICALWIDTH = 110;
+constexpr int PHYSICALHEIGHT = 111;
+constexpr int PHYSICALOFFSETX = 112;
+constexpr int PHYSICALOFFSETY = 113;
+
+// DrawText flags.
+constexpr UINT DT_CENTER = 0x1;
+constexpr UINT DT_WORDBREAK = 0x10;
+constexpr UINT DT_EXPANDTABS = 0x40;
+constexpr UINT DT_NOCLIP = 0x100;
+constexpr UINT DT_CALCRECT = 0x400;
+
+// A print job as StartDoc opens it: its name in the spooler, and an output file or null.
+struct DOCINFO {
+    int cbSize = 20;
+    const char* lpszDocName = nullptr;
+    const char* lpszOutput = nullptr;
+    const char* lpszDatatype = nullptr;
+    DWORD fwType = 0;
+};
+// The failure result of the printing calls.
+constexpr int SP_ERROR = -1;
 
 // Text alignment: where the reference point of ExtTextOut stands on the text.
 constexpr UINT TA_LEFT = 0;

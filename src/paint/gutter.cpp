@@ -82,7 +82,8 @@ void CZentrelCtrl::PaintGutterMarks(LinePaint* pLine) {
     box.left += ctx->prcBounds->left;
     box.right += ctx->prcBounds->left;
     long blockStart = 0, blockEnd = 0;
-    if (FindCollapse(pLine->nStart, &blockStart, &blockEnd)) PaintGutterBitmap(pLine, &m_bmpMark, box);
+    if ((ctx->dwOptions & OPT_COLLAPSEBLOCKENABLE) && FindCollapse(pLine->nStart, &blockStart, &blockEnd))
+        PaintGutterBitmap(pLine, &m_bmpMark, box);
     if (box.right <= gutterRight) PaintSelectionBracket(pLine, box);
 }
 

@@ -30,10 +30,20 @@ const std::map<UINT, const char*>& StringTable() {
         {169, "No HTML document attached"},
         {173, "Bookmark index is out of range"},
         {174, "Bookmark %d"},
+        {175, "Error occured at printing document."},
+        {176, "Tolvik Professional\r\n<DOCPATHNAME>\r\n<DATETIME>"},
+        {177, "Page <PAGE>"},
         {178, "Collapsed text block"},
         {179, "Inserting converted character"},
         {180, "Replacing with converted character"},
         {181, "Line number"},
+        {182, "The quick brown fox jumps over the lazy dog while the printer hums along. Lines of markup follow one "
+              "another down the page, each in its own colour, and the columns fill from the left to the right."},
+        {183, "Please enter an integer between %1 and %2."},
+        {184, "Printing"},
+        {185, "The margins leave no room for text on the page."},
+        {208, "Printing \"%1\"..."},
+        {209, "Page %1!d! of %2!d! page(s)"},
     };
     return table;
 }
@@ -53,6 +63,10 @@ std::string FormatMessage(const std::string& format, std::initializer_list<std::
         if (format[i] == '%' && next >= '1' && next <= '9' && n < args.size()) {
             out += *(args.begin() + n);
             ++i;
+            // A printf form behind the number ("%1!d!") says how the argument was formatted.
+            if (i + 1 < format.size() && format[i + 1] == '!') {
+                if (size_t close = format.find('!', i + 2); close != std::string::npos) i = close;
+            }
         } else {
             out += format[i];
         }

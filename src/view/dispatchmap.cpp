@@ -266,12 +266,15 @@ void AddAnnotations(Table& t) {
     });
 }
 
-// Members whose behaviour arrives with the About box, printing and the picker: they answer
-// "nothing done" until then.
+// Printing, and the members whose behaviour arrives with the About box and the picker: those
+// answer "nothing done" until then.
 void AddDialogs(Table& t) {
     t.Method(DISPID_ABOUTBOX, "void AboutBox()", [](CZentrelCtrl&, Args&) { return Nothing(); });
-    t.Method(69, "BOOL Print(BSTR lpszPathName)", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
-    t.Method(70, "BOOL PageSetup()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(69, "BOOL Print(BSTR lpszPathName)", [](CZentrelCtrl& c, Args& a) {
+        const std::string name = ArgStr(a, 0);
+        return Variant::Bool(c.PrintDocument(name.c_str()));
+    });
+    t.Method(70, "BOOL PageSetup()", [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.PageSetup()); });
     t.Method(92, "BOOL ShowSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
     t.Method(93, "BOOL HideSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
 }

@@ -2,6 +2,7 @@
 // behind every property, method and event. Its member operations are spread over the
 // subsystem folders by subject; this header lists every field and every operation.
 #pragma once
+#include <ctime>
 #include <map>
 #include <memory>
 #include <string>
@@ -21,6 +22,8 @@
 #include "src/layout/lineindex.h"
 #include "src/paint/formatstyle.h"
 #include "src/paint/paintcontext.h"
+#include "src/print/pagesetup.h"
+#include "src/print/printprogress.h"
 #include "src/view/options.h"
 
 extern const CLSID CLSID_Zentrel;
@@ -378,6 +381,21 @@ public:
     BOOL SaveExtraInfoToMemory(HGLOBAL* lphGlobalMemory);
     BOOL LoadExtraInfoFromMemory(HGLOBAL hGlobalMemory, long nMemorySize);
 
+    // --- Printing (src/print) ---
+    // Print: the desktop's print dialog, then the job; FALSE when the dialog was cancelled or
+    // the job failed (with a message box).
+    BOOL PrintDocument(const char* lpszName);
+    // The job alone, on the printer that the page setup object holds.
+    BOOL PrintJob(const char* lpszName);
+    BOOL PageSetup();
+    void PreparePrinterDC(CDC* pDC);
+    static void ExpandTemplate(std::string* out, const std::string& lpszTemplate, const std::string& lpszName, long nPage,
+                               const std::tm& now);
+    void PrintHeader(CDC* pDC, long nPage, const std::string& lpszName, const std::tm& now, const RECT* prc);
+    void PrintFooter(CDC* pDC, long nPage, const std::string& lpszName, const std::tm& now, const RECT* prc);
+    DWORD GetPrintOptions(DWORD dwOptions) const;
+    CEditPageSetupDialog& PageSetupObject() { return m_dlgPageSetup; }
+
     // --- Code completion (src/edit) ---
     // Runs timer 1 in completion mode 1 and stops it in the others.
     void StartCodeCompletion();
@@ -475,6 +493,10 @@ private:
     long ToggleLineOf(long nPos) const;
     BOOL SetBookmarkAtSelection(const std::string& name);
     CBookmark& BookmarkAt(long nIndex) const;
+    // The pages of a started job (printengine.cpp); throws what the user is told.
+    void PrintPages(CDC* pDC, const char* lpszName);
+    void PrintTemplate(CDC* pDC, const std::string& strTemplate, long nPage, const std::string& lpszName, const std::tm& now,
+                       const RECT* prc);
     // Whether selected bytes get the selection's colours under this option word.
     bool SelectionShows(DWORD dwOptions) const;
     // The style that the highlight mode gives the character, before any override.
@@ -576,6 +598,9 @@ public:
     BYTE m_bCompletionHeld = 0;
     BYTE m_bCompletionTimer = 0;
     DWORD m_dwLastKey = 0;
+
+    // Printing: the page setup object, the one store of print settings.
+    CEditPageSetupDialog m_dlgPageSetup;
 };
 
 // Creates a control with one reference for the caller, as the class factory does.
