@@ -1,5 +1,6 @@
 #include "app/editorwindow.h"
 
+#include "app/printoptions.h"
 #include <QAction>
 #include <QCloseEvent>
 #include <QFileInfo>
@@ -14,6 +15,7 @@
 #include <QTimer>
 #include <cstdio>
 
+#include "app/printoptions.h"
 #include "platform/com/dataobject.h"
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qttext.h"
@@ -150,6 +152,10 @@ void CEditorWindow::BuildFileMenu() {
     file->addAction("&Open...", QKeySequence::Open, this, &CEditorWindow::Open);
     file->addAction("&Save", QKeySequence::Save, this, &CEditorWindow::Save);
     file->addAction("Save &As...", QKeySequence::SaveAs, this, &CEditorWindow::SaveAs);
+    file->addSeparator();
+    // The job names the document by its path, as the document gives it.
+    file->addAction("Page Set&up...", this, [this] { m_pCtrl->PageSetup(); });
+    file->addAction("&Print...", QKeySequence::Print, this, [this] { m_pCtrl->PrintDocument(""); });
     file->addSeparator();
     file->addAction("&Quit", QKeySequence::Quit, this, &QWidget::close);
 }
@@ -309,3 +315,11 @@ void CEditorWindow::KeepViewState() {
 }
 
 void CEditorWindow::ToggleOption(DWORD mask, bool on) { m_pCtrl->SetOption(mask, on ? TRUE : FALSE); }
+
+int CEditorWindow::PrintToPdf(const PrintRequest& request, const QString& docName) {
+    // No progress window and no message box: the job runs for a script, which reads stderr.
+    m_platform.Print().SetQuiet(true);
+    const int result = ::PrintToPdf(m_pCtrl, m_platform.Print(), request, docName);
+    m_platform.Print().SetQuiet(false);
+    return result;
+}

@@ -3,12 +3,15 @@
 // status line. Without a display it renders the window to a PNG and says where it put it.
 //
 // Usage: zentrel-edit [--screenshot PNG] [--codepage CP] [--script JS [--script-timeout SECONDS]] [FILE]
+//        zentrel-edit --print-pdf OUT.pdf [page setup options] [FILE]
 // The process code page is the one that holds the file's characters unless --codepage names one.
 // With --screenshot the editor shows its window, saves what the screen shows of it to PNG once
 // it is painted, and exits: a picture of the real window on a real display, for tests.
 // With --script the editor runs a JavaScript file with `control` and `document` as globals
 // instead of showing its window, prints what the script prints, and exits with 0, or with 1
 // when the script throws or runs longer than its time limit (10 s unless given).
+// With --print-pdf the editor prints the file to a PDF through the control's print engine, with
+// no dialog and no window, and exits; the page setup values come from the options after it.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -21,6 +24,7 @@
 
 #include "app/codepagechoice.h"
 #include "app/editorwindow.h"
+#include "app/printoptions.h"
 #include "platform/codepage/codepage.h"
 #include "widget/scriptrunner.h"
 
@@ -43,6 +47,7 @@ struct Arguments {
     QString codePage;    // empty: the file's
     QString script;      // empty: no script
     double scriptSeconds = kDefaultScriptSeconds;
+    PrintRequest print;
 };
 
 // The value after an option, or false with the reason on stderr.
@@ -60,6 +65,12 @@ bool ParseArguments(const QStringList& args, Arguments* out) {
     bool haveFile = false;
     for (qsizetype i = 1; i < args.size(); ++i) {
         const QString& arg = args[i];
+        QString error;
+        if (ParsePrintOption(args, &i, &out->print, &error)) {
+            if (error.isEmpty()) continue;
+            std::fprintf(stderr, "zentrel-edit: %s\n", qPrintable(error));
+            return false;
+        }
         if (arg == "--screenshot") {
             if (!OptionValue(args, &i, "the name of a PNG file", &out->screenshot)) return false;
         } else if (arg == "--script") {
@@ -76,12 +87,16 @@ bool ParseArguments(const QStringList& args, Arguments* out) {
         } else if (arg == "--codepage" && i + 1 < args.size()) {
             out->codePage = args[++i];
         } else if (arg.startsWith("--") || haveFile) {
-            std::fprintf(stderr, "zentrel-edit: unexpected argument %s\n%s\n", qPrintable(arg), kUsage);
+            std::fprintf(stderr, "zentrel-edit: unexpected argument %s\n%s\n%s\n", qPrintable(arg), kUsage, PrintOptionsUsage());
             return false;
         } else {
             out->file = arg;
             haveFile = true;
         }
+    }
+    if (out->print.any && out->print.pdf.isEmpty()) {
+        std::fprintf(stderr, "zentrel-edit: the page setup options need --print-pdf OUT.pdf\n");
+        return false;
     }
     return true;
 }
@@ -144,6 +159,7 @@ int main(int argc, char** argv) {
     if (!window.OpenFile(args.file)) return 1;
     window.resize(1000, 800);
     if (!args.script.isEmpty()) return RunScript(window, args);
+    if (!args.print.pdf.isEmpty()) return window.PrintToPdf(args.print, args.file);
     if (!HasDisplay()) {
         const QString png = args.screenshot.isEmpty() ? QFileInfo(args.file).completeBaseName() + "-zentrel.png" : args.screenshot;
         if (!SavePicture(window.grab(), png)) return 1;

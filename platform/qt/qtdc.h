@@ -43,6 +43,14 @@ public:
     BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) override;
 
 protected:
+    // For a context over another device: the painter that the derived class begins on it, and
+    // a word that the painter's state (device, transform) changed under the context.
+    QPainter& PainterObject() { return m_painter; }
+    void PainterChanged() {
+        m_bClipDirty = true;
+        m_clipState = ClipState::Unknown;
+    }
+
     RECT DeviceRect() const override;
     void ClipChanged(const CRgn&) override { m_bClipDirty = true; }
     void FillPrimitive(const RECT& rc, COLORREF color) override;

@@ -10,6 +10,7 @@
 #include "platform/qt/qtclipboard.h"
 #include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtgdi.h"
+#include "platform/qt/qtprintdialogs.h"
 #include "platform/window/window.h"
 
 class QWidget;
@@ -54,6 +55,9 @@ public:
     POINT CursorPos() override;
     UINT DoubleClickTime() override;
 
+    // Printers and the print dialogs.
+    CQtPrintBackend& Print() { return m_print; }
+
     // CreateWindowFor with a widget as the parent instead of a window.
     HWND CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc);
 
@@ -66,6 +70,8 @@ private:
     IClipboardBackend* m_pPreviousClipboard;
     CQtDragDrop m_dragDrop;
     IDragDropBackend* m_pPreviousDragDrop;
+    CQtPrintBackend m_print;
+    IPrintBackend* m_pPreviousPrint;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;
