@@ -27,7 +27,9 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 
 CQtPlatform::CQtPlatform()
     : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
-      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousPrint(SetPrintBackend(&m_print)) {
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousPrint(GetPrintBackend()) {
+    // A print backend that a host or a test installed first stays: its dialogs answer.
+    if (!m_pPreviousPrint) SetPrintBackend(&m_print);
     m_clock.start();
 }
 
@@ -37,7 +39,7 @@ CQtPlatform::~CQtPlatform() {
     if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
     if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
     if (GetDragDropBackend() == &m_dragDrop) SetDragDropBackend(m_pPreviousDragDrop);
-    if (GetPrintBackend() == &m_print) SetPrintBackend(m_pPreviousPrint);
+    if (GetPrintBackend() == &m_print) SetPrintBackend(nullptr);
 }
 
 QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {
