@@ -26,7 +26,7 @@ inline void ReportPeer(const std::string& name, double value, const char* unit) 
     Print("peer_" + name, value, unit);
     auto it = Ours().find(name);
     if (it == Ours().end() || it->second <= 0 || value <= 0) return;
-    const bool throughput = std::string(unit) == "MB/s";
+    const bool throughput = std::string(unit) == "MB/s" || std::string(unit) == "pages/s";
     Print("ratio_" + name, throughput ? it->second / value : value / it->second, "x");
 }
 

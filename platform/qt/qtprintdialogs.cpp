@@ -197,8 +197,8 @@ private:
         for (const Paper& p : kPapers) m_pPaper->addItem(p.name);
         connect(m_pPaper, &QComboBox::currentIndexChanged, this, [this] { PaperChosen(); });
         paperForm->addRow("Si&ze:", m_pPaper);
-        m_pPortrait = new QRadioButton("P&ortrait");
-        m_pLandscape = new QRadioButton("L&andscape");
+        m_pPortrait = new QRadioButton("Portr&ait");
+        m_pLandscape = new QRadioButton("Lan&dscape");
         connect(m_pLandscape, &QRadioButton::toggled, this, [this] { PaperChosen(); });
         auto* orientation = new QHBoxLayout;
         orientation->addWidget(m_pPortrait);
@@ -209,7 +209,7 @@ private:
         auto* marginGrid = new QGridLayout(marginBox);
         const RECT& m = m_pRecord->rtMargin;
         const long values[] = {m.left, m.top, m.right, m.bottom};
-        const char* labels[] = {"&Left:", "&Top:", "&Right:", "&Bottom:"};
+        const char* labels[] = {"L&eft:", "&Top:", "&Right:", "&Bottom:"};
         for (int i = 0; i < 4; ++i) {
             m_pMargin[i] = MarginBox(values[i]);
             auto* label = new QLabel(labels[i]);
