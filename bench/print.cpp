@@ -22,7 +22,8 @@ namespace {
 
 using namespace bench;
 
-constexpr size_t kDocumentBytes = 10u << 20;
+// The document's size in megabytes, unless the command line gives one.
+constexpr double kDocumentMegabytes = 10;
 
 // The pages of a job as its progress window hears them, with the time the first one was done.
 struct PageClock {
@@ -120,13 +121,15 @@ void MeasurePeer(const std::string& text, const QString& pdf) {
 int main(int argc, char** argv) {
     QTemporaryDir folder;
     std::string text;
-    const auto document = [&]() -> const std::string& {
-        if (text.empty()) text = htmlgen::GenerateHtml(kDocumentBytes);
+    const auto document = [&](const std::vector<double>& sizes) -> const std::string& {
+        const double megabytes = argc > 1 && !sizes.empty() ? sizes[0] : kDocumentMegabytes;
+        if (text.empty()) text = htmlgen::GenerateHtml(static_cast<size_t>(megabytes * (1 << 20)));
         return text;
     };
-    const auto ours = [&](const std::vector<double>&) { MeasureOurs(document(), folder.filePath("ours.pdf")); };
+    const auto ours = [&](const std::vector<double>& sizes) { MeasureOurs(document(sizes), folder.filePath("ours.pdf")); };
 #ifdef ZENTREL_HAVE_QSCINTILLA
-    return RunViewBenchmark(argc, argv, ours, [&](const std::vector<double>&) { MeasurePeer(document(), folder.filePath("peer.pdf")); });
+    return RunViewBenchmark(argc, argv, ours,
+                            [&](const std::vector<double>& sizes) { MeasurePeer(document(sizes), folder.filePath("peer.pdf")); });
 #else
     return RunViewBenchmark(argc, argv, ours, nullptr);
 #endif

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr double kThousandths = 1000.0;
+constexpr COLORREF kPaper = 0xFFFFFF;
 
 }  // namespace
 
@@ -111,6 +112,21 @@ void CQtPrinterDC::MappingChanged() {
     const POINT org = GetWindowOrg();
     painter.setWorldTransform(QTransform(sx, 0, 0, sy, -org.x * sx, -org.y * sy));
     PainterChanged();
+}
+
+// A page starts as white paper, and a job paints every spot of it once at most: a white fill
+// puts nothing on it, and is left out of the file.
+void CQtPrinterDC::FillPrimitive(const RECT& rc, COLORREF color) {
+    if (color != kPaper) CQtDC::FillPrimitive(rc, color);
+}
+
+// Glyphs are not clipped to their cells on paper: the ink of a slanted or bold glyph that
+// reaches a pixel past its cell lands on paper, where nothing else is, and a clip per run would
+// cost a clip path per run in the file. The clip region (a column) still holds.
+void CQtPrinterDC::TextPrimitive(const TextRunPrimitive& run) {
+    TextRunPrimitive unclipped = run;
+    unclipped.clip = nullptr;
+    CQtDC::TextPrimitive(unclipped);
 }
 
 int CQtPrinterDC::StartDoc(const DOCINFO* info) {

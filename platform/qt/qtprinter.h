@@ -26,6 +26,8 @@ protected:
     RECT DeviceRect() const override;
     bool CanScale() const override { return true; }
     void MappingChanged() override;
+    void FillPrimitive(const RECT& rc, COLORREF color) override;
+    void TextPrimitive(const TextRunPrimitive& run) override;
 
 private:
     CQtPrinterDC();
