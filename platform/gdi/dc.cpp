@@ -51,21 +51,16 @@ int CDC::SetMapMode(int mode) {
     return old;
 }
 
-SIZE CDC::SetWindowExt(int cx, int cy) {
-    if (m_nMapMode != MM_ISOTROPIC || cx == 0 || cy == 0) return m_szWindowExt;
-    const SIZE old = std::exchange(m_szWindowExt, SIZE{cx, cy});
+SIZE CDC::SetExtent(SIZE* extent, int cx, int cy) {
+    if (m_nMapMode != MM_ISOTROPIC || cx == 0 || cy == 0) return *extent;
+    const SIZE old = std::exchange(*extent, SIZE{cx, cy});
     MappingChanged();
     UpdateVisible();
     return old;
 }
 
-SIZE CDC::SetViewportExt(int cx, int cy) {
-    if (m_nMapMode != MM_ISOTROPIC || cx == 0 || cy == 0) return m_szViewportExt;
-    const SIZE old = std::exchange(m_szViewportExt, SIZE{cx, cy});
-    MappingChanged();
-    UpdateVisible();
-    return old;
-}
+SIZE CDC::SetWindowExt(int cx, int cy) { return SetExtent(&m_szWindowExt, cx, cy); }
+SIZE CDC::SetViewportExt(int cx, int cy) { return SetExtent(&m_szViewportExt, cx, cy); }
 
 POINT CDC::SetWindowOrg(int x, int y) {
     const POINT old = std::exchange(m_ptWindowOrg, POINT{x, y});
@@ -74,19 +69,15 @@ POINT CDC::SetWindowOrg(int x, int y) {
     return old;
 }
 
-// Isotropic: the smaller scale serves both directions, so that nothing is stretched.
-double CDC::ScaleX() const {
+// Isotropic: the smaller of the two scales serves both directions, each with its own sign, so
+// that nothing is stretched.
+double CDC::Scale(bool across) const {
     if (m_nMapMode != MM_ISOTROPIC) return 1.0;
     const double sx = static_cast<double>(m_szViewportExt.cx) / m_szWindowExt.cx;
     const double sy = static_cast<double>(m_szViewportExt.cy) / m_szWindowExt.cy;
-    return std::abs(sx) <= std::abs(sy) ? sx : (sx < 0 ? -std::abs(sy) : std::abs(sy));
-}
-
-double CDC::ScaleY() const {
-    if (m_nMapMode != MM_ISOTROPIC) return 1.0;
-    const double sx = static_cast<double>(m_szViewportExt.cx) / m_szWindowExt.cx;
-    const double sy = static_cast<double>(m_szViewportExt.cy) / m_szWindowExt.cy;
-    return std::abs(sy) <= std::abs(sx) ? sy : (sy < 0 ? -std::abs(sx) : std::abs(sx));
+    const double smaller = std::min(std::abs(sx), std::abs(sy));
+    const double own = across ? sx : sy;
+    return own < 0 ? -smaller : smaller;
 }
 
 // --- Units ---

@@ -160,8 +160,8 @@ protected:
     // The map mode, an extent or the window origin changed; a scaling backend follows it.
     virtual void MappingChanged() {}
     // Device pixels per logical unit across and down: 1 in MM_TEXT.
-    double ScaleX() const;
-    double ScaleY() const;
+    double ScaleX() const { return Scale(true); }
+    double ScaleY() const { return Scale(false); }
 
     // The region drawing reaches now.
     const CRgn& Visible() const { return m_rgnVisible; }
@@ -171,6 +171,8 @@ protected:
 private:
     const CFontImpl* Font() const;
 
+    double Scale(bool across) const;
+    SIZE SetExtent(SIZE* extent, int cx, int cy);
     // One line of DrawText: its bytes with the tabs expanded.
     void DrawTextLine(const std::string& line, const RECT& rc, LONG y, UINT format);
 
