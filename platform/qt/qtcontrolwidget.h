@@ -103,6 +103,8 @@ private:
     void ScrollAction(QScrollBar* bar, UINT message, int action);
     void ThumbReleased(QScrollBar* bar, UINT message);
     void EnsureSurface();
+    // The surface's extent in logical units.
+    QRect SurfaceRect() const { return QRect(QPoint(0, 0), m_surface.deviceIndependentSize().toSize()); }
     QRegion DeliverPaint();
     void Present(const QRegion& region);
     void Show(const QRegion& region);
