@@ -31,6 +31,10 @@ constexpr long kPiece = 4096;
 
 bool IsBracket(char c) { return c == '<' || c == '>'; }
 
+// The lead-byte test of the process code page; none where every character is one byte, which
+// spares the scans a call per byte.
+BOOL (*LeadByteTest())(BYTE) { return ZentrelApp().m_bMultiByte ? &::IsLeadByte : nullptr; }
+
 // The nearest bracket before pos, or 0.
 long StretchStart(ISourceText* doc, long pos) {
     std::string piece;
@@ -80,7 +84,7 @@ std::string CZentrelCtrl::ReadTagStretch(long pos, long* pStart) {
 void CZentrelCtrl::FindTagBounds(long pos, long* pStart, long* pEnd) {
     long offset = 0;
     const std::string stretch = ReadTagStretch(pos, &offset);
-    FindTagBoundsIn(stretch.data(), static_cast<long>(stretch.size()), pos - offset, &::IsLeadByte, pStart, pEnd);
+    FindTagBoundsIn(stretch.data(), static_cast<long>(stretch.size()), pos - offset, LeadByteTest(), pStart, pEnd);
     *pStart += offset;
     *pEnd += offset;
 }
@@ -91,7 +95,7 @@ TagContext CZentrelCtrl::AnalyzeTag(long pos) {
     if (!m_pDoc || !GetSchemaRoot()) return none;
     long offset = 0;
     const std::string stretch = ReadTagStretch(pos, &offset);
-    TagContext ctx = AnalyzeTagIn(stretch.data(), static_cast<long>(stretch.size()), pos - offset, &::IsLeadByte);
+    TagContext ctx = AnalyzeTagIn(stretch.data(), static_cast<long>(stretch.size()), pos - offset, LeadByteTest());
     ctx.rangeStart += offset;
     ctx.rangeEnd += offset;
     return ctx;

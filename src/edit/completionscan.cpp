@@ -18,7 +18,7 @@ public:
     BYTE At(long p) const { return m_text[p]; }
     long Next(long p) const {
         if (p >= m_length) return p;
-        return (m_isLead(m_text[p]) && p + 1 < m_length) ? p + 2 : p + 1;
+        return (m_isLead && m_isLead(m_text[p]) && p + 1 < m_length) ? p + 2 : p + 1;
     }
 
     void Bounds(long pos, long* pStart, long* pEnd) const {

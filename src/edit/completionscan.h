@@ -26,7 +26,7 @@ struct TagContext {
 
 // The stretch the scans look at: back to the nearest '<' or '>' before pos (across lines), and
 // forward to the first bracket, taken in, or to the end of the line. isLead tells the first
-// byte of a double-byte character.
+// byte of a double-byte character; null for a code page without them.
 void FindTagBoundsIn(const char* text, long length, long pos, BOOL (*isLead)(BYTE), long* pStart, long* pEnd);
 
 // Reads the place at pos; the result's context is never CTX_NONE.

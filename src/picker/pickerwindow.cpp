@@ -333,6 +333,8 @@ void CHTMLSyntaxPicker::PaintList(const PickDraw& draw) {
     long y = rows.top;
     for (int row = page.GetTopIndex(); row < page.GetCount() && y < rows.bottom; ++row) {
         const int h = page.RowHeight(row, m_nTextHeight, inner.Height());
+        // Only whole rows show, as in a list of integral height.
+        if (y + h > rows.bottom && row > page.GetTopIndex()) break;
         const RECT rc{rows.left, y, rows.right, std::min<long>(y + h, rows.bottom)};
         page.DrawItem(draw, row, rc, row == page.GetCurSel());
         y += h;

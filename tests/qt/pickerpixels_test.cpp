@@ -74,9 +74,13 @@ TEST_F(PickerPixels, StandsBelowTheTokenWithoutTakingTheFocus) {
 
 TEST_F(PickerPixels, FlipsLeftAndAboveAtTheScreensEdges) {
     const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    ShowPickerOver("<p>\r\n<ta", QPoint(screen.right() - kWidth + 1, screen.bottom() - kHeight + 1));
+    // The token stands near the window's bottom right corner, and the window at the screen's.
+    std::string lines;
+    for (int i = 0; i < 8; ++i) lines += "\r\n";
+    const std::string before = "<p>" + lines + std::string(25, ' ') + "<";
+    ShowPickerOver(before + "ta", QPoint(screen.right() - kWidth + 1, screen.bottom() - kHeight + 1));
     POINT start{};
-    ctrl->ClientPointFromPosition(6, &start);
+    ctrl->ClientPointFromPosition(static_cast<long>(before.size()), &start);
     ClientToScreen(hwnd, &start);
     EXPECT_EQ(popup->geometry().right() + 1, start.x);
     EXPECT_EQ(popup->geometry().bottom() + 1, start.y);
@@ -113,7 +117,7 @@ TEST_F(PickerPixels, TagRowsShowTheTagIconAndTheHelpPaneItsText) {
 }
 
 TEST_F(PickerPixels, TheHelpPageDrawsItsTitleAndText) {
-    ShowPickerOver("<td width=");
+    ShowPickerOver("<td char=");
     ASSERT_EQ(ctrl->PickerIfAny()->PageIndex(), PAGE_HELP);
     // The title row is on the shadow colour, the text under it on the window colour with ink.
     const COLORREF shadow = GetSysColor(COLOR_BTNSHADOW);
