@@ -42,8 +42,8 @@ long StretchStart(ISourceText* doc, long pos) {
         const long from = std::max(0L, to - kPiece);
         piece.resize(static_cast<size_t>(to - from));
         if (FAILED(doc->CopyText(piece.data(), from, to - from))) return 0;
-        for (long i = to - from - 1; i >= 0; --i)
-            if (IsBracket(piece[static_cast<size_t>(i)])) return from + i;
+        const size_t at = piece.find_last_of("<>");
+        if (at != std::string::npos) return from + static_cast<long>(at);
         to = from;
     }
     return 0;

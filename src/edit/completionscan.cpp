@@ -1,7 +1,9 @@
 // The context scan of code completion, over a pointer to the text.
 #include "src/edit/completionscan.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstring>
 
 namespace {
 
@@ -23,9 +25,8 @@ public:
 
     void Bounds(long pos, long* pStart, long* pEnd) const {
         // '<' and '>' are never the second byte of a double-byte character, so the walk back
-        // may go byte by byte.
-        long start = pos > 0 ? pos - 1 : 0;
-        while (start > 0 && !IsBracket(m_text[start])) --start;
+        // may look for the bytes themselves.
+        const long start = std::max(LastOf('<', 0, pos), LastOf('>', 0, pos));
         long end = pos;
         while (end < m_length) {
             const BYTE c = m_text[end];
@@ -58,6 +59,21 @@ public:
             q = Next(q);
         }
         return q;
+    }
+    // Where the last c in [from, to) stands; 0 if none.
+    long LastOf(char c, long from, long to) const {
+        const void* at = to > from ? memrchr(m_text + from, c, static_cast<size_t>(to - from)) : nullptr;
+        return at ? static_cast<long>(static_cast<const BYTE*>(at) - m_text) : 0;
+    }
+    // Moves q up to the first double quote or bracket, or to limit.
+    long ScanToQuote(long q, long limit) {
+        if (m_isLead) return ScanTo(q, limit, [](BYTE c) { return c == '"' || IsBracket(c); });
+        long stop = limit;
+        for (const char c : {'"', '<', '>'})
+            if (const void* at = std::memchr(m_text + q, c, static_cast<size_t>(stop - q)))
+                stop = static_cast<long>(static_cast<const BYTE*>(at) - m_text);
+        if (stop > q) m_last = m_text[stop < limit ? stop : stop - 1];
+        return stop;
     }
     void Forget() { m_last = -1; }
     int Last() const { return m_last; }
@@ -95,7 +111,7 @@ bool ScanValue(TagScanner& s, long& q, long pos, long end, TagContext* ctx) {
     if (q < end) {
         if (s.Last() == '"') {
             q = s.SkipSpace(s.Next(q), pos);
-            q = s.ScanTo(q, end, [](BYTE c) { return c == '"' || IsBracket(c); });
+            q = s.ScanToQuote(q, end);
             if (q < end && s.At(q) == '"') q = s.Next(q);
         } else {
             q = s.ScanTo(q, end, EndsName);
