@@ -2,6 +2,7 @@
 // Each question is a fresh scan of the document's bytes; the schema root is fetched for every
 // analysis only to know that there is a schema to offer from.
 #include <algorithm>
+#include <cstring>
 
 #include "src/edit/completionscan.h"
 #include "src/view/module.h"
@@ -42,8 +43,11 @@ long StretchStart(ISourceText* doc, long pos) {
         const long from = std::max(0L, to - kPiece);
         piece.resize(static_cast<size_t>(to - from));
         if (FAILED(doc->CopyText(piece.data(), from, to - from))) return 0;
-        const size_t at = piece.find_last_of("<>");
-        if (at != std::string::npos) return from + static_cast<long>(at);
+        long last = -1;
+        for (const char c : {'<', '>'})
+            if (const void* at = memrchr(piece.data(), c, piece.size()))
+                last = std::max(last, static_cast<long>(static_cast<const char*>(at) - piece.data()));
+        if (last >= 0) return from + last;
         to = from;
     }
     return 0;

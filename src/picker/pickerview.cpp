@@ -140,6 +140,8 @@ BOOL CZentrelCtrl::AcceptPick() {
         }
         CHTMLSyntaxPickPage* page = m_pPicker->ActivePage();
         if (!page || !page->RunMore(value, current)) return FALSE;
+        // The host had the thread during the request and may have taken the document away.
+        if (!m_pDoc || !m_pSelection) return FALSE;
     }
     m_pSelection->SetRange(start, end);
     m_pSelection->ReplaceText(value.c_str(), static_cast<long>(value.size()), &m_xTextSink);

@@ -31,9 +31,11 @@ public:
     long GetType() override { return m_type; }
     HRESULT GetName(std::string* out) override { *out = m_name; return S_OK; }
     HRESULT GetDescription(std::string* out) override { *out = "about " + m_name; return S_OK; }
-    long GetChildCount() override { return static_cast<long>(m_children.size()); }
+    long GetChildCount() override { return m_claimed >= 0 ? m_claimed : static_cast<long>(m_children.size()); }
+    // Claims more children than it has, as a schema that answers errors for some does.
+    void Claim(long count) { m_claimed = count; }
     HRESULT GetChildName(std::string* out, long index) override {
-        if (index < 0 || index >= GetChildCount()) return E_INVALIDARG;
+        if (index < 0 || index >= static_cast<long>(m_children.size())) return E_INVALIDARG;
         return m_children[static_cast<size_t>(index)]->GetName(out);
     }
     long FindChild(const char* name, ISourceSchema** out) override {
@@ -52,6 +54,7 @@ private:
     long m_type;
     long m_rgb;
     std::vector<ComPtr<CFakeSchema>> m_children;
+    long m_claimed = -1;
     ULONG m_refs = 0;
 };
 
@@ -176,6 +179,17 @@ TEST(PickPages, CaseOptionsAndSpecialPages) {
     pixels.SetRowHeight(10);
     pixels.SetSource(tag.Get(), {});
     EXPECT_EQ(pixels.Row(pixels.GetCount() - 1).text, "7");
+}
+
+// Children whose names or objects the schema refuses are left out; the list holds the rest.
+TEST(PickPages, ASchemaThatAnswersErrorsGivesTheRowsItCan) {
+    ComPtr<CFakeSchema> tag(new CFakeSchema("td", 0));
+    tag->Add(new CFakeSchema("valign", 1));
+    tag->Claim(5);
+    CHTMLSyntaxAttrPage attrs;
+    EXPECT_TRUE(attrs.SetSource(tag.Get(), {}));
+    EXPECT_EQ(Rows(attrs), "VALIGN=");
+    EXPECT_FALSE(attrs.SetSource(tag.Get(), {}));  // the same object and format: no refill
 }
 
 TEST(PickIcons, EveryIdDrawsAndValuesFindTheirs) {
