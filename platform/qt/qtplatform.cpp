@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QScreen>
 #include <QStyleHints>
 #include <QGuiApplication>
 #include <QWidget>
@@ -27,7 +28,7 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 
 CQtPlatform::CQtPlatform()
     : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
-      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)) {
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousDialogs(SetDialogBackend(&m_dialogs)) {
     m_clock.start();
 }
 
@@ -37,6 +38,28 @@ CQtPlatform::~CQtPlatform() {
     if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
     if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
     if (GetDragDropBackend() == &m_dragDrop) SetDragDropBackend(m_pPreviousDragDrop);
+    if (GetDialogBackend() == &m_dialogs) SetDialogBackend(m_pPreviousDialogs);
+}
+
+std::unique_ptr<IWindowBackend> CQtPlatform::CreatePopupBackend(HWND hwnd, HWND, const RECT& rc) {
+    std::erase_if(m_windows, [](HWND h) { return !IsWindow(h); });
+    m_windows.push_back(hwnd);
+    auto backend = std::make_unique<CQtWindowBackend>(hwnd, nullptr, rc);
+    if (QWidget* widget = backend->Widget()) {
+        widget->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+        widget->setAttribute(Qt::WA_ShowWithoutActivating);
+        widget->setFocusPolicy(Qt::NoFocus);
+        widget->setGeometry(QRect(static_cast<int>(rc.left), static_cast<int>(rc.top), static_cast<int>(rc.Width()),
+                                  static_cast<int>(rc.Height())));
+    }
+    return backend;
+}
+
+RECT CQtPlatform::DesktopRect() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen) return IPlatformBackend::DesktopRect();
+    const QRect g = screen->geometry();
+    return {g.left(), g.top(), g.right() + 1, g.bottom() + 1};
 }
 
 QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {

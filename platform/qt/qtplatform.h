@@ -8,6 +8,7 @@
 #include <Qt>
 
 #include "platform/qt/qtclipboard.h"
+#include "platform/qt/qtdialogs.h"
 #include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtgdi.h"
 #include "platform/window/window.h"
@@ -53,6 +54,9 @@ public:
     void SetWaitCursor(bool on) override;
     POINT CursorPos() override;
     UINT DoubleClickTime() override;
+    // A frameless tool window that shows without taking the focus, and the primary screen.
+    std::unique_ptr<IWindowBackend> CreatePopupBackend(HWND hwnd, HWND owner, const RECT& rc) override;
+    RECT DesktopRect() override;
 
     // CreateWindowFor with a widget as the parent instead of a window.
     HWND CreateWindowIn(IMessageHandler* handler, QWidget* parent, const RECT& rc);
@@ -66,6 +70,8 @@ private:
     IClipboardBackend* m_pPreviousClipboard;
     CQtDragDrop m_dragDrop;
     IDragDropBackend* m_pPreviousDragDrop;
+    CQtDialogs m_dialogs;
+    IDialogBackend* m_pPreviousDialogs;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;

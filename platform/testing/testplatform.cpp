@@ -130,10 +130,12 @@ CTestPlatformScope::CTestPlatformScope()
     : m_pPrevious(SetPlatformBackend(&m_platform)),
       m_pPreviousGdi(SetGdiBackend(&m_platform)),
       m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
-      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)) {}
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)),
+      m_pPreviousDialogs(SetDialogBackend(&m_dialogs)) {}
 
 CTestPlatformScope::~CTestPlatformScope() {
     m_platform.AbandonAllWindows();
+    SetDialogBackend(m_pPreviousDialogs);
     SetDragDropBackend(m_pPreviousDragDrop);
     SetClipboardBackend(m_pPreviousClipboard);
     SetGdiBackend(m_pPreviousGdi);

@@ -8,6 +8,7 @@
 
 #include "platform/gdi/gdiobjects.h"
 #include "platform/testing/testclipboard.h"
+#include "platform/testing/testdialogs.h"
 #include "platform/testing/testdragdrop.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/window.h"
@@ -30,6 +31,8 @@ public:
     POINT CursorPos() override { return m_ptCursor; }
     UINT DoubleClickTime() override { return m_nDoubleClickTime; }
     bool ButtonsSwapped() override { return m_bSwapped; }
+    RECT DesktopRect() override { return m_rcDesktop; }
+    void SetDesktopRect(const RECT& rc) { m_rcDesktop = rc; }
 
     // The drawing layer: fonts by the formulas of testfont.h; a screen of kScreenSize.
     static constexpr SIZE kScreenSize{1280, 1024};
@@ -91,6 +94,7 @@ private:
     POINT m_ptCursor{};
     UINT m_nDoubleClickTime = 500;
     bool m_bSwapped = false;
+    RECT m_rcDesktop{0, 0, kScreenSize.cx, kScreenSize.cy};
 };
 
 // Installs a fresh test platform, as the window and the drawing backend, an empty clipboard and scripted drags, for its lifetime; on the
@@ -106,13 +110,16 @@ public:
     CTestPlatform* operator->() { return &m_platform; }
     CTestClipboard& Clipboard() { return m_clipboard; }
     CTestDragDrop& DragDrop() { return m_dragDrop; }
+    CTestDialogs& Dialogs() { return m_dialogs; }
 
 private:
     CTestPlatform m_platform;
     CTestClipboard m_clipboard;
     CTestDragDrop m_dragDrop;
+    CTestDialogs m_dialogs;
     IPlatformBackend* m_pPrevious;
     IGdiBackend* m_pPreviousGdi;
     IClipboardBackend* m_pPreviousClipboard;
     IDragDropBackend* m_pPreviousDragDrop;
+    IDialogBackend* m_pPreviousDialogs;
 };

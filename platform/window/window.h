@@ -151,6 +151,12 @@ public:
     virtual POINT CursorPos() { return {0, 0}; }
     virtual UINT DoubleClickTime() { return 500; }
     virtual bool ButtonsSwapped() { return false; }
+    // Floating windows (platform/window/popup.h): a window on top of `owner` that never takes
+    // the focus, at rc in screen pixels; and the desktop's rectangle in screen pixels.
+    virtual std::unique_ptr<IWindowBackend> CreatePopupBackend(HWND hwnd, HWND owner, const RECT& rc) {
+        return CreateWindowBackend(hwnd, nullptr, rc);
+    }
+    virtual RECT DesktopRect() { return {0, 0, 1280, 1024}; }
 };
 
 // Installs the backend for the process; returns the previous one. The caller keeps ownership.

@@ -272,8 +272,8 @@ void AddDialogs(Table& t) {
     t.Method(DISPID_ABOUTBOX, "void AboutBox()", [](CZentrelCtrl&, Args&) { return Nothing(); });
     t.Method(69, "BOOL Print(BSTR lpszPathName)", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
     t.Method(70, "BOOL PageSetup()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
-    t.Method(92, "BOOL ShowSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
-    t.Method(93, "BOOL HideSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(92, "BOOL ShowSyntaxPicker()", [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.ShowSyntaxPicker()); });
+    t.Method(93, "BOOL HideSyntaxPicker()", [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.HideSyntaxPicker()); });
 }
 
 const Table& ControlTable() {

@@ -151,6 +151,10 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
                 OnDragSelectTimer();
                 return 0;
             }
+            if (wParam == kCompletionTimer) {
+                OnCompletionTimer();
+                return 0;
+            }
             break;
         default: break;
     }
@@ -171,6 +175,7 @@ int CZentrelCtrl::OnCreate() {
 
 void CZentrelCtrl::OnSize(UINT, int, int) {
     GetClientRect(m_hWnd, &m_rcClient);
+    HidePicker();
     if (m_pDoc) {
         Reformat(TRUE);
         UpdateScrollBars(-1, -1);
@@ -190,6 +195,7 @@ void ReleasePostedChange(const MSG& msg) {
 void CZentrelCtrl::OnDestroy() {
     if (m_bDestroyed) return;
     StopCodeCompletion();
+    DestroyPickerWindow();
     RevokeDropTarget(m_hWnd);
     m_bDestroyed = TRUE;
     CloseBusyPanel();

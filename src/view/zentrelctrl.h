@@ -16,6 +16,7 @@
 #include "src/annotations/bookmarkmanager.h"
 #include "src/annotations/collapsenode.h"
 #include "src/document/sourcetext.h"
+#include "src/edit/completionscan.h"
 #include "src/layout/fontmetrics.h"
 #include "src/layout/layoutrange.h"
 #include "src/layout/lineindex.h"
@@ -48,6 +49,8 @@ constexpr UINT kDragSelectTimer = 2;
 // Sentinels of positions and widths.
 constexpr long POS_TO_END = 0x7FFFFFFF;
 constexpr long WIDTH_UNLIMITED = 0x7FFFFFFF;
+
+class CHTMLSyntaxPicker;
 
 class CZentrelCtrl : public COleControl {
 public:
@@ -327,9 +330,22 @@ public:
     BOOL PickerHasCurrentRow() const;
     void ShowPicker();
     void HidePicker();
-    void AcceptPick();
+    // Replaces the token at the caret with the current row's value; FALSE if nothing was picked.
+    BOOL AcceptPick();
     // Hands a key message to the picker's window, so that its list moves instead of the caret.
     void ForwardToPicker(const MSG& msg);
+    // The picker object, made on first use; its window lives while the view has the focus.
+    CHTMLSyntaxPicker& Picker();
+    const CHTMLSyntaxPicker* PickerIfAny() const { return m_pPicker.get(); }
+    void CreatePickerWindow();
+    void DestroyPickerWindow();
+    // Fills the picker for the caret's place; gives where the token at the caret begins.
+    long UpdatePicker();
+    void PlacePicker(long nPosition, BOOL bShow);
+    BOOL PickerNextOption();
+    // The automation methods: FALSE without a document.
+    BOOL ShowSyntaxPicker();
+    BOOL HideSyntaxPicker();
 
     // --- Collapsed blocks (src/annotations/collapse.cpp) ---
     // Folds lo..hi into one line; with bUpdate the line table follows and the block is selected
@@ -382,6 +398,16 @@ public:
     // Runs timer 1 in completion mode 1 and stops it in the others.
     void StartCodeCompletion();
     void StopCodeCompletion();
+    // The root of the document's schema tree, or null without one (completion.cpp).
+    ComPtr<ISourceSchema> GetSchemaRoot();
+    // The bytes around pos that the scans read, and where they begin in the document.
+    std::string ReadTagStretch(long pos, long* pStart);
+    void FindTagBounds(long pos, long* pStart, long* pEnd);
+    // The place at pos; CTX_NONE without a document or a schema.
+    TagContext AnalyzeTag(long pos);
+    void OnCompletionTimer();
+    // Ctrl+Space: opens the picker, or steps the open page to its next option.
+    void CompletionKey();
 
     // --- Properties (src/view/properties.cpp) ---
     BOOL GetOption(DWORD mask) const { return (m_Options & mask) ? TRUE : FALSE; }
@@ -576,6 +602,7 @@ public:
     BYTE m_bCompletionHeld = 0;
     BYTE m_bCompletionTimer = 0;
     DWORD m_dwLastKey = 0;
+    std::shared_ptr<CHTMLSyntaxPicker> m_pPicker;  // shared: the header needs no complete type
 };
 
 // Creates a control with one reference for the caller, as the class factory does.
