@@ -52,6 +52,8 @@ public:
     // Each call pushes or pops Qt's override cursor, which nests by itself.
     void SetWaitCursor(bool on) override;
     POINT CursorPos() override;
+    // Shows the cursor over the control widget that the mouse last came to.
+    void SetCursor(UINT id) override;
     UINT DoubleClickTime() override;
 
     // CreateWindowFor with a widget as the parent instead of a window.

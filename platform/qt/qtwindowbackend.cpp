@@ -1,7 +1,9 @@
 #include "platform/qt/qtwindowbackend.h"
 
+#include <QAccessible>
 #include <algorithm>
 
+#include "platform/qt/qtaccessible.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtdc.h"
 
@@ -98,4 +100,10 @@ POINT CQtWindowBackend::ClientOrigin() const {
     if (!m_pWidget) return {0, 0};
     const QPoint p = m_pWidget->viewport()->mapToGlobal(QPoint(0, 0));
     return {p.x(), p.y()};
+}
+
+bool CQtWindowBackend::AccessibilityActive() const { return QAccessible::isActive(); }
+
+void CQtWindowBackend::AccessibleEvent(const AccessibleTextEvent& event) {
+    if (m_pWidget) PostAccessibleEvent(m_pWidget, event);
 }

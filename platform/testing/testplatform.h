@@ -30,6 +30,9 @@ public:
     POINT CursorPos() override { return m_ptCursor; }
     UINT DoubleClickTime() override { return m_nDoubleClickTime; }
     bool ButtonsSwapped() override { return m_bSwapped; }
+    void SetCursor(UINT id) override { m_nCursor = id; }
+    // The id of the cursor last set (platform/window/cursor.h), 0 before any.
+    UINT CurrentCursor() const { return m_nCursor; }
 
     // The drawing layer: fonts by the formulas of testfont.h; a screen of kScreenSize.
     static constexpr SIZE kScreenSize{1280, 1024};
@@ -91,6 +94,7 @@ private:
     POINT m_ptCursor{};
     UINT m_nDoubleClickTime = 500;
     bool m_bSwapped = false;
+    UINT m_nCursor = 0;
 };
 
 // Installs a fresh test platform, as the window and the drawing backend, an empty clipboard and scripted drags, for its lifetime; on the

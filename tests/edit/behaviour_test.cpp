@@ -40,7 +40,12 @@
 // Setting the clipboard as another program would: `putclipboard text TEXT` (CF_TEXT),
 //   `putclipboard unicode TEXT` (TEXT is UTF-8, put as CF_UNICODETEXT alone), `putclipboard none`.
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
-// `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself).
+// `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself), and the
+// document's own syntax items and descriptions over spans (`item`, `doc`: scriptedhints.h).
+// Tips and cursors: `hover POINT` (the mouse comes to POINT as the toolkit moves it: the cursor
+//   is asked for, then the move), `hold Ctrl|Shift|Ctrl+Shift|none` (keys that stay down),
+//   `leave` (the mouse leaves the window); checks `tip "TEXT"|none` (the tip on screen) and
+//   `cursor NAME` (arrow, ibeam, gutter, hint, doc, expand, collapse).
 #include <gtest/gtest.h>
 
 #include <map>
@@ -57,6 +62,9 @@
 #include "platform/window/keys.h"
 #include "tests/codepagescope.h"
 #include "tests/edit/editscript.h"
+#include "tests/edit/scriptedhints.h"
+#include "platform/window/cursor.h"
+#include "src/resources/cursors.h"
 #include "tests/view/viewtest.h"
 
 namespace {
@@ -173,7 +181,7 @@ private:
         if (!SetupValue("nodoc")) {
             m_doc = CreateHtmlDocument();
             m_doc->SetText(start.text);
-            m_ctrl->SetDocument(m_doc.Get());
+            m_ctrl->SetDocument(ScriptedDocument());
             m_ctrl->SetSelection(start.active, start.anchor);
         }
         if (!SetupValue("nofocus") && m_ctrl->HasWindow()) m_platform->MoveFocus(m_ctrl->GetSafeHwnd());
@@ -181,6 +189,18 @@ private:
         m_log.events.clear();
         m_nEventsSeen = 0;
         m_platform->ResetBeeps();
+    }
+
+    // The document itself, or the wrapper that answers the case's own items and descriptions.
+    IDispatch* ScriptedDocument() {
+        m_hints = std::make_unique<CScriptedHints>(m_doc.Get());
+        bool scripted = false;
+        for (const EditStep& s : m_case.setup) {
+            if (s.verb != "item" && s.verb != "doc") continue;
+            scripted = true;
+            EXPECT_TRUE(s.verb == "item" ? m_hints->AddItem(s.rest) : m_hints->AddDoc(s.rest)) << "line " << s.line;
+        }
+        return scripted ? static_cast<IDispatch*>(m_hints.get()) : static_cast<IDispatch*>(m_doc.Get());
     }
 
     void SetProperties(const std::string& assignments) {
@@ -224,6 +244,9 @@ private:
             {"dragdrop", &CEditPlayer::DragDrop}, {"dragcancel", &CEditPlayer::DragCancel},
             {"dragin", &CEditPlayer::DragIn},     {"dragresult", &CEditPlayer::DragResult},
             {"answers", &CEditPlayer::Answers},
+            {"hover", &CEditPlayer::Hover},       {"hold", &CEditPlayer::Hold},
+            {"leave", &CEditPlayer::Leave},       {"tip", &CEditPlayer::Tip},
+            {"cursor", &CEditPlayer::Cursor},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -380,6 +403,40 @@ private:
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
     void Lock(const std::string&) { m_doc->SetLocked(true); }
     void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
+
+    // --- Tips and cursors ---
+
+    void Hover(const std::string& what) {
+        const POINT pt = PointOf(what);
+        POINT screen = pt;
+        ClientToScreen(Hwnd(), &screen);
+        m_platform->SetCursorPos(screen);
+        SendMessage(Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(Hwnd()), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        SendMessage(Hwnd(), WM_MOUSEMOVE, 0, MAKELPARAM(pt.x, pt.y));
+    }
+    void Hold(const std::string& keys) {
+        m_platform->SetKeyDown(VK_SHIFT, keys.find("Shift") != std::string::npos);
+        m_platform->SetKeyDown(VK_CONTROL, keys.find("Ctrl") != std::string::npos);
+    }
+    void Leave(const std::string&) { SendMessage(Hwnd(), WM_MOUSELEAVE, 0, 0); }
+    // What the tip's window shows, which must be what the tip says it shows.
+    void Tip(const std::string& expected) {
+        const HWND tip = m_ctrl->ToolTip().GetSafeHwnd();
+        ASSERT_TRUE(tip) << "no tip window";
+        const CTestWindowBackend& window = *TestWindow(tip);
+        EXPECT_EQ(window.Shown(), m_ctrl->ToolTip().IsShowing());
+        EXPECT_EQ(m_ctrl->m_bTipShown, window.Shown() ? TRUE : FALSE);
+        const std::string text = expected == "none" ? "none" : ParseMarkedText(expected.substr(1, expected.size() - 2)).text;
+        EXPECT_EQ(window.Shown() ? window.Text() : "none", text);
+    }
+    void Cursor(const std::string& name) {
+        static const std::map<std::string, UINT> ids = {
+            {"arrow", IDC_ARROW},         {"ibeam", IDC_IBEAM},        {"gutter", IDC_GUTTER_ARROW},
+            {"hint", IDC_HINT_ARROW},     {"doc", IDC_DOC_ARROW},      {"expand", IDC_GUTTER_EXPAND},
+            {"collapse", IDC_GUTTER_COLLAPSE}};
+        ASSERT_TRUE(ids.count(name)) << "unknown cursor " << name;
+        EXPECT_EQ(m_platform->CurrentCursor(), ids.at(name));
+    }
 
     // --- Drags ---
 
@@ -595,6 +652,7 @@ private:
     ComPtr<IDispatch> m_control;
     CZentrelCtrl* m_ctrl = nullptr;
     ComPtr<CHtmlDocument> m_doc;
+    std::unique_ptr<CScriptedHints> m_hints;
     CEventLog m_log;
     DWORD m_cookie = 0;
     size_t m_nEventsSeen = 0;

@@ -1,0 +1,79 @@
+// What accessibility costs a keystroke: characters typed in the middle of generated HTML of each
+// size given in megabytes (default 100), in a 1000 x 800 Qt window, each through the whole path
+// up to its repaint, in alternating rounds with Qt's accessibility off and on. While it is on, a
+// stand-in for a screen reader hears every event and reads what one reads after a keystroke:
+// the line at the caret, the character and the word under it, and the selection.
+// Prints the median microseconds of each and their ratio (on / off), which should stay below 1.1.
+// Usage: bench_accessibility [MEGABYTES...]
+#include <QAccessible>
+#include <QApplication>
+#include <string>
+#include <vector>
+
+#include "bench/htmlgen.h"
+#include "bench/viewwindow.h"
+#include "platform/qt/qtwindow.h"
+
+namespace {
+
+using namespace bench;
+
+constexpr int kRounds = 10;
+constexpr int kKeysPerRound = 200;
+
+long g_nEventsHeard = 0;
+
+// Reads through the accessible interface what a screen reader speaks after an edit or a move.
+void ScreenReader(QAccessibleEvent* event) {
+    ++g_nEventsHeard;
+    QAccessibleInterface* face = event->accessibleInterface();
+    QAccessibleTextInterface* text = face ? face->textInterface() : nullptr;
+    if (!text) return;
+    const int caret = text->cursorPosition();
+    int start = 0, end = 0;
+    text->textAtOffset(caret, QAccessible::LineBoundary, &start, &end);
+    text->textAtOffset(caret, QAccessible::CharBoundary, &start, &end);
+    text->textAtOffset(caret, QAccessible::WordBoundary, &start, &end);
+    text->selection(0, &start, &end);
+}
+
+void MeasureSize(double megabytes) {
+    const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    doc->SetText(htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6)));
+    CView view(doc.Get(), true);
+    const long mid = doc->GetLength() / 2;
+    view->SetSelection(mid, mid);
+    view->ScrollCaretIntoView();
+    UpdateWindow(view.Hwnd());
+    QAccessible::installUpdateHandler(ScreenReader);
+    std::vector<double> off, on;
+    for (int round = 0; round < kRounds; ++round) {
+        for (bool active : {false, true}) {
+            QAccessible::setActive(active);
+            const std::vector<double> micros = TypeBurst(view, kKeysPerRound);
+            (active ? on : off).insert((active ? on : off).end(), micros.begin(), micros.end());
+        }
+    }
+    QAccessible::setActive(false);
+    QAccessible::installUpdateHandler(nullptr);
+    const double offMedian = Percentile(off, 0.5), onMedian = Percentile(on, 0.5);
+    Print("keystroke_" + tag + "_median", offMedian, "us");
+    Print("keystroke_accessible_" + tag + "_median", onMedian, "us");
+    Print("keystroke_accessible_" + tag + "_ratio", onMedian / offMedian, "x");
+    Print("accessible_events_" + tag, static_cast<double>(g_nEventsHeard), "events");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        static char self[] = "bench_accessibility", hundred[] = "100";
+        static char* defaults[] = {self, hundred, nullptr};
+        argc = 2;
+        argv = defaults;
+    }
+    return RunViewBenchmark(argc, argv, [](const std::vector<double>& sizes) {
+        for (double megabytes : sizes) MeasureSize(megabytes);
+    }, nullptr);
+}
