@@ -12,7 +12,23 @@ QAccessibleInterface* ControlFactory(const QString&, QObject* object) {
     return nullptr;
 }
 
+AccessibleListener& Listener() {
+    static AccessibleListener listener = nullptr;
+    return listener;
+}
+
+void Post(QAccessibleEvent* event) {
+    if (Listener())
+        Listener()(event);
+    else
+        QAccessible::updateAccessibility(event);
+}
+
 }  // namespace
+
+void SetAccessibleListener(AccessibleListener listener) { Listener() = listener; }
+
+bool AccessibleEventsHeard() { return Listener() || QAccessible::isActive(); }
 
 void InstallAccessibleFactory() {
     static const bool installed = [] {
@@ -23,18 +39,18 @@ void InstallAccessibleFactory() {
 }
 
 void PostAccessibleEvent(CQtControlWidget* widget, const AccessibleTextEvent& event) {
-    if (!QAccessible::isActive()) return;
+    if (!AccessibleEventsHeard()) return;
     switch (event.kind) {
         case AccessibleTextEvent::Inserted: {
             QAccessibleTextInsertEvent e(widget, static_cast<int>(event.pos), QtTextFromCodePage(event.text));
-            QAccessible::updateAccessibility(&e);
+            Post(&e);
             break;
         }
         case AccessibleTextEvent::Removed: {
             // The bytes are gone from the text before the window hears of it: the event tells
             // where and how many.
             QAccessibleTextRemoveEvent e(widget, static_cast<int>(event.pos), QString(static_cast<int>(event.count), QChar(' ')));
-            QAccessible::updateAccessibility(&e);
+            Post(&e);
             break;
         }
         case AccessibleTextEvent::Caret: {
@@ -42,10 +58,10 @@ void PostAccessibleEvent(CQtControlWidget* widget, const AccessibleTextEvent& ev
                 QAccessibleTextSelectionEvent s(widget, static_cast<int>(std::min(event.pos, event.anchor)),
                                                 static_cast<int>(std::max(event.pos, event.anchor)));
                 s.setCursorPosition(static_cast<int>(event.pos));
-                QAccessible::updateAccessibility(&s);
+                Post(&s);
             }
             QAccessibleTextCursorEvent c(widget, static_cast<int>(event.pos));
-            QAccessible::updateAccessibility(&c);
+            Post(&c);
             break;
         }
     }

@@ -56,5 +56,12 @@ private:
 
 // Makes the accessible interface of every control widget; installed once by the Qt backend.
 void InstallAccessibleFactory();
-// Tells Qt's accessibility layer of a window's event, from its widget.
+
+// Where the control widgets' accessible events go: Qt's accessibility layer while it is active
+// (a screen reader listens). A listener given here hears them instead, active or not, for
+// tools and tests on platforms without an accessibility bridge; null takes it away.
+using AccessibleListener = void (*)(QAccessibleEvent* event);
+void SetAccessibleListener(AccessibleListener listener);
+bool AccessibleEventsHeard();
+// Tells the accessibility layer of a window's event, from its widget.
 void PostAccessibleEvent(CQtControlWidget* widget, const AccessibleTextEvent& event);

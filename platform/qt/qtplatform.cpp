@@ -124,7 +124,7 @@ void CQtPlatform::SetWaitCursor(bool on) {
 }
 
 void CQtPlatform::SetCursor(UINT id) {
-    if (QWidget* widget = CQtControlWidget::MouseWidget()) widget->viewport()->setCursor(QtCursor(id));
+    if (CQtControlWidget* widget = CQtControlWidget::MouseWidget()) widget->viewport()->setCursor(QtCursor(id));
 }
 
 POINT CQtPlatform::CursorPos() {

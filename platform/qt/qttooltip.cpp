@@ -44,17 +44,25 @@ void CQtToolTip::KillTimer(UINT id) {
     if (auto it = m_timers.find(id); it != m_timers.end()) it->second->stop();
 }
 
+// One line, or lines broken at words where one would be wider than half the screen.
 void CQtToolTip::SetText(const std::string& text) {
-    if (QLabel* label = Label()) {
-        label->setText(QtTextFromCodePage(text));
-        label->adjustSize();
-    }
+    QLabel* label = Label();
+    if (!label) return;
+    label->setText(QtTextFromCodePage(text));
+    label->setWordWrap(false);
+    label->setMaximumWidth(QWIDGETSIZE_MAX);
+    label->adjustSize();
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const int widest = screen ? screen->availableGeometry().width() / 2 : 600;
+    if (label->width() <= widest) return;
+    label->setWordWrap(true);
+    label->setMaximumWidth(widest);
+    label->adjustSize();
 }
 
 void CQtToolTip::Move(const RECT& rc) {
     QLabel* label = Label();
     if (!label) return;
-    label->adjustSize();
     QPoint at(rc.left, rc.top);
     if (const QScreen* screen = QGuiApplication::screenAt(at) ? QGuiApplication::screenAt(at) : QGuiApplication::primaryScreen()) {
         const QRect area = screen->availableGeometry();

@@ -1,6 +1,5 @@
 #include "platform/qt/qtwindowbackend.h"
 
-#include <QAccessible>
 #include <algorithm>
 
 #include "platform/qt/qtaccessible.h"
@@ -102,7 +101,7 @@ POINT CQtWindowBackend::ClientOrigin() const {
     return {p.x(), p.y()};
 }
 
-bool CQtWindowBackend::AccessibilityActive() const { return QAccessible::isActive(); }
+bool CQtWindowBackend::AccessibilityActive() const { return AccessibleEventsHeard(); }
 
 void CQtWindowBackend::AccessibleEvent(const AccessibleTextEvent& event) {
     if (m_pWidget) PostAccessibleEvent(m_pWidget, event);

@@ -84,9 +84,9 @@ void Paint(CursorImage* image, const Shape& shape, int scale, uint32_t body, uin
         }
 }
 
-// The arrow's body: its tip one pixel in from the corner, so that the border reaches the corner.
+// The arrow's body: its tip one pixel in from the corner, so that the border takes the corner.
 Shape ArrowBody() {
-    return Polygon({{1, 1}, {1, 16.6}, {4.4, 13.3}, {6.9, 19.2}, {8.9, 18.3}, {6.5, 12.5}, {10, 12.5}});
+    return Polygon({{1, 0.2}, {1, 16.6}, {4.4, 13.3}, {6.9, 19.2}, {8.9, 18.3}, {6.5, 12.5}, {10, 12.5}});
 }
 
 // The gutter's arrow, pointing up to the right with its tip at column 10.
