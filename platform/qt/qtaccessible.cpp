@@ -176,26 +176,26 @@ QString CQtAccessibleControl::textAtOffset(int offset, QAccessible::TextBoundary
     return Stretch(start, end, startOffset, endOffset);
 }
 
-QString CQtAccessibleControl::textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* startOffset,
-                                               int* endOffset) const {
+// The stretch before or after the one at `offset`; nothing at either end of the text.
+QString CQtAccessibleControl::Neighbour(int offset, QAccessible::TextBoundaryType type, bool after, int* startOffset,
+                                        int* endOffset) const {
     *startOffset = *endOffset = -1;
     if (!Text() || type == QAccessible::NoBoundary) return {};
     long start, end;
     Bounds(offset, type, &start, &end);
-    if (start <= 0) return {};
-    Bounds(start - 1, type, &start, &end);
+    if (after ? end >= Text()->Length() : start <= 0) return {};
+    Bounds(after ? end : start - 1, type, &start, &end);
     return Stretch(start, end, startOffset, endOffset);
+}
+
+QString CQtAccessibleControl::textBeforeOffset(int offset, QAccessible::TextBoundaryType type, int* startOffset,
+                                               int* endOffset) const {
+    return Neighbour(offset, type, false, startOffset, endOffset);
 }
 
 QString CQtAccessibleControl::textAfterOffset(int offset, QAccessible::TextBoundaryType type, int* startOffset,
                                               int* endOffset) const {
-    *startOffset = *endOffset = -1;
-    if (!Text() || type == QAccessible::NoBoundary) return {};
-    long start, end;
-    Bounds(offset, type, &start, &end);
-    if (end >= Text()->Length()) return {};
-    Bounds(end, type, &start, &end);
-    return Stretch(start, end, startOffset, endOffset);
+    return Neighbour(offset, type, true, startOffset, endOffset);
 }
 
 int CQtAccessibleControl::characterCount() const {

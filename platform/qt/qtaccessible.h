@@ -52,6 +52,7 @@ private:
     // The stretch of the given kind around `offset`.
     void Bounds(long offset, QAccessible::TextBoundaryType type, long* start, long* end) const;
     QString Stretch(long start, long end, int* startOffset, int* endOffset) const;
+    QString Neighbour(int offset, QAccessible::TextBoundaryType type, bool after, int* startOffset, int* endOffset) const;
 };
 
 // Makes the accessible interface of every control widget; installed once by the Qt backend.

@@ -7,7 +7,22 @@
 
 namespace {
 
-class CItem final : public ISourceSyntaxItem, public ISourceHintItem {
+// The count of the small objects below, which end with their last reference.
+class CCounted {
+protected:
+    virtual ~CCounted() = default;
+    ULONG Add() { return m_refs.Increment(); }
+    ULONG Drop() {
+        const ULONG n = m_refs.Decrement();
+        if (!n) delete this;
+        return n;
+    }
+
+private:
+    CRefCount m_refs;
+};
+
+class CItem final : public ISourceSyntaxItem, public ISourceHintItem, private CCounted {
 public:
     CItem(long kind, bool hasHint, std::string hint) : m_kind(kind), m_hasHint(hasHint), m_hint(std::move(hint)) {}
     HRESULT QueryInterface(REFIID riid, void** ppv) override {
@@ -16,12 +31,8 @@ public:
         *ppv = nullptr;
         return E_NOINTERFACE;
     }
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override {
-        const ULONG n = m_refs.Decrement();
-        if (!n) delete this;
-        return n;
-    }
+    ULONG AddRef() override { return Add(); }
+    ULONG Release() override { return Drop(); }
     long GetItemKind() override { return m_kind; }
     HRESULT GetHintText(std::string* out) override {
         *out = m_hint;
@@ -32,10 +43,9 @@ private:
     long m_kind;
     bool m_hasHint;
     std::string m_hint;
-    CRefCount m_refs;
 };
 
-class CDoc final : public ISourceDocItem, public ISourceDocLink {
+class CDoc final : public ISourceDocItem, public ISourceDocLink, private CCounted {
 public:
     explicit CDoc(std::shared_ptr<CScriptedHints::DocSpec> spec) : m_spec(std::move(spec)) {}
     HRESULT QueryInterface(REFIID riid, void** ppv) override {
@@ -44,12 +54,8 @@ public:
         *ppv = nullptr;
         return E_NOINTERFACE;
     }
-    ULONG AddRef() override { return m_refs.Increment(); }
-    ULONG Release() override {
-        const ULONG n = m_refs.Decrement();
-        if (!n) delete this;
-        return n;
-    }
+    ULONG AddRef() override { return Add(); }
+    ULONG Release() override { return Drop(); }
     HRESULT GetDescription(std::string* out) override {
         *out = m_spec->description;
         return S_OK;
@@ -74,7 +80,6 @@ public:
 
 private:
     std::shared_ptr<CScriptedHints::DocSpec> m_spec;
-    CRefCount m_refs;
 };
 
 // Words, where a "quoted" word is an escaped text that may hold spaces.
