@@ -198,7 +198,8 @@ private:
         for (const EditStep& s : m_case.setup) {
             if (s.verb != "item" && s.verb != "doc") continue;
             scripted = true;
-            EXPECT_TRUE(s.verb == "item" ? m_hints->AddItem(s.rest) : m_hints->AddDoc(s.rest)) << "line " << s.line;
+            const std::vector<Variant> args = CallArgs(s.rest);
+            EXPECT_TRUE(s.verb == "item" ? m_hints->AddItem(args) : m_hints->AddDoc(args)) << "line " << s.line;
         }
         return scripted ? static_cast<IDispatch*>(m_hints.get()) : static_cast<IDispatch*>(m_doc.Get());
     }

@@ -1,9 +1,6 @@
 #include "tests/edit/scriptedhints.h"
 
-#include <algorithm>
-#include <cstdio>
 
-#include "tests/edit/editscript.h"
 
 namespace {
 
@@ -82,71 +79,45 @@ private:
     std::shared_ptr<CScriptedHints::DocSpec> m_spec;
 };
 
-// Words, where a "quoted" word is an escaped text that may hold spaces.
-std::vector<std::string> Tokens(const std::string& s) {
-    std::vector<std::string> out;
-    for (size_t i = 0; i < s.size();) {
-        if (s[i] == ' ') {
-            ++i;
-        } else if (s[i] == '"') {
-            const size_t close = s.find('"', i + 1);
-            out.push_back(ParseMarkedText(s.substr(i + 1, close - i - 1)).text);
-            i = close == std::string::npos ? s.size() : close + 1;
-        } else {
-            const size_t end = std::min(s.find(' ', i), s.size());
-            out.push_back(s.substr(i, end - i));
-            i = end;
-        }
-    }
-    return out;
-}
-
-bool ReadSpan(const std::string& word, long* from, long* to) {
-    return std::sscanf(word.c_str(), "%ld-%ld", from, to) == 2;
-}
-
-// "DESC" "SOURCE"|fail [final] from `at`; moves `at` behind what it read.
-std::shared_ptr<CScriptedHints::DocSpec> ReadDoc(const std::vector<std::string>& t, size_t* at) {
-    if (*at + 2 > t.size()) return nullptr;
-    auto spec = std::make_shared<CScriptedHints::DocSpec>();
-    spec->description = t[(*at)++];
-    spec->sourceFails = t[*at] == "fail";
-    spec->source = spec->sourceFails ? "" : t[*at];
-    ++*at;
-    if (*at < t.size() && t[*at] == "final") {
-        spec->final = true;
-        ++*at;
-    }
-    return spec;
+// The long at `i`, or false.
+bool LongAt(const std::vector<Variant>& args, size_t i, long* out) {
+    int32_t v = 0;
+    if (i >= args.size() || args[i].Type() == VT_BSTR || !args[i].ToLong(&v)) return false;
+    *out = v;
+    return true;
 }
 
 }  // namespace
 
-bool CScriptedHints::AddItem(const std::string& rest) {
-    const auto t = Tokens(rest);
-    Span span{0, 0, 0, false, {}, nullptr};
-    if (t.size() < 2 || !ReadSpan(t[0], &span.from, &span.to)) return false;
-    span.kind = std::stol(t[1]);
-    span.hasHint = t.size() > 2;
-    if (span.hasHint) span.hint = t[2];
+bool CScriptedHints::AddItem(const std::vector<Variant>& args) {
+    Span span{0, 0, 0, args.size() > 3, {}, nullptr};
+    if (!LongAt(args, 0, &span.from) || !LongAt(args, 1, &span.to) || !LongAt(args, 2, &span.kind)) return false;
+    if (span.hasHint) span.hint = args[3].StrVal();
     m_spans.push_back(span);
     return true;
 }
 
-bool CScriptedHints::AddDoc(const std::string& rest) {
-    const auto t = Tokens(rest);
+bool CScriptedHints::AddDoc(const std::vector<Variant>& args) {
     Span span{0, 0, -1, false, {}, nullptr};
-    if (t.empty() || !ReadSpan(t[0], &span.from, &span.to)) return false;
-    size_t at = 1;
-    span.doc = ReadDoc(t, &at);
-    if (!span.doc) return false;
-    if (at < t.size() && t[at] == "->") {
-        ++at;
-        span.doc->target = ReadDoc(t, &at);
-        if (!span.doc->target) return false;
-    }
+    if (!LongAt(args, 0, &span.from) || !LongAt(args, 1, &span.to)) return false;
+    std::vector<std::string> texts;
+    long final = 0;
+    for (size_t i = 2; i < args.size(); ++i)
+        if (args[i].Type() == VT_BSTR) texts.push_back(args[i].StrVal());
+        else LongAt(args, i, &final);
+    const auto spec = [&](size_t at) {
+        auto d = std::make_shared<DocSpec>();
+        d->description = texts[at];
+        d->sourceFails = at + 1 >= texts.size();
+        if (!d->sourceFails) d->source = texts[at + 1];
+        return d;
+    };
+    if (texts.empty()) return false;
+    span.doc = spec(0);
+    span.doc->final = final != 0;
+    if (texts.size() >= 4) span.doc->target = spec(2);
     m_spans.push_back(span);
-    return at == t.size();
+    return true;
 }
 
 const CScriptedHints::Span* CScriptedHints::Find(long pos, bool doc) const {

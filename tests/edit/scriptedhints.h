@@ -1,11 +1,10 @@
 // A reference document whose syntax items and documentation a case writes itself, over spans of
 // bytes; everywhere else, and for every other interface, the document answers as it is.
-//   item FROM-TO KIND ["HINT"]                  GetItemAt: an item of KIND; with a hint text
-//                                               it offers ISourceHintItem
-//   doc FROM-TO "DESC" "SOURCE"|fail [final] [-> "DESC" "SOURCE"|fail]
-//                                               GetDocItemAt: a description with its source name
-//                                               (fail: GetSourceName fails), linked to the
-//                                               item behind -> unless final
+//   item FROM TO KIND ["HINT"]     GetItemAt: an item of KIND; with a hint it offers ISourceHintItem
+//   doc FROM TO "DESC" ["SOURCE" ["DESC" "SOURCE"]] [1]
+//                                  GetDocItemAt: a description and its source name (none:
+//                                  GetSourceName fails), linked to a second item where one
+//                                  follows; 1: the item says its link is final
 #pragma once
 #include <memory>
 #include <string>
@@ -16,9 +15,9 @@
 class CScriptedHints final : public IDispatch, public ISourceSyntax {
 public:
     explicit CScriptedHints(CHtmlDocument* doc) : m_doc(doc) {}
-    // One `item` or `doc` line; false for a line it cannot read.
-    bool AddItem(const std::string& rest);
-    bool AddDoc(const std::string& rest);
+    // The arguments of one `item` or `doc` line; false for a line it cannot read.
+    bool AddItem(const std::vector<Variant>& args);
+    bool AddDoc(const std::vector<Variant>& args);
 
     HRESULT QueryInterface(REFIID riid, void** ppv) override;
     ULONG AddRef() override { return ++m_refs; }
