@@ -42,6 +42,7 @@ void ScreenReader(QAccessibleEvent* event) {
 }
 
 void MeasureSize(double megabytes) {
+    g_nEventsHeard = 0;
     const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
     ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
     doc->SetText(htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6)));
