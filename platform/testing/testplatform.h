@@ -41,7 +41,8 @@ public:
 
     // How many BeginWaitCursor calls are not yet ended.
     int WaitCursorDepth() const { return m_nWaitCursor; }
-    // The child controls of a window, in order of creation.
+    // The child controls inside a window, in order of creation; a tip's popup, which the window
+    // owns but which stands on the screen of its own, is not one of them.
     std::vector<HWND> ChildControlsOf(HWND parent) const;
 
     // Sets the clock; no timer fires, and running timers keep the time they have left.
