@@ -9,6 +9,9 @@
 #include <utility>
 
 #include "platform/qt/qtchildcontrol.h"
+#include "platform/qt/qtaccessible.h"
+#include "platform/qt/qtcursor.h"
+#include "platform/qt/qttooltip.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/qt/qtwindowbackend.h"
@@ -30,6 +33,7 @@ CQtPlatform::CQtPlatform()
     : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
       m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousDialogs(SetDialogBackend(&m_dialogs)) {
     m_clock.start();
+    InstallAccessibleFactory();
 }
 
 CQtPlatform::~CQtPlatform() {
@@ -131,6 +135,7 @@ std::unique_ptr<IWindowBackend> CQtPlatform::CreateChildControl(HWND hwnd, Child
     QWidget* parentWidget = ViewportOf(parent);
     if (!parentWidget) return nullptr;
     m_windows.push_back(hwnd);
+    if (kind == ChildControlKind::ToolTip) return std::make_unique<CQtToolTip>(hwnd);
     return std::make_unique<CQtChildControl>(kind, parentWidget, rc);
 }
 
@@ -139,6 +144,10 @@ void CQtPlatform::SetWaitCursor(bool on) {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     else
         QGuiApplication::restoreOverrideCursor();
+}
+
+void CQtPlatform::SetCursor(UINT id) {
+    if (CQtControlWidget* widget = CQtControlWidget::MouseWidget()) widget->viewport()->setCursor(QtCursor(id));
 }
 
 POINT CQtPlatform::CursorPos() {

@@ -53,6 +53,8 @@ public:
     // Each call pushes or pops Qt's override cursor, which nests by itself.
     void SetWaitCursor(bool on) override;
     POINT CursorPos() override;
+    // Shows the cursor over the control widget that the mouse last came to.
+    void SetCursor(UINT id) override;
     UINT DoubleClickTime() override;
     // A frameless tool window that shows without taking the focus, and the primary screen.
     std::unique_ptr<IWindowBackend> CreatePopupBackend(HWND hwnd, HWND owner, const RECT& rc) override;

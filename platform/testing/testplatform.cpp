@@ -117,7 +117,8 @@ std::unique_ptr<IWindowBackend> CTestPlatform::CreateChildControl(HWND hwnd, Chi
 std::vector<HWND> CTestPlatform::ChildControlsOf(HWND parent) const {
     std::vector<HWND> handles;
     for (const CTestWindowBackend* window : m_windows)
-        if (window->IsChildControl() && window->Parent() == parent && IsWindow(window->Handle()))
+        if (window->IsChildControl() && window->Kind() != ChildControlKind::ToolTip && window->Parent() == parent &&
+            IsWindow(window->Handle()))
             handles.push_back(window->Handle());
     return handles;
 }

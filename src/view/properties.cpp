@@ -71,8 +71,11 @@ void CZentrelCtrl::OnOptionChanged(DWORD mask, BOOL on) {
         case OPT_CODECOMPLETION:
             if (!on) HidePicker();
             break;
+        case OPT_AUTOHINT:
+        case OPT_AUTODOC:
+            UpdateToolTipActivation();
+            break;
         default:
-            // AutoHint and AutoDoc act through the tooltip, which reads the bits when it shows.
             break;
     }
 }

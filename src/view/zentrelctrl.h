@@ -13,10 +13,12 @@
 #include "platform/window/dragdrop.h"
 #include "platform/window/keys.h"
 #include "platform/window/olecontrol.h"
+#include "platform/window/tooltip.h"
 #include "src/annotations/bookmarkmanager.h"
 #include "src/annotations/collapsenode.h"
 #include "src/document/sourcetext.h"
 #include "src/edit/completionscan.h"
+#include "src/edit/accessibletext.h"
 #include "src/layout/fontmetrics.h"
 #include "src/layout/layoutrange.h"
 #include "src/layout/lineindex.h"
@@ -325,6 +327,32 @@ public:
     // null, at the stored point; a second call at the same point erases it.
     void DrawDropCaret(const POINT* pt);
 
+    // --- Tag hints and cursors (src/edit/taghints.cpp, mousecursor.cpp) ---
+    static constexpr UINT kToolId = 1;
+    BOOL CreateToolTip();
+    // The tip is on while AutoHint or AutoDoc is.
+    void UpdateToolTipActivation();
+    void SetToolRectToTextArea();
+    // While no tip shows, the tool follows the mouse at (x, y).
+    void MoveToolRect(int x, int y);
+    void RelayToToolTip(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnNotify(WPARAM id, NMHDR* pNMHDR);
+    BOOL OnToolTipNeedText(UINT id, NMHDR* pNMHDR, LRESULT* pResult);
+    BOOL OnToolTipShow(UINT id, NMHDR* pNMHDR, LRESULT* pResult);
+    BOOL OnToolTipPop(UINT id, NMHDR* pNMHDR, LRESULT* pResult);
+    BOOL SupplyHintText(ISourceSyntaxItem* pItem, NMTTDISPINFO* pInfo);
+    BOOL SupplyDescriptionText(long nPos, NMTTDISPINFO* pInfo);
+    BOOL OnSetCursor(HWND pWnd, UINT nHitTest, UINT message);
+    // The id of the cursor for the mouse where it is now.
+    UINT ChooseCursor();
+    UINT GutterCursor(int x, int y);
+    const CToolTipCtrl& ToolTip() const { return m_tooltip; }
+
+    // --- Accessibility (src/edit/accessibletext.cpp) ---
+    // Tell assistive technology of a change of the text and of the caret, while it listens.
+    void TellAccessibleTextChange(long nPos, long nRemoved, long nInserted);
+    void TellAccessibleCaret();
+
     // --- Picker window (src/picker) ---
     BOOL IsPickerVisible() const;
     BOOL PickerHasCurrentRow() const;
@@ -525,7 +553,11 @@ public:
     ISourceTokens* m_pTokens = nullptr;
     ComPtr<IDispatch> m_dispSchema;
 
+    // Accessibility: the text as assistive technology reads it.
+    CAccessibleText m_accessible{this};
+
     // Tag hints.
+    CToolTipCtrl m_tooltip;
     BOOL m_bTipShown = FALSE;
 
     // State flags.

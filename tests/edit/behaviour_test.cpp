@@ -49,7 +49,12 @@
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
 // `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself),
 // `pickerevents` (`events` also lists the picker's: Request... and SyntaxObjectChanged),
-// `desktop L T R B` (the screen's rectangle).
+// `desktop L T R B` (the screen's rectangle), and the document's own syntax items and
+// descriptions over spans (`item`, `doc`: scriptedhints.h).
+// Tips and cursors: `hover POINT` (the mouse comes to POINT as the toolkit moves it: the cursor
+//   is asked for, then the move), `hold Ctrl|Shift|Ctrl+Shift|none` (keys that stay down),
+//   `leave` (the mouse leaves the window); checks `tip "TEXT"|none` (the tip on screen) and
+//   `cursor NAME` (arrow, ibeam, gutter, hint, doc, expand, collapse).
 #include <gtest/gtest.h>
 
 #include <map>
@@ -68,6 +73,9 @@
 #include "tests/codepagescope.h"
 #include "tests/edit/editscript.h"
 #include "src/picker/pickerwindow.h"
+#include "tests/edit/scriptedhints.h"
+#include "platform/window/cursor.h"
+#include "src/resources/cursors.h"
 #include "tests/view/viewtest.h"
 
 namespace {
@@ -199,7 +207,7 @@ private:
         if (!SetupValue("nodoc")) {
             m_doc = CreateHtmlDocument();
             m_doc->SetText(start.text);
-            m_ctrl->SetDocument(m_doc.Get());
+            m_ctrl->SetDocument(ScriptedDocument());
             m_ctrl->SetSelection(start.active, start.anchor);
         }
         if (!SetupValue("nofocus") && m_ctrl->HasWindow()) m_platform->MoveFocus(m_ctrl->GetSafeHwnd());
@@ -207,6 +215,19 @@ private:
         m_log.events.clear();
         m_nEventsSeen = 0;
         m_platform->ResetBeeps();
+    }
+
+    // The document itself, or the wrapper that answers the case's own items and descriptions.
+    IDispatch* ScriptedDocument() {
+        m_hints = std::make_unique<CScriptedHints>(m_doc.Get());
+        bool scripted = false;
+        for (const EditStep& s : m_case.setup) {
+            if (s.verb != "item" && s.verb != "doc") continue;
+            scripted = true;
+            const std::vector<Variant> args = CallArgs(s.rest);
+            EXPECT_TRUE(s.verb == "item" ? m_hints->AddItem(args) : m_hints->AddDoc(args)) << "line " << s.line;
+        }
+        return scripted ? static_cast<IDispatch*>(m_hints.get()) : static_cast<IDispatch*>(m_doc.Get());
     }
 
     void SetProperties(const std::string& assignments) {
@@ -255,6 +276,9 @@ private:
             {"pickdblclick", &CEditPlayer::PickDblClick}, {"pickrclick", &CEditPlayer::PickRClick},
             {"host", &CEditPlayer::HostAnswer},    {"dialog", &CEditPlayer::DialogAnswer},
             {"dialogs", &CEditPlayer::DialogCalls}, {"place", &CEditPlayer::PickerPlace},
+            {"hover", &CEditPlayer::Hover},       {"hold", &CEditPlayer::Hold},
+            {"leave", &CEditPlayer::Leave},       {"tip", &CEditPlayer::Tip},
+            {"cursor", &CEditPlayer::Cursor},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -411,6 +435,40 @@ private:
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
     void Lock(const std::string&) { m_doc->SetLocked(true); }
     void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
+
+    // --- Tips and cursors ---
+
+    void Hover(const std::string& what) {
+        const POINT pt = PointOf(what);
+        POINT screen = pt;
+        ClientToScreen(Hwnd(), &screen);
+        m_platform->SetCursorPos(screen);
+        SendMessage(Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(Hwnd()), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        SendMessage(Hwnd(), WM_MOUSEMOVE, 0, MAKELPARAM(pt.x, pt.y));
+    }
+    void Hold(const std::string& keys) {
+        m_platform->SetKeyDown(VK_SHIFT, keys.find("Shift") != std::string::npos);
+        m_platform->SetKeyDown(VK_CONTROL, keys.find("Ctrl") != std::string::npos);
+    }
+    void Leave(const std::string&) { SendMessage(Hwnd(), WM_MOUSELEAVE, 0, 0); }
+    // What the tip's window shows, which must be what the tip says it shows.
+    void Tip(const std::string& expected) {
+        const HWND tip = m_ctrl->ToolTip().GetSafeHwnd();
+        ASSERT_TRUE(tip) << "no tip window";
+        const CTestWindowBackend& window = *TestWindow(tip);
+        EXPECT_EQ(window.Shown(), m_ctrl->ToolTip().IsShowing());
+        EXPECT_EQ(m_ctrl->m_bTipShown, window.Shown() ? TRUE : FALSE);
+        const std::string text = expected == "none" ? "none" : ParseMarkedText(expected.substr(1, expected.size() - 2)).text;
+        EXPECT_EQ(window.Shown() ? window.Text() : "none", text);
+    }
+    void Cursor(const std::string& name) {
+        static const std::map<std::string, UINT> ids = {
+            {"arrow", IDC_ARROW},         {"ibeam", IDC_IBEAM},        {"gutter", IDC_GUTTER_ARROW},
+            {"hint", IDC_HINT_ARROW},     {"doc", IDC_DOC_ARROW},      {"expand", IDC_GUTTER_EXPAND},
+            {"collapse", IDC_GUTTER_COLLAPSE}};
+        ASSERT_TRUE(ids.count(name)) << "unknown cursor " << name;
+        EXPECT_EQ(m_platform->CurrentCursor(), ids.at(name));
+    }
 
     // --- Drags ---
 
@@ -704,6 +762,7 @@ private:
     ComPtr<IDispatch> m_control;
     CZentrelCtrl* m_ctrl = nullptr;
     ComPtr<CHtmlDocument> m_doc;
+    std::unique_ptr<CScriptedHints> m_hints;
     CEventLog m_log;
     DWORD m_cookie = 0;
     size_t m_nEventsSeen = 0;

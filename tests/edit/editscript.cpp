@@ -62,8 +62,9 @@ void ReadFile(const std::filesystem::path& path, std::vector<EditCase>* cases) {
             ADD_FAILURE() << path << ":" << number << ": a line before the first case";
             continue;
         }
-        static const char* const kSetup[] = {"text", "options", "codepage", "wrapcolumns", "nodoc", "nofocus", "pickerevents", "desktop",
-                                             "size", "rows", "nowindow", "swapbuttons", "takedrops"};
+        static const char* const kSetup[] = {"text", "options", "codepage", "wrapcolumns", "nodoc", "nofocus",
+                                             "pickerevents", "desktop", "size", "rows", "nowindow", "swapbuttons",
+                                             "takedrops", "item", "doc"};
         const bool setup = std::find(std::begin(kSetup), std::end(kSetup), step.verb) != std::end(kSetup);
         (setup ? cases->back().setup : cases->back().steps).push_back(step);
     }
