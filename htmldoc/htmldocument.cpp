@@ -97,7 +97,6 @@ HRESULT CHtmlDocument::GetTextPointerAt(long pos, char** out) {
 
 HRESULT CHtmlDocument::CreateRange(ISourceRange** out) {
     if (!out) return E_POINTER;
-    m_ranges.Prune();
     ComPtr<CSourceRange> range(new CSourceRange(this));
     m_ranges.Add(range);
     *out = range.Detach();

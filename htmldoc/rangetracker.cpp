@@ -6,6 +6,10 @@
 #include "htmldoc/sourcerange.h"
 
 void CRangeTracker::Add(ComPtr<CSourceRange> range) {
+    if (m_ranges.size() >= m_nPruneAt) {
+        Prune();
+        m_nPruneAt = std::max(kPruneFloor, 2 * m_ranges.size());
+    }
     range->m_group = Group::Following;
     m_following.push_back(range.Get());
     m_ranges.push_back(std::move(range));
@@ -30,7 +34,12 @@ void CRangeTracker::Prune() {
         return range->Release() != 1;
     };
     const auto gone = std::stable_partition(m_ranges.begin(), m_ranges.end(), reachable);
-    for (auto it = gone; it != m_ranges.end(); ++it) std::erase(m_following, it->Get());
+    if (gone == m_ranges.end()) return;
+    // Only a range that is being dropped has lost every reference but ours.
+    std::erase_if(m_following, [](CSourceRange* range) {
+        range->AddRef();
+        return range->Release() == 1;
+    });
     // Released only after the lists are consistent again.
     std::vector<ComPtr<CSourceRange>> unreachable(std::make_move_iterator(gone), std::make_move_iterator(m_ranges.end()));
     m_ranges.erase(gone, m_ranges.end());

@@ -28,12 +28,16 @@ public:
     // Below this many following ranges a pass over them costs less than a regrouping.
     static constexpr std::size_t kDefaultFollowingFloor = 256;
     enum class Group : unsigned char { Following, Still, Shifted };
+    // Below this many ranges Add never prunes.
+    static constexpr std::size_t kPruneFloor = 64;
 
     CRangeTracker() = default;
     CRangeTracker(const CRangeTracker&) = delete;
     CRangeTracker& operator=(const CRangeTracker&) = delete;
 
-    // Tracks a new range; it follows the edits one by one until the next regrouping.
+    // Tracks a new range; it follows the edits one by one until the next regrouping. Ranges no
+    // one holds any more are dropped first whenever the count has doubled since the last time,
+    // so that making n ranges costs O(n) in all.
     void Add(ComPtr<CSourceRange> range);
     // Stops tracking the range; null if it was not tracked.
     ComPtr<CSourceRange> Remove(ISourceRange* range);
@@ -74,6 +78,7 @@ private:
     std::vector<ComPtr<CSourceRange>> m_ranges;  // the tracking references
     std::vector<CSourceRange*> m_following;      // the following group, not counted
     std::size_t m_nFollowingLimit = 0;           // the group's size that makes the next edit regroup
+    std::size_t m_nPruneAt = kPruneFloor;        // the count of ranges that makes the next Add prune
     long m_nNearBytes = kDefaultNearBytes;
     std::size_t m_nFollowingFloor = kDefaultFollowingFloor;
     long m_nShift = 0;

@@ -130,7 +130,9 @@ public:
     // A bitmap of this device's kind; FALSE on failure.
     virtual BOOL CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) = 0;
     // A bitmap of this device's kind holding cx times cy pixels, row by row; FALSE on failure.
-    virtual BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) = 0;
+    // `doubled`, when not null, is the same picture at twice the resolution (2cx by 2cy pixels),
+    // which a device of high density keeps instead, to draw it sharp at the same logical size.
+    virtual BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) = 0;
     virtual bool IsPrinting() const { return false; }
 
     // --- For the window layer ---

@@ -63,6 +63,8 @@ CQtChildControl::CQtChildControl(ChildControlKind kind, QWidget* parent, const R
     m_pWidget->hide();
 }
 
+CQtChildControl::CQtChildControl(QWidget* widget) : m_pWidget(widget) { m_pWidget->hide(); }
+
 CQtChildControl::~CQtChildControl() { delete m_pWidget.data(); }
 
 RECT CQtChildControl::ClientRect() const {

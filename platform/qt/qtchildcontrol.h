@@ -39,6 +39,8 @@ private:
 class CQtChildControl : public IWindowBackend {
 public:
     CQtChildControl(ChildControlKind kind, QWidget* parent, const RECT& rc);
+    // A control around a widget made elsewhere, hidden until shown.
+    explicit CQtChildControl(QWidget* widget);
     ~CQtChildControl() override;
     CQtChildControl(const CQtChildControl&) = delete;
     CQtChildControl& operator=(const CQtChildControl&) = delete;

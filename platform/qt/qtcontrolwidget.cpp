@@ -6,6 +6,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
+#include <QPointer>
 #include <QScrollBar>
 #include <QTimerEvent>
 #include <QWheelEvent>
@@ -19,7 +20,9 @@
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/qt/qtwindowbackend.h"
+#include "platform/window/cursor.h"
 #include "platform/window/scrollbar.h"
+#include "platform/window/tooltip.h"
 
 namespace {
 
@@ -156,6 +159,7 @@ bool CQtControlWidget::event(QEvent* e) {
 bool CQtControlWidget::viewportEvent(QEvent* e) {
     CDelivery delivery;
     const CQtInputState state = InputStateOf(e);
+    if (e->type() == QEvent::Leave) Send(WM_MOUSELEAVE, 0, 0);
     return QAbstractScrollArea::viewportEvent(e);
 }
 
@@ -282,8 +286,22 @@ void CQtControlWidget::mouseDoubleClickEvent(QMouseEvent* e) {
     MouseButton(e, WM_LBUTTONDBLCLK, WM_RBUTTONDBLCLK, WM_MBUTTONDBLCLK);
 }
 
+namespace {
+
+QPointer<CQtControlWidget>& MouseWidgetPointer() {
+    static QPointer<CQtControlWidget> widget;
+    return widget;
+}
+
+}  // namespace
+
+CQtControlWidget* CQtControlWidget::MouseWidget() { return MouseWidgetPointer().data(); }
+
+// The window chooses the cursor ahead of each move, as it would on a desktop that asks first.
 void CQtControlWidget::mouseMoveEvent(QMouseEvent* e) {
     e->accept();
+    MouseWidgetPointer() = this;
+    Send(WM_SETCURSOR, reinterpret_cast<WPARAM>(m_hwnd), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
     Send(WM_MOUSEMOVE, MouseKeysFromQt(e->buttons(), e->modifiers()), PointParam(e->position()));
 }
 

@@ -37,6 +37,9 @@ public:
     // True while any control widget is delivering a Qt event to a handler; a widget must then
     // not be deleted at once, since Qt is still working with it.
     static bool IsDelivering() { return s_nDelivering > 0; }
+    // The control widget the mouse last moved in, which shows the cursor its window sets; null
+    // once it has gone.
+    static CQtControlWidget* MouseWidget();
 
     // Lays the viewport out at once, so that the client size is right before the widget is shown.
     void LayOutNow() { setViewportMargins(0, 0, 0, 0); }
@@ -103,6 +106,8 @@ private:
     void ScrollAction(QScrollBar* bar, UINT message, int action);
     void ThumbReleased(QScrollBar* bar, UINT message);
     void EnsureSurface();
+    // The surface's extent in logical units.
+    QRect SurfaceRect() const { return QRect(QPoint(0, 0), m_surface.deviceIndependentSize().toSize()); }
     QRegion DeliverPaint();
     void Present(const QRegion& region);
     void Show(const QRegion& region);

@@ -2,6 +2,7 @@
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QtMath>
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -40,7 +41,32 @@ void ReturnPooled(QImage&& image) {
 
 }  // namespace
 
-CQtBitmap::CQtBitmap(int cx, int cy) : m_image(TakePooled(cx, cy)) {}
+CQtBitmap::CQtBitmap(int cx, int cy, qreal ratio)
+    : m_size{cx, cy}, m_image(TakePooled(qCeil(cx * ratio), qCeil(cy * ratio))) {
+    m_image.setDevicePixelRatio(ratio);
+}
+
+namespace {
+
+// Whether an image holds one pixel per logical unit, so that its rows can be copied as they are.
+bool OnePixelPerUnit(const QImage& image) { return image.devicePixelRatio() == 1; }
+
+// A logical rectangle of an image in the image's own pixels.
+QRectF PixelsOf(const QImage& image, const QRect& logical) {
+    const qreal r = image.devicePixelRatio();
+    return QRectF(logical.x() * r, logical.y() * r, logical.width() * r, logical.height() * r);
+}
+
+// Fills an image row by row from pixels given as colour references.
+void FillPixels(QImage& image, const COLORREF* pixels) {
+    const int cx = image.width();
+    for (int y = 0; y < image.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < cx; ++x) row[x] = QColorFromColorRef(pixels[static_cast<size_t>(y) * cx + x]).rgb();
+    }
+}
+
+}  // namespace
 
 CQtBitmap::~CQtBitmap() {
     if (!m_image.isNull()) ReturnPooled(std::move(m_image));
@@ -56,6 +82,7 @@ std::unique_ptr<CQtDC> CQtDC::Screen() {
     const QScreen* screen = QGuiApplication::primaryScreen();
     const QSize size = screen ? screen->size() : QSize(1920, 1080);
     dc->m_rcScreen = {0, 0, size.width(), size.height()};
+    dc->m_ratio = screen ? screen->devicePixelRatio() : 1;
     dc->UpdateVisible();
     return dc;
 }
@@ -67,6 +94,7 @@ CQtDC::~CQtDC() {
 void CQtDC::Start(QImage* image) {
     if (m_painter.isActive()) m_painter.end();
     m_pImage = image && !image->isNull() ? image : nullptr;
+    if (m_pImage) m_ratio = m_pImage->devicePixelRatio();
     if (m_pImage) m_painter.begin(m_pImage);
     m_bClipDirty = true;
     m_clipState = ClipState::Unknown;
@@ -74,31 +102,35 @@ void CQtDC::Start(QImage* image) {
 
 QRect CQtDC::TakeDrawn() { return std::exchange(m_rcDrawn, QRect()); }
 
-std::unique_ptr<CDC> CQtDC::CreateCompatibleDC() { return std::make_unique<CQtDC>(nullptr); }
+std::unique_ptr<CDC> CQtDC::CreateCompatibleDC() {
+    auto dc = std::make_unique<CQtDC>(nullptr);
+    dc->m_ratio = m_ratio;
+    return dc;
+}
 
 BOOL CQtDC::CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) {
     if (!bitmap || cx <= 0 || cy <= 0) return FALSE;
-    auto pixels = std::make_shared<CQtBitmap>(cx, cy);
+    auto pixels = std::make_shared<CQtBitmap>(cx, cy, m_ratio);
     if (pixels->Image().isNull()) return FALSE;
     bitmap->Attach(std::move(pixels));
     return TRUE;
 }
 
-BOOL CQtDC::CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) {
+BOOL CQtDC::CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) {
     if (!bitmap || !pixels || cx <= 0 || cy <= 0) return FALSE;
-    auto made = std::make_shared<CQtBitmap>(cx, cy);
+    const bool sharp = doubled && m_ratio > 1;
+    auto made = std::make_shared<CQtBitmap>(cx, cy, sharp ? 2 : 1);
     QImage& image = made->Image();
     if (image.isNull()) return FALSE;
-    for (int y = 0; y < cy; ++y) {
-        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < cx; ++x) row[x] = QColorFromColorRef(pixels[static_cast<size_t>(y) * cx + x]).rgb();
-    }
+    FillPixels(image, sharp ? doubled : pixels);
     bitmap->Attach(std::move(made));
     return TRUE;
 }
 
 RECT CQtDC::DeviceRect() const {
-    return m_pImage ? RECT{0, 0, m_pImage->width(), m_pImage->height()} : m_rcScreen;
+    if (!m_pImage) return m_rcScreen;
+    const QSize size = m_pImage->deviceIndependentSize().toSize();
+    return RECT{0, 0, size.width(), size.height()};
 }
 
 void CQtDC::BitmapSelected(CBitmapImpl* bitmap) {
@@ -189,7 +221,9 @@ void CQtDC::DrawGlyphs(const TextRunPrimitive& run, QPainter& painter) {
 bool CQtDC::GlyphCellsApply(const TextRunPrimitive& run, const CQtFont& font) const {
     // Only single-byte glyphs of the font's own face whose ink starts inside their cells, in a
     // run that lies wholly over its filled background and wholly in what is visible.
-    if (!run.clip || !m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32) return false;
+    if (!run.clip || !m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32 ||
+        !OnePixelPerUnit(*m_pImage))
+        return false;
     const RECT& clip = *run.clip;
     const RECT& filled = run.filled;
     if (clip.IsEmpty() || filled.left > clip.left || filled.top > clip.top || filled.right < clip.right ||
@@ -321,16 +355,19 @@ BOOL CQtDC::BlitPrimitive(const RECT& dst, CDC& src, const RECT& srcRect) {
     QPainter* p = Painter(QRectFromRect(dst));
     if (!p) return TRUE;
     const QRect target = QRectFromRect(dst);
-    const QRect from = QRectFromRect(srcRect);
+    // The source's part in its own pixels, which are finer than logical units on a screen of
+    // high density.
+    const QRect from = PixelsOf(*source->m_pImage, QRectFromRect(srcRect)).toAlignedRect();
     // A copy within one image reads from a snapshot of the part it reads.
-    const QImage copied = source->m_pImage == m_pImage ? m_pImage->copy(from) : QImage();
+    QImage copied = source->m_pImage == m_pImage ? m_pImage->copy(from) : QImage();
+    copied.setDevicePixelRatio(m_pImage->devicePixelRatio());
     const QImage& image = copied.isNull() ? *source->m_pImage : copied;
     const QRect read = copied.isNull() ? from : QRect(QPoint(0, 0), from.size());
     p->setCompositionMode(QPainter::CompositionMode_Source);
-    if (target.size() == read.size())
+    if (PixelsOf(*m_pImage, target).size() == QSizeF(read.size()))
         p->drawImage(target.topLeft(), image, read);
     else
-        p->drawImage(target, image, read);
+        p->drawImage(QRectF(target), image, QRectF(read));
     p->setCompositionMode(QPainter::CompositionMode_SourceOver);
     Drew(target);
     return TRUE;
@@ -340,7 +377,8 @@ bool CQtDC::CopyPixels(const RECT& dst, const QImage& from, const RECT& srcRect)
     // Rows are copied as they are when nothing is scaled, converted or clipped, which is how an
     // off-screen picture reaches its window.
     if (!m_pImage || &from == m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32 ||
-        from.format() != QImage::Format_RGB32 || dst.Width() != srcRect.Width() || dst.Height() != srcRect.Height())
+        from.format() != QImage::Format_RGB32 || dst.Width() != srcRect.Width() || dst.Height() != srcRect.Height() ||
+        !OnePixelPerUnit(*m_pImage) || !OnePixelPerUnit(from))
         return false;
     if (!QRect(QPoint(0, 0), from.size()).contains(QRectFromRect(srcRect)) || !Visible().InsideOneRect(dst)) return false;
     constexpr int kBytesPerPixel = 4;

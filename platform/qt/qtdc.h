@@ -10,18 +10,20 @@
 
 #include "platform/gdi/dc.h"
 
-// A bitmap's pixels. Pixels of a released bitmap go back to a small pool, so that the
-// off-screen bitmap of every paint does not allocate (and fault in) megabytes anew.
+// A bitmap's pixels: cx by cy in logical units, held at `ratio` pixels per unit for screens of
+// high density. Pixels of a released bitmap go back to a small pool, so that the off-screen
+// bitmap of every paint does not allocate (and fault in) megabytes anew.
 class CQtBitmap : public CBitmapImpl, public std::enable_shared_from_this<CQtBitmap> {
 public:
-    CQtBitmap(int cx, int cy);
+    CQtBitmap(int cx, int cy, qreal ratio = 1);
     ~CQtBitmap() override;
     CQtBitmap(const CQtBitmap&) = delete;
     CQtBitmap& operator=(const CQtBitmap&) = delete;
-    SIZE Size() const override { return {m_image.width(), m_image.height()}; }
+    SIZE Size() const override { return m_size; }
     QImage& Image() { return m_image; }
 
 private:
+    SIZE m_size;
     QImage m_image;
 };
 
@@ -40,7 +42,7 @@ public:
 
     std::unique_ptr<CDC> CreateCompatibleDC() override;
     BOOL CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) override;
-    BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) override;
+    BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) override;
 
 protected:
     // For a context over another device: the painter that the derived class begins on it, and
@@ -81,6 +83,9 @@ private:
     void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);
 
     QImage* m_pImage;
+    // Pixels per logical unit of what the context draws on: 1, or more on a screen of high
+    // density. A memory context keeps its model's and makes its bitmaps at it.
+    qreal m_ratio = 1;
     std::shared_ptr<CQtBitmap> m_pBitmap;  // the selected bitmap stays alive while drawn on
     const bool m_bMemory;  // draws on the bitmap selected into it
     RECT m_rcScreen{};

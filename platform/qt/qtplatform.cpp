@@ -2,12 +2,16 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QScreen>
 #include <QStyleHints>
 #include <QGuiApplication>
 #include <QWidget>
 #include <utility>
 
 #include "platform/qt/qtchildcontrol.h"
+#include "platform/qt/qtaccessible.h"
+#include "platform/qt/qtcursor.h"
+#include "platform/qt/qttooltip.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/qt/qtwindowbackend.h"
@@ -27,10 +31,12 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 
 CQtPlatform::CQtPlatform()
     : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
-      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousPrint(GetPrintBackend()) {
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousDialogs(SetDialogBackend(&m_dialogs)),
+      m_pPreviousPrint(GetPrintBackend()) {
     // A print backend that a host or a test installed first stays: its dialogs answer.
     if (!m_pPreviousPrint) SetPrintBackend(&m_print);
     m_clock.start();
+    InstallAccessibleFactory();
 }
 
 CQtPlatform::~CQtPlatform() {
@@ -40,6 +46,28 @@ CQtPlatform::~CQtPlatform() {
     if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
     if (GetDragDropBackend() == &m_dragDrop) SetDragDropBackend(m_pPreviousDragDrop);
     if (GetPrintBackend() == &m_print) SetPrintBackend(nullptr);
+    if (GetDialogBackend() == &m_dialogs) SetDialogBackend(m_pPreviousDialogs);
+}
+
+std::unique_ptr<IWindowBackend> CQtPlatform::CreatePopupBackend(HWND hwnd, HWND, const RECT& rc) {
+    std::erase_if(m_windows, [](HWND h) { return !IsWindow(h); });
+    m_windows.push_back(hwnd);
+    auto backend = std::make_unique<CQtWindowBackend>(hwnd, nullptr, rc);
+    if (QWidget* widget = backend->Widget()) {
+        widget->setWindowFlags(Qt::ToolTip | Qt::FramelessWindowHint | Qt::WindowDoesNotAcceptFocus);
+        widget->setAttribute(Qt::WA_ShowWithoutActivating);
+        widget->setFocusPolicy(Qt::NoFocus);
+        widget->setGeometry(QRect(static_cast<int>(rc.left), static_cast<int>(rc.top), static_cast<int>(rc.Width()),
+                                  static_cast<int>(rc.Height())));
+    }
+    return backend;
+}
+
+RECT CQtPlatform::DesktopRect() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen) return IPlatformBackend::DesktopRect();
+    const QRect g = screen->geometry();
+    return {g.left(), g.top(), g.right() + 1, g.bottom() + 1};
 }
 
 QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {
@@ -111,6 +139,7 @@ std::unique_ptr<IWindowBackend> CQtPlatform::CreateChildControl(HWND hwnd, Child
     QWidget* parentWidget = ViewportOf(parent);
     if (!parentWidget) return nullptr;
     m_windows.push_back(hwnd);
+    if (kind == ChildControlKind::ToolTip) return std::make_unique<CQtToolTip>(hwnd);
     return std::make_unique<CQtChildControl>(kind, parentWidget, rc);
 }
 
@@ -119,6 +148,10 @@ void CQtPlatform::SetWaitCursor(bool on) {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     else
         QGuiApplication::restoreOverrideCursor();
+}
+
+void CQtPlatform::SetCursor(UINT id) {
+    if (CQtControlWidget* widget = CQtControlWidget::MouseWidget()) widget->viewport()->setCursor(QtCursor(id));
 }
 
 POINT CQtPlatform::CursorPos() {

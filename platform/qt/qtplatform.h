@@ -8,6 +8,7 @@
 #include <Qt>
 
 #include "platform/qt/qtclipboard.h"
+#include "platform/qt/qtdialogs.h"
 #include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtgdi.h"
 #include "platform/qt/qtprintdialogs.h"
@@ -53,7 +54,12 @@ public:
     // Each call pushes or pops Qt's override cursor, which nests by itself.
     void SetWaitCursor(bool on) override;
     POINT CursorPos() override;
+    // Shows the cursor over the control widget that the mouse last came to.
+    void SetCursor(UINT id) override;
     UINT DoubleClickTime() override;
+    // A frameless tool window that shows without taking the focus, and the primary screen.
+    std::unique_ptr<IWindowBackend> CreatePopupBackend(HWND hwnd, HWND owner, const RECT& rc) override;
+    RECT DesktopRect() override;
 
     // Printers and the print dialogs.
     CQtPrintBackend& Print() { return m_print; }
@@ -70,6 +76,8 @@ private:
     IClipboardBackend* m_pPreviousClipboard;
     CQtDragDrop m_dragDrop;
     IDragDropBackend* m_pPreviousDragDrop;
+    CQtDialogs m_dialogs;
+    IDialogBackend* m_pPreviousDialogs;
     CQtPrintBackend m_print;
     IPrintBackend* m_pPreviousPrint;
     QElapsedTimer m_clock;

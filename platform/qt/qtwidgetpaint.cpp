@@ -31,8 +31,10 @@ CRgn RgnFromQRegion(const QRegion& region) {
 }
 
 // Moves the pixels of `from` by (dx, dy) inside the image, row by row in the order that never
-// reads a row already written.
-void ScrollImage(QImage& image, const QRect& from, int dx, int dy) {
+// reads a row already written. All in logical units; the image holds `ratio` pixels per unit.
+void ScrollImage(QImage& image, const QRect& logical, int ldx, int ldy, int ratio) {
+    const QRect from(logical.topLeft() * ratio, logical.size() * ratio);
+    const int dx = ldx * ratio, dy = ldy * ratio;
     const int bytes = from.width() * 4;
     const int first = dy > 0 ? from.bottom() : from.top();
     const int step = dy > 0 ? -1 : 1;
@@ -44,17 +46,21 @@ void ScrollImage(QImage& image, const QRect& from, int dx, int dy) {
 
 // The surface follows the viewport's size; what both sizes hold is kept, and what a larger size
 // uncovers is invalid, as a window's newly exposed area is. Not while a context draws on it.
+// On a screen of high density the surface holds as many pixels as the screen shows, so that
+// text and pictures are drawn sharp; everything outside it works in logical units.
 void CQtControlWidget::EnsureSurface() {
     const QSize size = viewport()->size();
-    if (m_surface.size() == size || !m_contexts.empty()) return;
-    QImage surface(size, QImage::Format_RGB32);
+    const qreal ratio = viewport()->devicePixelRatioF();
+    if ((SurfaceRect().size() == size && m_surface.devicePixelRatio() == ratio) || !m_contexts.empty()) return;
+    QImage surface(size * ratio, QImage::Format_RGB32);
+    surface.setDevicePixelRatio(ratio);
     surface.fill(Qt::white);
     if (!m_surface.isNull()) {
         QPainter p(&surface);
         p.setCompositionMode(QPainter::CompositionMode_Source);
         p.drawImage(0, 0, m_surface);
     }
-    const QRegion uncovered = QRegion(surface.rect()) - QRegion(m_surface.rect());
+    const QRegion uncovered = QRegion(QRect(QPoint(0, 0), size)) - QRegion(SurfaceRect());
     m_surface = std::move(surface);
     if (!uncovered.isEmpty()) {
         m_rgnPending += uncovered;
@@ -86,7 +92,7 @@ bool CQtControlWidget::HasWindowContext() const {
 CDC* CQtControlWidget::BeginPaintContext(RECT* rcPaint) {
     ++m_nBeginPaints;
     EnsureSurface();
-    const QRegion region = m_rgnPending & QRect(QPoint(0, 0), m_surface.size());
+    const QRegion region = m_rgnPending & SurfaceRect();
     m_rgnPending = QRegion();
     if (rcPaint) *rcPaint = region.isEmpty() ? RECT{} : RectFromQRect(region.boundingRect());
     return OpenContext(true, &region);
@@ -157,7 +163,9 @@ void CQtControlWidget::paintEvent(QPaintEvent* e) {
 void CQtControlWidget::Present(const QRegion& region) {
     QPainter p(viewport());
     p.setCompositionMode(QPainter::CompositionMode_Source);
-    for (const QRect& r : region) p.drawImage(r.topLeft(), m_surface, r);
+    const qreal ratio = m_surface.devicePixelRatio();
+    for (const QRect& r : region)
+        p.drawImage(r.topLeft(), m_surface, QRectF(r.x() * ratio, r.y() * ratio, r.width() * ratio, r.height() * ratio));
     if (!m_strPreedit.isEmpty() && region.intersects(PreeditRect())) {
         DrawPreedit(p);
         return;
@@ -173,10 +181,13 @@ void CQtControlWidget::Present(const QRegion& region) {
 void CQtControlWidget::ScrollClient(int dx, int dy, const RECT& scroll, const RECT& clip) {
     EnsureSurface();
     const ScrollPlan plan = PlanScroll(dx, dy, scroll, clip);
-    const QRect area = QRectFromRect(plan.area) & m_surface.rect();
-    if (!plan.to.IsEmpty()) ScrollImage(m_surface, QRectFromRect(plan.from), dx, dy);
+    const QRect area = QRectFromRect(plan.area) & SurfaceRect();
+    // Pixels move only by whole pixels: at a fractional density the area is painted anew.
+    const qreal ratio = m_surface.devicePixelRatio();
+    const bool whole = ratio == qRound(ratio);
+    if (!plan.to.IsEmpty() && whole) ScrollImage(m_surface, QRectFromRect(plan.from), dx, dy, qRound(ratio));
     const QRegion moved = (m_rgnPending & area).translated(dx, dy) & area;
-    const QRegion uncovered = QRegionFromRgn(plan.uncovered);
+    const QRegion uncovered = whole ? QRegionFromRgn(plan.uncovered) : QRegion(area);
     m_rgnPending = (m_rgnPending - area) | moved | uncovered;
     // Frames drawn through a window context (a smooth scroll) show as they go.
     QRegion changed = area;

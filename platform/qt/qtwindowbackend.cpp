@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/qt/qtaccessible.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtdc.h"
 
@@ -98,4 +99,10 @@ POINT CQtWindowBackend::ClientOrigin() const {
     if (!m_pWidget) return {0, 0};
     const QPoint p = m_pWidget->viewport()->mapToGlobal(QPoint(0, 0));
     return {p.x(), p.y()};
+}
+
+bool CQtWindowBackend::AccessibilityActive() const { return AccessibleEventsHeard(); }
+
+void CQtWindowBackend::AccessibleEvent(const AccessibleTextEvent& event) {
+    if (m_pWidget) PostAccessibleEvent(m_pWidget, event);
 }

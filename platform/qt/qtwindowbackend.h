@@ -33,6 +33,8 @@ public:
     void Show(bool show) override;
     // No Capture: Qt sends the moves of a button pressed in the widget to the widget anyway.
     POINT ClientOrigin() const override;
+    bool AccessibilityActive() const override;
+    void AccessibleEvent(const AccessibleTextEvent& event) override;
 
     // Null once Qt has deleted the widget (with its parent, say) ahead of the window.
     CQtControlWidget* Widget() const { return m_pWidget; }

@@ -27,7 +27,7 @@ BOOL CTestDC::CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) {
     return TRUE;
 }
 
-BOOL CTestDC::CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) {
+BOOL CTestDC::CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF*) {
     if (!bitmap || !pixels || cx <= 0 || cy <= 0) return FALSE;
     auto surface = std::make_shared<CTestSurface>(cx, cy);
     for (LONG y = 0; y < cy; ++y)

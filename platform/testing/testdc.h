@@ -51,7 +51,7 @@ public:
 
     std::unique_ptr<CDC> CreateCompatibleDC() override;
     BOOL CreateCompatibleBitmap(CBitmap* bitmap, int cx, int cy) override;
-    BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels) override;
+    BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) override;
 
 protected:
     RECT DeviceRect() const override;

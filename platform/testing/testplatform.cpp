@@ -117,7 +117,8 @@ std::unique_ptr<IWindowBackend> CTestPlatform::CreateChildControl(HWND hwnd, Chi
 std::vector<HWND> CTestPlatform::ChildControlsOf(HWND parent) const {
     std::vector<HWND> handles;
     for (const CTestWindowBackend* window : m_windows)
-        if (window->IsChildControl() && window->Parent() == parent && IsWindow(window->Handle()))
+        if (window->IsChildControl() && window->Kind() != ChildControlKind::ToolTip && window->Parent() == parent &&
+            IsWindow(window->Handle()))
             handles.push_back(window->Handle());
     return handles;
 }
@@ -130,10 +131,12 @@ CTestPlatformScope::CTestPlatformScope()
     : m_pPrevious(SetPlatformBackend(&m_platform)),
       m_pPreviousGdi(SetGdiBackend(&m_platform)),
       m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
-      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)) {}
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)),
+      m_pPreviousDialogs(SetDialogBackend(&m_dialogs)) {}
 
 CTestPlatformScope::~CTestPlatformScope() {
     m_platform.AbandonAllWindows();
+    SetDialogBackend(m_pPreviousDialogs);
     SetDragDropBackend(m_pPreviousDragDrop);
     SetClipboardBackend(m_pPreviousClipboard);
     SetGdiBackend(m_pPreviousGdi);

@@ -8,6 +8,7 @@
 
 #include "platform/gdi/gdiobjects.h"
 #include "platform/testing/testclipboard.h"
+#include "platform/testing/testdialogs.h"
 #include "platform/testing/testdragdrop.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/window.h"
@@ -30,6 +31,11 @@ public:
     POINT CursorPos() override { return m_ptCursor; }
     UINT DoubleClickTime() override { return m_nDoubleClickTime; }
     bool ButtonsSwapped() override { return m_bSwapped; }
+    RECT DesktopRect() override { return m_rcDesktop; }
+    void SetDesktopRect(const RECT& rc) { m_rcDesktop = rc; }
+    void SetCursor(UINT id) override { m_nCursor = id; }
+    // The id of the cursor last set (platform/window/cursor.h), 0 before any.
+    UINT CurrentCursor() const { return m_nCursor; }
 
     // The drawing layer: fonts by the formulas of testfont.h; a screen of kScreenSize.
     static constexpr SIZE kScreenSize{1280, 1024};
@@ -38,7 +44,8 @@ public:
 
     // How many BeginWaitCursor calls are not yet ended.
     int WaitCursorDepth() const { return m_nWaitCursor; }
-    // The child controls of a window, in order of creation.
+    // The child controls inside a window, in order of creation; a tip's popup, which the window
+    // owns but which stands on the screen of its own, is not one of them.
     std::vector<HWND> ChildControlsOf(HWND parent) const;
 
     // Sets the clock; no timer fires, and running timers keep the time they have left.
@@ -91,6 +98,8 @@ private:
     POINT m_ptCursor{};
     UINT m_nDoubleClickTime = 500;
     bool m_bSwapped = false;
+    RECT m_rcDesktop{0, 0, kScreenSize.cx, kScreenSize.cy};
+    UINT m_nCursor = 0;
 };
 
 // Installs a fresh test platform, as the window and the drawing backend, an empty clipboard and scripted drags, for its lifetime; on the
@@ -106,13 +115,16 @@ public:
     CTestPlatform* operator->() { return &m_platform; }
     CTestClipboard& Clipboard() { return m_clipboard; }
     CTestDragDrop& DragDrop() { return m_dragDrop; }
+    CTestDialogs& Dialogs() { return m_dialogs; }
 
 private:
     CTestPlatform m_platform;
     CTestClipboard m_clipboard;
     CTestDragDrop m_dragDrop;
+    CTestDialogs m_dialogs;
     IPlatformBackend* m_pPrevious;
     IGdiBackend* m_pPreviousGdi;
     IClipboardBackend* m_pPreviousClipboard;
     IDragDropBackend* m_pPreviousDragDrop;
+    IDialogBackend* m_pPreviousDialogs;
 };

@@ -8,6 +8,7 @@
 enum class ChildControlKind {
     Static,     // a line of text
     Animation,  // a small looping animation, opened from a resource
+    ToolTip,    // a popup of one line of text, placed in screen pixels and sized to its text
 };
 
 // A child window of `parent` with the given id, hidden until ShowWindow. Null on failure.

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include "platform/window/accessible.h"
 #include "platform/window/controls.h"
 #include "platform/window/messagequeue.h"
 #include "platform/window/scrollbar.h"
@@ -28,6 +29,7 @@ struct CWindowRecord {
     std::string text;
     bool bVisible = true;  // child controls start hidden
     ScrollBarState bars[2];  // SB_HORZ, SB_VERT
+    IAccessibleText* pAccessible = nullptr;  // what the window tells assistive technology
 };
 using RecordPtr = std::shared_ptr<CWindowRecord>;
 

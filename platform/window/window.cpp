@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/window/backend.h"
+#include "platform/window/popup.h"
 #include "platform/window/registry.h"
 #include "platform/window/window.h"
 
@@ -110,15 +111,14 @@ IPlatformBackend* GetPlatformBackend() {
     return Registry().pPlatform;
 }
 
-HWND CreateWindowFor(IMessageHandler* handler, HWND parent, const RECT& rc) {
-    IPlatformBackend* platform = Registry().pPlatform;
-    if (!handler || !platform) return nullptr;
-    if (parent) {
-        RecordPtr parentRec = Find(parent);
-        if (!parentRec || parentRec->bDestroying) return nullptr;
-    }
+namespace {
+
+// Registers a window, gives it the backend that `make` builds, and sends WM_CREATE and WM_SIZE.
+template <class Make>
+HWND CreateRegisteredWindow(IMessageHandler* handler, HWND parent, bool visible, Make make) {
     RecordPtr rec = RegisterRecord(parent, handler);
-    rec->pBackend = platform->CreateWindowBackend(rec->hwnd, parent, rc);
+    rec->bVisible = visible;
+    rec->pBackend = make(rec->hwnd);
     if (!rec->pBackend) {
         Unregister(rec->hwnd);
         return nullptr;
@@ -131,6 +131,31 @@ HWND CreateWindowFor(IMessageHandler* handler, HWND parent, const RECT& rc) {
     if (rec->bDestroying) return nullptr;  // the handler destroyed it during WM_CREATE
     SendSize(rec);
     return rec->bDestroying ? nullptr : rec->hwnd;
+}
+
+}  // namespace
+
+HWND CreateWindowFor(IMessageHandler* handler, HWND parent, const RECT& rc) {
+    IPlatformBackend* platform = Registry().pPlatform;
+    if (!handler || !platform) return nullptr;
+    if (parent) {
+        RecordPtr parentRec = Find(parent);
+        if (!parentRec || parentRec->bDestroying) return nullptr;
+    }
+    return CreateRegisteredWindow(handler, parent, true,
+                                  [&](HWND hwnd) { return platform->CreateWindowBackend(hwnd, parent, rc); });
+}
+
+HWND CreatePopupWindow(IMessageHandler* handler, HWND owner, const RECT& rc) {
+    IPlatformBackend* platform = Registry().pPlatform;
+    if (!handler || !platform || !IsWindow(owner)) return nullptr;
+    return CreateRegisteredWindow(handler, nullptr, false,
+                                  [&](HWND hwnd) { return platform->CreatePopupBackend(hwnd, owner, rc); });
+}
+
+RECT GetDesktopRect() {
+    IPlatformBackend* platform = Registry().pPlatform;
+    return platform ? platform->DesktopRect() : RECT{};
 }
 
 BOOL DestroyWindow(HWND hwnd) {

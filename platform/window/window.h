@@ -16,6 +16,7 @@ using LPARAM = intptr_t;
 using LRESULT = intptr_t;
 
 class CDC;
+struct AccessibleTextEvent;
 struct ScrollBarState;
 enum class ChildControlKind;
 
@@ -131,6 +132,10 @@ public:
     // and the capture given to or taken from this window.
     virtual POINT ClientOrigin() const { return {0, 0}; }
     virtual void Capture(bool on) {}
+
+    // Accessibility (platform/window/accessible.h): whether anything listens, and an event for it.
+    virtual bool AccessibilityActive() const { return false; }
+    virtual void AccessibleEvent(const AccessibleTextEvent& event) {}
 };
 
 // The process-wide services a backend supplies.
@@ -151,6 +156,14 @@ public:
     virtual POINT CursorPos() { return {0, 0}; }
     virtual UINT DoubleClickTime() { return 500; }
     virtual bool ButtonsSwapped() { return false; }
+    // Floating windows (platform/window/popup.h): a window on top of `owner` that never takes
+    // the focus, at rc in screen pixels; and the desktop's rectangle in screen pixels.
+    virtual std::unique_ptr<IWindowBackend> CreatePopupBackend(HWND hwnd, HWND owner, const RECT& rc) {
+        return CreateWindowBackend(hwnd, nullptr, rc);
+    }
+    virtual RECT DesktopRect() { return {0, 0, 1280, 1024}; }
+    // The mouse cursor (platform/window/cursor.h) by its id, over the window the mouse is in.
+    virtual void SetCursor(UINT id) {}
 };
 
 // Installs the backend for the process; returns the previous one. The caller keeps ownership.

@@ -61,6 +61,7 @@ HRESULT CZentrelCtrl::OnSelectionChanged(long active, long anchor) {
         }
         if (m_bFocused) ScrollCaretIntoView();
         PlaceCaret();
+        TellAccessibleCaret();
     }
     if (m_bFocused) FireEvent(EVENT_SELECTIONCHANGED, {Variant::Long(active), Variant::Long(anchor)});
     return S_OK;

@@ -43,10 +43,7 @@ LRESULT CZentrelCtrl::PreTranslateMessage(const MSG& msg) {
         case VK_SPACE:
             if (!m_pDoc) return 0;
             if (mods == 2) {
-                if (GetOption(OPT_CODECOMPLETION))
-                    ShowPicker();
-                else
-                    MessageBeep(kBeep);
+                CompletionKey();
                 return 1;
             }
             if (mods == 0 && IsPickerVisible() && PickerHasCurrentRow()) {

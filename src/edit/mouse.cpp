@@ -48,6 +48,7 @@ void CZentrelCtrl::OnLButtonDown(UINT nFlags, int x, int y) {
         m_nClickCount = 0;
         return;
     }
+    RelayToToolTip(WM_LBUTTONDOWN, nFlags, PointParam(x, y));
     if (!m_pDoc) return;
     const int mods = Mods();
     const long gutterEdge = m_nIndentSize - m_nCharWidth;
@@ -66,6 +67,7 @@ void CZentrelCtrl::OnLButtonDown(UINT nFlags, int x, int y) {
 
 void CZentrelCtrl::OnLButtonUp(UINT nFlags, int x, int y) {
     DefWindowProc(WM_LBUTTONUP, nFlags, PointParam(x, y));
+    RelayToToolTip(WM_LBUTTONUP, nFlags, PointParam(x, y));
     if (!m_bMouseDown) return;
     EndDragSelect();
 }
@@ -82,6 +84,10 @@ void CZentrelCtrl::EndDragSelect() {
 
 void CZentrelCtrl::OnMouseMove(UINT nFlags, int x, int y) {
     DefWindowProc(WM_MOUSEMOVE, nFlags, PointParam(x, y));
+    // The tool follows the mouse before the tip hears of the move, so that a move inside the
+    // box starts the rest anew.
+    MoveToolRect(x, y);
+    RelayToToolTip(WM_MOUSEMOVE, nFlags, PointParam(x, y));
     if (!m_bMouseDown || !SelectButtonDown()) return;
     // While the button is held the selection follows the mouse on a timer too, so that it goes
     // on scrolling while the mouse rests outside the view.
@@ -144,6 +150,7 @@ void CZentrelCtrl::OnTripleClick(int x, int y) {
 void CZentrelCtrl::OnMButtonDown(UINT nFlags, int x, int y) {
     HidePicker();
     DefWindowProc(WM_MBUTTONDOWN, nFlags, PointParam(x, y));
+    RelayToToolTip(WM_MBUTTONDOWN, nFlags, PointParam(x, y));
     if (m_bMouseDown) EndDragSelect();
 }
 
@@ -152,6 +159,7 @@ void CZentrelCtrl::OnMButtonDown(UINT nFlags, int x, int y) {
 void CZentrelCtrl::OnRButtonDown(UINT nFlags, int x, int y) {
     HidePicker();
     DefWindowProc(WM_RBUTTONDOWN, nFlags, PointParam(x, y));
+    RelayToToolTip(WM_RBUTTONDOWN, nFlags, PointParam(x, y));
 }
 
 void CZentrelCtrl::OnNcLButtonDown() { HidePicker(); }

@@ -46,10 +46,12 @@ void CZentrelCtrl::OnSetFocus() {
         ShowCaret(m_hWnd);
     }
     m_bFocused = TRUE;
+    CreatePickerWindow();
 }
 
 void CZentrelCtrl::OnKillFocus() {
     if (!m_bFocused) return;
+    DestroyPickerWindow();
     if (m_pDoc && HasWindow()) {
         m_bFocused = FALSE;
         InvalidateHiddenSelection();

@@ -101,6 +101,7 @@ void CZentrelCtrl::ApplyTextChange(long nPos, long nRemoved, long nInserted, Lay
     } else {
         RelayoutChange(nPos, nRemoved, nInserted, pRange);
     }
+    TellAccessibleTextChange(nPos, nRemoved, nInserted);
 }
 
 long CZentrelCtrl::ReplacedBytes(long nFirst, long nSecond) const {

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr UINT IDS_PRINT_ERROR = 175;
-constexpr UINT IDS_NO_ROOM = 185;
+constexpr UINT IDS_NO_ROOM = 187;
 constexpr UINT IDS_BAD_COLUMNS = 183;
 // The option bits a printout never has: the screen metrics bit, the fold boxes, the gutter
 // pictures and the bookmark flags.

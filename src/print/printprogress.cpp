@@ -5,13 +5,14 @@
 namespace {
 
 constexpr UINT IDS_PRINTING_TITLE = 184;
-constexpr UINT IDS_PRINTING_NAME = 208;
-constexpr UINT IDS_PRINTING_PAGE = 209;
+// The texts of the window's two lines (its items 208 and 209), which the window formats.
+constexpr const char* kNameFormat = "Printing \"%1\"...";
+constexpr const char* kPageFormat = "Page %1!d! of %2!d! page(s)";
 
 }  // namespace
 
 CPrintProgressDialog::CPrintProgressDialog(HWND parent)
-    : m_strNameFormat(LoadString(IDS_PRINTING_NAME)), m_strPageFormat(LoadString(IDS_PRINTING_PAGE)) {
+    : m_strNameFormat(kNameFormat), m_strPageFormat(kPageFormat) {
     if (IPrintBackend* backend = GetPrintBackend()) m_pWindow = backend->CreateProgress(parent, LoadString(IDS_PRINTING_TITLE));
 }
 

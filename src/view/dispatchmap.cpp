@@ -275,8 +275,8 @@ void AddDialogs(Table& t) {
         return Variant::Bool(c.PrintDocument(name.c_str()));
     });
     t.Method(70, "BOOL PageSetup()", [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.PageSetup()); });
-    t.Method(92, "BOOL ShowSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
-    t.Method(93, "BOOL HideSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
+    t.Method(92, "BOOL ShowSyntaxPicker()", [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.ShowSyntaxPicker()); });
+    t.Method(93, "BOOL HideSyntaxPicker()", [](CZentrelCtrl& c, Args&) { return Variant::Bool(c.HideSyntaxPicker()); });
 }
 
 const Table& ControlTable() {

@@ -69,10 +69,13 @@ void CZentrelCtrl::OnOptionChanged(DWORD mask, BOOL on) {
             OnOverwriteChanged();
             break;
         case OPT_CODECOMPLETION:
-            if (!on) m_bPickerOpen = 0;
+            if (!on) HidePicker();
+            break;
+        case OPT_AUTOHINT:
+        case OPT_AUTODOC:
+            UpdateToolTipActivation();
             break;
         default:
-            // AutoHint and AutoDoc act through the tooltip, which reads the bits when it shows.
             break;
     }
 }
@@ -197,7 +200,7 @@ void CZentrelCtrl::SetCodeCompletionMode(SHORT value) {
         SetModifiedFlag();
     }
     m_bCompletionHeld = 1;
-    m_bPickerOpen = 0;
+    HidePicker();
 }
 
 void CZentrelCtrl::SetCodeCompletionTimeDelay(long value) {
@@ -206,7 +209,7 @@ void CZentrelCtrl::SetCodeCompletionTimeDelay(long value) {
         m_nCompletionDelay = value;
         SetModifiedFlag();
     }
-    m_bPickerOpen = 0;
+    HidePicker();
     m_bCompletionHeld = 1;
 }
 

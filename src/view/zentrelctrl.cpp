@@ -2,7 +2,9 @@
 
 #include <cstring>
 
+#include "platform/window/accessible.h"
 #include "platform/window/keys.h"
+#include "src/resources/cursors.h"
 #include "src/view/module.h"
 
 const CLSID CLSID_Zentrel = MakeGuid("{09D5F3E5-B21C-11D1-9B66-0000C0E4E6E4}");
@@ -120,6 +122,9 @@ LRESULT CZentrelCtrl::WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM 
         case WM_SETFOCUS: OnSetFocus(); return 0;
         case WM_KILLFOCUS: OnKillFocus(); return 0;
         case WM_VSCROLL: OnVScroll(LOWORD(wParam), HIWORD(wParam)); return 0;
+        case WM_NOTIFY: return OnNotify(wParam, reinterpret_cast<NMHDR*>(lParam));
+        case WM_SETCURSOR: return OnSetCursor(reinterpret_cast<HWND>(wParam), LOWORD(static_cast<uintptr_t>(lParam)),
+                                              HIWORD(static_cast<uintptr_t>(lParam)));
         case WM_HSCROLL: OnHScroll(LOWORD(wParam), HIWORD(wParam)); return 0;
         default: return OnInputMessage(message, wParam, lParam);
     }
@@ -146,9 +151,14 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
         case WM_MBUTTONDOWN: OnMButtonDown(flags, x, y); return 0;
         case WM_RBUTTONDOWN: OnRButtonDown(flags, x, y); return 0;
         case WM_NCLBUTTONDOWN: OnNcLButtonDown(); break;
+        case WM_MOUSELEAVE: RelayToToolTip(message, wParam, lParam); return 0;
         case WM_TIMER:
             if (wParam == kDragSelectTimer) {
                 OnDragSelectTimer();
+                return 0;
+            }
+            if (wParam == kCompletionTimer) {
+                OnCompletionTimer();
                 return 0;
             }
             break;
@@ -160,7 +170,9 @@ LRESULT CZentrelCtrl::OnInputMessage(UINT message, WPARAM wParam, LPARAM lParam)
 int CZentrelCtrl::OnCreate() {
     // A window may come again after one was destroyed: it is set up as the first was.
     m_bDestroyed = FALSE;
-    // The tooltip comes with the tag hints.
+    if (!CreateToolTip()) return -1;
+    RegisterControlCursors();
+    SetAccessibleText(m_hWnd, &m_accessible);
     RegisterDropTarget(m_hWnd, &m_dropTarget);
     m_penHidden.CreatePen(PS_SOLID, 0, m_Styles[STYLE_INVISIBLE].crText);
     RebuildFontCache();
@@ -171,6 +183,8 @@ int CZentrelCtrl::OnCreate() {
 
 void CZentrelCtrl::OnSize(UINT, int, int) {
     GetClientRect(m_hWnd, &m_rcClient);
+    HidePicker();
+    SetToolRectToTextArea();
     if (m_pDoc) {
         Reformat(TRUE);
         UpdateScrollBars(-1, -1);
@@ -190,6 +204,7 @@ void ReleasePostedChange(const MSG& msg) {
 void CZentrelCtrl::OnDestroy() {
     if (m_bDestroyed) return;
     StopCodeCompletion();
+    DestroyPickerWindow();
     RevokeDropTarget(m_hWnd);
     m_bDestroyed = TRUE;
     CloseBusyPanel();

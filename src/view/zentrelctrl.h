@@ -14,9 +14,12 @@
 #include "platform/window/dragdrop.h"
 #include "platform/window/keys.h"
 #include "platform/window/olecontrol.h"
+#include "platform/window/tooltip.h"
 #include "src/annotations/bookmarkmanager.h"
 #include "src/annotations/collapsenode.h"
 #include "src/document/sourcetext.h"
+#include "src/edit/completionscan.h"
+#include "src/edit/accessibletext.h"
 #include "src/layout/fontmetrics.h"
 #include "src/layout/layoutrange.h"
 #include "src/layout/lineindex.h"
@@ -51,6 +54,8 @@ constexpr UINT kDragSelectTimer = 2;
 // Sentinels of positions and widths.
 constexpr long POS_TO_END = 0x7FFFFFFF;
 constexpr long WIDTH_UNLIMITED = 0x7FFFFFFF;
+
+class CHTMLSyntaxPicker;
 
 class CZentrelCtrl : public COleControl {
 public:
@@ -325,14 +330,53 @@ public:
     // null, at the stored point; a second call at the same point erases it.
     void DrawDropCaret(const POINT* pt);
 
+    // --- Tag hints and cursors (src/edit/taghints.cpp, mousecursor.cpp) ---
+    static constexpr UINT kToolId = 1;
+    BOOL CreateToolTip();
+    // The tip is on while AutoHint or AutoDoc is.
+    void UpdateToolTipActivation();
+    void SetToolRectToTextArea();
+    // While no tip shows, the tool follows the mouse at (x, y).
+    void MoveToolRect(int x, int y);
+    void RelayToToolTip(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT OnNotify(WPARAM id, NMHDR* pNMHDR);
+    BOOL OnToolTipNeedText(UINT id, NMHDR* pNMHDR, LRESULT* pResult);
+    BOOL OnToolTipShow(UINT id, NMHDR* pNMHDR, LRESULT* pResult);
+    BOOL OnToolTipPop(UINT id, NMHDR* pNMHDR, LRESULT* pResult);
+    BOOL SupplyHintText(ISourceSyntaxItem* pItem, NMTTDISPINFO* pInfo);
+    BOOL SupplyDescriptionText(long nPos, NMTTDISPINFO* pInfo);
+    BOOL OnSetCursor(HWND pWnd, UINT nHitTest, UINT message);
+    // The id of the cursor for the mouse where it is now.
+    UINT ChooseCursor();
+    UINT GutterCursor(int x, int y);
+    const CToolTipCtrl& ToolTip() const { return m_tooltip; }
+
+    // --- Accessibility (src/edit/accessibletext.cpp) ---
+    // Tell assistive technology of a change of the text and of the caret, while it listens.
+    void TellAccessibleTextChange(long nPos, long nRemoved, long nInserted);
+    void TellAccessibleCaret();
+
     // --- Picker window (src/picker) ---
     BOOL IsPickerVisible() const;
     BOOL PickerHasCurrentRow() const;
     void ShowPicker();
     void HidePicker();
-    void AcceptPick();
+    // Replaces the token at the caret with the current row's value; FALSE if nothing was picked.
+    BOOL AcceptPick();
     // Hands a key message to the picker's window, so that its list moves instead of the caret.
     void ForwardToPicker(const MSG& msg);
+    // The picker object, made on first use; its window lives while the view has the focus.
+    CHTMLSyntaxPicker& Picker();
+    const CHTMLSyntaxPicker* PickerIfAny() const { return m_pPicker.get(); }
+    void CreatePickerWindow();
+    void DestroyPickerWindow();
+    // Fills the picker for the caret's place; gives where the token at the caret begins.
+    long UpdatePicker();
+    void PlacePicker(long nPosition, BOOL bShow);
+    BOOL PickerNextOption();
+    // The automation methods: FALSE without a document.
+    BOOL ShowSyntaxPicker();
+    BOOL HideSyntaxPicker();
 
     // --- Collapsed blocks (src/annotations/collapse.cpp) ---
     // Folds lo..hi into one line; with bUpdate the line table follows and the block is selected
@@ -400,6 +444,16 @@ public:
     // Runs timer 1 in completion mode 1 and stops it in the others.
     void StartCodeCompletion();
     void StopCodeCompletion();
+    // The root of the document's schema tree, or null without one (completion.cpp).
+    ComPtr<ISourceSchema> GetSchemaRoot();
+    // The bytes around pos that the scans read, and where they begin in the document.
+    std::string ReadTagStretch(long pos, long* pStart);
+    void FindTagBounds(long pos, long* pStart, long* pEnd);
+    // The place at pos; CTX_NONE without a document or a schema.
+    TagContext AnalyzeTag(long pos);
+    void OnCompletionTimer();
+    // Ctrl+Space: opens the picker, or steps the open page to its next option.
+    void CompletionKey();
 
     // --- Properties (src/view/properties.cpp) ---
     BOOL GetOption(DWORD mask) const { return (m_Options & mask) ? TRUE : FALSE; }
@@ -521,7 +575,11 @@ public:
     ISourceTokens* m_pTokens = nullptr;
     ComPtr<IDispatch> m_dispSchema;
 
+    // Accessibility: the text as assistive technology reads it.
+    CAccessibleText m_accessible{this};
+
     // Tag hints.
+    CToolTipCtrl m_tooltip;
     BOOL m_bTipShown = FALSE;
 
     // State flags.
@@ -598,6 +656,7 @@ public:
     BYTE m_bCompletionHeld = 0;
     BYTE m_bCompletionTimer = 0;
     DWORD m_dwLastKey = 0;
+    std::shared_ptr<CHTMLSyntaxPicker> m_pPicker;  // shared: the header needs no complete type
 
     // Printing: the page setup object, the one store of print settings.
     CEditPageSetupDialog m_dlgPageSetup;

@@ -39,8 +39,22 @@
 //   EFFECT is none, copy, move or link, with +scroll.
 // Setting the clipboard as another program would: `putclipboard text TEXT` (CF_TEXT),
 //   `putclipboard unicode TEXT` (TEXT is UTF-8, put as CF_UNICODETEXT alone), `putclipboard none`.
+// The picker: `picker N ROW` (the page shown, 0 when closed, and its current row's text or -),
+//   `status TEXT` (the help pane), `rows N TEXT | TEXT...` (the first N rows, or all with N 0),
+//   `pickclick ROW`, `pickdblclick ROW`, `pickrclick ROW` (the mouse on a row of the list),
+//   `host EVENT DISPATCHED ACCEPTED [VALUE]` (how the host answers that Request event from now
+//   on), `dialog color|font|file|menu ok|cancel [VALUE]` (the next answer of that dialog),
+//   `dialogs LIST` (the dialogs opened since the last look, `kind:start`, menus with their
+//   entries, a * marking the checked one), `place X Y` (the picker's top left on the screen).
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
-// `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself).
+// `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself),
+// `pickerevents` (`events` also lists the picker's: Request... and SyntaxObjectChanged),
+// `desktop L T R B` (the screen's rectangle), and the document's own syntax items and
+// descriptions over spans (`item`, `doc`: scriptedhints.h).
+// Tips and cursors: `hover POINT` (the mouse comes to POINT as the toolkit moves it: the cursor
+//   is asked for, then the move), `hold Ctrl|Shift|Ctrl+Shift|none` (keys that stay down),
+//   `leave` (the mouse leaves the window); checks `tip "TEXT"|none` (the tip on screen) and
+//   `cursor NAME` (arrow, ibeam, gutter, hint, doc, expand, collapse).
 #include <gtest/gtest.h>
 
 #include <map>
@@ -53,10 +67,15 @@
 #include "platform/testing/testplatform.h"
 #include "platform/testing/testwindow.h"
 #include "platform/window/clipboard.h"
+#include "platform/window/controls.h"
 #include "platform/window/input.h"
 #include "platform/window/keys.h"
 #include "tests/codepagescope.h"
 #include "tests/edit/editscript.h"
+#include "src/picker/pickerwindow.h"
+#include "tests/edit/scriptedhints.h"
+#include "platform/window/cursor.h"
+#include "src/resources/cursors.h"
 #include "tests/view/viewtest.h"
 
 namespace {
@@ -79,6 +98,17 @@ const std::map<DISPID, std::string>& EventNames() {
         {EVENT_DOCUMENTCHANGED, "DocumentChanged"},   {EVENT_AUTOCONVERTTOGGLED, "AutoConvertToggled"},
         {DISPID_KEYDOWN, "KeyDown"},                  {EVENT_BOOKMARKCHANGED, "BookmarkChanged"},
         {EVENT_ONOLEDROP, "OleDrop"},                 {EVENT_ONOLEDRAGOVER, "OleDragOver"},
+    };
+    return names;
+}
+
+const std::map<DISPID, std::string>& PickerEventNames() {
+    static const std::map<DISPID, std::string> names = {
+        {EVENT_REQUESTCOLOR, "RequestColor"},      {EVENT_REQUESTCOLOR + 1, "RequestFont"},
+        {EVENT_REQUESTCOLOR + 2, "RequestURL"},    {EVENT_REQUESTCOLOR + 3, "RequestHTML"},
+        {EVENT_REQUESTCOLOR + 4, "RequestPicture"}, {EVENT_REQUESTCOLOR + 5, "RequestSound"},
+        {EVENT_REQUESTCOLOR + 6, "RequestDirectory"}, {EVENT_REQUESTCOLOR + 7, "RequestAnim"},
+        {EVENT_REQUESTCOLOR + 8, "RequestJava"},   {EVENT_SYNTAXOBJECTCHANGED, "SyntaxObjectChanged"},
     };
     return names;
 }
@@ -168,12 +198,16 @@ private:
         }
         if (const std::string* rows = SetupValue("rows")) Window().SetClientSize(cx, Number(*rows) * m_ctrl->m_nLineHeight);
         m_platform->SetButtonsSwapped(SetupValue("swapbuttons") != nullptr);
+        if (const std::string* desk = SetupValue("desktop")) {
+            const auto d = Words(*desk);
+            m_platform->SetDesktopRect({Number(d.at(0)), Number(d.at(1)), Number(d.at(2)), Number(d.at(3))});
+        }
         const std::string* text = SetupValue("text");
         const MarkedText start = ParseMarkedText(text ? *text : "");
         if (!SetupValue("nodoc")) {
             m_doc = CreateHtmlDocument();
             m_doc->SetText(start.text);
-            m_ctrl->SetDocument(m_doc.Get());
+            m_ctrl->SetDocument(ScriptedDocument());
             m_ctrl->SetSelection(start.active, start.anchor);
         }
         if (!SetupValue("nofocus") && m_ctrl->HasWindow()) m_platform->MoveFocus(m_ctrl->GetSafeHwnd());
@@ -181,6 +215,19 @@ private:
         m_log.events.clear();
         m_nEventsSeen = 0;
         m_platform->ResetBeeps();
+    }
+
+    // The document itself, or the wrapper that answers the case's own items and descriptions.
+    IDispatch* ScriptedDocument() {
+        m_hints = std::make_unique<CScriptedHints>(m_doc.Get());
+        bool scripted = false;
+        for (const EditStep& s : m_case.setup) {
+            if (s.verb != "item" && s.verb != "doc") continue;
+            scripted = true;
+            const std::vector<Variant> args = CallArgs(s.rest);
+            EXPECT_TRUE(s.verb == "item" ? m_hints->AddItem(args) : m_hints->AddDoc(args)) << "line " << s.line;
+        }
+        return scripted ? static_cast<IDispatch*>(m_hints.get()) : static_cast<IDispatch*>(m_doc.Get());
     }
 
     void SetProperties(const std::string& assignments) {
@@ -224,6 +271,14 @@ private:
             {"dragdrop", &CEditPlayer::DragDrop}, {"dragcancel", &CEditPlayer::DragCancel},
             {"dragin", &CEditPlayer::DragIn},     {"dragresult", &CEditPlayer::DragResult},
             {"answers", &CEditPlayer::Answers},
+            {"picker", &CEditPlayer::PickerState}, {"status", &CEditPlayer::PickerStatus},
+            {"rows", &CEditPlayer::PickerRows},    {"pickclick", &CEditPlayer::PickClick},
+            {"pickdblclick", &CEditPlayer::PickDblClick}, {"pickrclick", &CEditPlayer::PickRClick},
+            {"host", &CEditPlayer::HostAnswer},    {"dialog", &CEditPlayer::DialogAnswer},
+            {"dialogs", &CEditPlayer::DialogCalls}, {"place", &CEditPlayer::PickerPlace},
+            {"hover", &CEditPlayer::Hover},       {"hold", &CEditPlayer::Hold},
+            {"leave", &CEditPlayer::Leave},       {"tip", &CEditPlayer::Tip},
+            {"cursor", &CEditPlayer::Cursor},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -381,6 +436,40 @@ private:
     void Lock(const std::string&) { m_doc->SetLocked(true); }
     void Blur(const std::string&) { m_platform->MoveFocus(nullptr); }
 
+    // --- Tips and cursors ---
+
+    void Hover(const std::string& what) {
+        const POINT pt = PointOf(what);
+        POINT screen = pt;
+        ClientToScreen(Hwnd(), &screen);
+        m_platform->SetCursorPos(screen);
+        SendMessage(Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(Hwnd()), MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        SendMessage(Hwnd(), WM_MOUSEMOVE, 0, MAKELPARAM(pt.x, pt.y));
+    }
+    void Hold(const std::string& keys) {
+        m_platform->SetKeyDown(VK_SHIFT, keys.find("Shift") != std::string::npos);
+        m_platform->SetKeyDown(VK_CONTROL, keys.find("Ctrl") != std::string::npos);
+    }
+    void Leave(const std::string&) { SendMessage(Hwnd(), WM_MOUSELEAVE, 0, 0); }
+    // What the tip's window shows, which must be what the tip says it shows.
+    void Tip(const std::string& expected) {
+        const HWND tip = m_ctrl->ToolTip().GetSafeHwnd();
+        ASSERT_TRUE(tip) << "no tip window";
+        const CTestWindowBackend& window = *TestWindow(tip);
+        EXPECT_EQ(window.Shown(), m_ctrl->ToolTip().IsShowing());
+        EXPECT_EQ(m_ctrl->m_bTipShown, window.Shown() ? TRUE : FALSE);
+        const std::string text = expected == "none" ? "none" : ParseMarkedText(expected.substr(1, expected.size() - 2)).text;
+        EXPECT_EQ(window.Shown() ? window.Text() : "none", text);
+    }
+    void Cursor(const std::string& name) {
+        static const std::map<std::string, UINT> ids = {
+            {"arrow", IDC_ARROW},         {"ibeam", IDC_IBEAM},        {"gutter", IDC_GUTTER_ARROW},
+            {"hint", IDC_HINT_ARROW},     {"doc", IDC_DOC_ARROW},      {"expand", IDC_GUTTER_EXPAND},
+            {"collapse", IDC_GUTTER_COLLAPSE}};
+        ASSERT_TRUE(ids.count(name)) << "unknown cursor " << name;
+        EXPECT_EQ(m_platform->CurrentCursor(), ids.at(name));
+    }
+
     // --- Drags ---
 
     CTestDragDrop& Drags() { return m_platform.DragDrop(); }
@@ -469,7 +558,8 @@ private:
         for (size_t i = m_nEventsSeen; i < m_log.events.size(); ++i) {
             const auto& e = m_log.events[i];
             auto name = EventNames().find(e.id);
-            if (name == EventNames().end()) continue;
+            if (name == EventNames().end() && SetupValue("pickerevents")) name = PickerEventNames().find(e.id);
+            if (name == EventNames().end() || name == PickerEventNames().end()) continue;
             if (!actual.empty()) actual += ' ';
             actual += name->second + "(";
             for (size_t a = 0; a < e.args.size(); ++a) {
@@ -589,12 +679,90 @@ private:
         EXPECT_EQ(b ? std::to_string(b->GetBitmapId()) : "none", words.at(1));
     }
 
+    // --- The picker ---
+
+    const CHTMLSyntaxPicker* Picker() const { return m_ctrl->PickerIfAny(); }
+    void PickerState(const std::string& rest) {
+        const auto words = Words(rest);
+        const CHTMLSyntaxPicker* picker = Picker();
+        const bool open = m_ctrl->IsPickerVisible() && picker;
+        EXPECT_EQ(open && picker->GetSafeHwnd() ? IsWindowVisible(picker->GetSafeHwnd()) != FALSE : false, open);
+        const int page = open ? picker->PageIndex() : 0;
+        std::string row = "-";
+        if (page && picker->ActivePage() && picker->ActivePage()->GetCurSel() >= 0)
+            row = picker->ActivePage()->Row(picker->ActivePage()->GetCurSel()).text;
+        const size_t rowAt = rest.find(' ');
+        EXPECT_EQ(std::to_string(page) + " " + row, words.at(0) + " " + (rowAt == std::string::npos ? "-" : rest.substr(rowAt + 1)));
+    }
+    void PickerStatus(const std::string& text) { EXPECT_EQ(Picker() ? Picker()->StatusText() : "", text == "none" ? "" : text); }
+    void PickerRows(const std::string& rest) {
+        const CHTMLSyntaxPickPage* page = Picker() ? Picker()->ActivePage() : nullptr;
+        ASSERT_NE(page, nullptr);
+        const size_t space = rest.find(' ');
+        const long count = Number(rest.substr(0, space));
+        std::string actual;
+        for (int i = 0; i < page->GetCount() && (count == 0 || i < count); ++i) actual += (i ? " | " : "") + page->Row(i).text;
+        EXPECT_EQ(actual, space == std::string::npos ? "" : rest.substr(space + 1));
+    }
+    void PickMouse(const std::string& row, UINT message) {
+        ASSERT_NE(Picker(), nullptr);
+        const POINT pt = Picker()->RowPoint(static_cast<int>(Number(row)));
+        SendMessage(Picker()->GetSafeHwnd(), message, 0, MAKELPARAM(pt.x, pt.y));
+    }
+    void PickClick(const std::string& row) { PickMouse(row, WM_LBUTTONDOWN); }
+    void PickDblClick(const std::string& row) { PickMouse(row, WM_LBUTTONDBLCLK); }
+    void PickRClick(const std::string& row) { PickMouse(row, WM_RBUTTONDOWN); }
+    void HostAnswer(const std::string& rest) {
+        const auto words = Words(rest);
+        DISPID id = 0;
+        for (const auto& [dispid, name] : PickerEventNames())
+            if (name == words.at(0)) id = dispid;
+        ASSERT_NE(id, 0) << words.at(0);
+        const std::string value = words.size() > 3 ? rest.substr(rest.find(words[3], words[0].size() + 4)) : "";
+        Variant answer = id == EVENT_REQUESTCOLOR ? Variant::Color(static_cast<OLE_COLOR>(Number(value.empty() ? "0" : value)))
+                                                  : Variant::Str(value);
+        m_log.answers[id] = {Variant::Bool(words.at(1) == "1"), words.size() > 3 ? answer : Variant(),
+                             Variant::Bool(words.at(2) == "1")};
+    }
+    void DialogAnswer(const std::string& rest) {
+        const auto words = Words(rest);
+        static const std::map<std::string, TestDialogKind> kinds = {
+            {"color", TestDialogKind::Color}, {"font", TestDialogKind::Font}, {"file", TestDialogKind::File}, {"menu", TestDialogKind::Menu}};
+        TestDialogAnswer a;
+        a.kind = kinds.at(words.at(0));
+        a.ok = words.at(1) == "ok";
+        const std::string value = words.size() > 2 ? rest.substr(rest.find(words[2], words[0].size() + words[1].size() + 1)) : "";
+        if (a.kind == TestDialogKind::Color && !value.empty()) a.color = static_cast<COLORREF>(Number(value));
+        if (a.kind == TestDialogKind::Menu && !value.empty()) a.menuChoice = static_cast<int>(Number(value));
+        a.text = value;
+        m_platform.Dialogs().Queue(a);
+    }
+    void DialogCalls(const std::string& expected) {
+        static const char* kNames[] = {"color", "font", "file", "menu"};
+        std::string actual;
+        const auto& calls = m_platform.Dialogs().Calls();
+        for (size_t i = m_nDialogsSeen; i < calls.size(); ++i) {
+            actual += (actual.empty() ? "" : " ") + std::string(kNames[static_cast<int>(calls[i].kind)]) + ":" + calls[i].start;
+            for (const MenuEntry& e : calls[i].entries) actual += (e.checked ? "*" : "") + e.text + ";";
+        }
+        m_nDialogsSeen = calls.size();
+        EXPECT_EQ(actual.empty() ? "none" : actual, expected);
+    }
+    void PickerPlace(const std::string& rest) {
+        ASSERT_NE(Picker(), nullptr);
+        POINT pt{0, 0};
+        ClientToScreen(Picker()->GetSafeHwnd(), &pt);
+        EXPECT_EQ(std::to_string(pt.x) + " " + std::to_string(pt.y), rest);
+    }
+
     const EditCase& m_case;
+    size_t m_nDialogsSeen = 0;
     std::optional<CodePageScope> m_codePage;
     CTestPlatformScope m_platform;
     ComPtr<IDispatch> m_control;
     CZentrelCtrl* m_ctrl = nullptr;
     ComPtr<CHtmlDocument> m_doc;
+    std::unique_ptr<CScriptedHints> m_hints;
     CEventLog m_log;
     DWORD m_cookie = 0;
     size_t m_nEventsSeen = 0;

@@ -63,7 +63,8 @@ void ReadFile(const std::filesystem::path& path, std::vector<EditCase>* cases) {
             continue;
         }
         static const char* const kSetup[] = {"text", "options", "codepage", "wrapcolumns", "nodoc", "nofocus",
-                                             "size", "rows", "nowindow", "swapbuttons", "takedrops"};
+                                             "pickerevents", "desktop", "size", "rows", "nowindow", "swapbuttons",
+                                             "takedrops", "item", "doc"};
         const bool setup = std::find(std::begin(kSetup), std::end(kSetup), step.verb) != std::end(kSetup);
         (setup ? cases->back().setup : cases->back().steps).push_back(step);
     }

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <memory>
 
+#include "platform/gdi/mappedbitmap.h"
 #include "platform/qt/qtchildcontrol.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtdc.h"
@@ -185,6 +186,36 @@ TEST_F(QtDrawTest, BlitsCopyPixelsExactlyAndInvertIsTheDifferenceWithWhite) {
     src->FillSolidRect(RECT{0, 0, 4, 4}, kBlack);
     EXPECT_TRUE(dst->BitBlt(0, 0, 4, 4, src.get(), 0, 0, SRCCOPY));
     EXPECT_EQ(ImageOf(to).pixel(1, 1), qRgb(0, 0, 0));
+}
+
+// On a surface of two pixels per unit a picture with a double-resolution variant shows that
+// variant pixel for pixel, a bitmap made for it holds four pixels per unit, and a fill keeps its
+// logical place.
+TEST_F(QtDrawTest, DenseSurfacesDrawTheDoubleResolutionPicturesAndLogicalGeometry) {
+    const PixelPicture picture = [] {
+        PixelPicture p{2, 2, {kBlack, kWhite, kWhite, kBlack}, std::vector<COLORREF>(16, kWhite)};
+        p.doubled[5] = p.doubled[10] = kBlack;  // a thin diagonal, unlike the normal picture doubled
+        return p;
+    }();
+    QImage surface(40, 40, QImage::Format_RGB32);
+    surface.setDevicePixelRatio(2);
+    surface.fill(Qt::white);
+    CQtDC dc(&surface);
+    std::unique_ptr<CDC> mem = dc.CreateCompatibleDC();
+    CBitmap bitmap, scratch;
+    ASSERT_TRUE(CreateMappedBitmap(*mem, picture, nullptr, 0, &bitmap));
+    EXPECT_EQ(bitmap.GetSize().cx, 2);
+    mem->SelectObject(&bitmap);
+    ASSERT_TRUE(dc.BitBlt(3, 4, 2, 2, mem.get(), 0, 0, SRCCOPY));
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 4; ++x)
+            EXPECT_EQ(surface.pixel(6 + x, 8 + y), QColorFromColorRef(picture.doubled[y * 4 + x]).rgb()) << x << "," << y;
+    ASSERT_TRUE(mem->CreateCompatibleBitmap(&scratch, 10, 6));
+    EXPECT_EQ(ImageOf(scratch).size(), QSize(20, 12));
+    EXPECT_EQ(scratch.GetSize().cy, 6);
+    dc.FillSolidRect(RECT{10, 10, 12, 11}, kBlack);
+    EXPECT_EQ(InkIn(surface, QRect(20, 20, 4, 2)), 8);
+    EXPECT_EQ(InkIn(surface, QRect(0, 0, 40, 40)), 8 + 2);
 }
 
 TEST_F(QtDrawTest, WindowContextsDrawOutsidePaintEventsAndScrollWindowMovesPixels) {

@@ -15,6 +15,7 @@
 #include "platform/codepage/codepage.h"
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
+#include "platform/window/cursor.h"
 #include "platform/window/keys.h"
 #include "platform/window/paint.h"
 #include "platform/window/scrollbar.h"
@@ -219,13 +220,14 @@ TEST_F(QtWindowTest, MouseMessagesCarryKeysAndClientPoints) {
     Mouse(hwnd, QEvent::MouseButtonDblClick, {15, 25}, Qt::LeftButton, Qt::LeftButton);
     Mouse(hwnd, QEvent::MouseButtonPress, {1, 2}, Qt::RightButton, Qt::RightButton, Qt::ControlModifier);
     ASSERT_EQ(handler.Messages(),
-              (std::vector<UINT>{WM_LBUTTONDOWN, WM_MOUSEMOVE, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONDOWN}));
+              (std::vector<UINT>{WM_LBUTTONDOWN, WM_SETCURSOR, WM_MOUSEMOVE, WM_LBUTTONUP, WM_LBUTTONDBLCLK, WM_RBUTTONDOWN}));
     EXPECT_EQ(handler.log[0].wParam, MK_LBUTTON | MK_SHIFT);
     EXPECT_EQ(GET_X_LPARAM(handler.log[0].lParam), 10);
     EXPECT_EQ(GET_Y_LPARAM(handler.log[0].lParam), 20);
-    EXPECT_EQ(handler.log[1].wParam, MK_LBUTTON);
-    EXPECT_EQ(handler.log[2].wParam, 0u);  // the keys after the release
-    EXPECT_EQ(handler.log[4].wParam, MK_RBUTTON | MK_CONTROL);
+    EXPECT_EQ(handler.log[1].lParam, MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));  // the cursor is asked for first
+    EXPECT_EQ(handler.log[2].wParam, MK_LBUTTON);
+    EXPECT_EQ(handler.log[3].wParam, 0u);  // the keys after the release
+    EXPECT_EQ(handler.log[5].wParam, MK_RBUTTON | MK_CONTROL);
 }
 
 TEST_F(QtWindowTest, WheelGoesToTheWindowAndScrollsByLinesWhenLeftToTheDefault) {

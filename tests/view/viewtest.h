@@ -34,10 +34,15 @@ public:
             int32_t n = 0;
             v.ToLong(&n);
             if (v.Type() == VT_BSTR) e.texts[e.args.size()] = v.StrVal();
+            if (v.Type() == (VT_BYREF | VT_BSTR)) e.texts[e.args.size()] = *static_cast<const std::string*>(v.RefVal());
             e.args.push_back(n);
         }
         // A host that deals with drops itself answers through the last argument.
         if (id == EVENT_ONOLEDROP && takeDrops && !args.empty()) args.back().SetByRef(Variant::Bool(true));
+        // A host that answers a request sets its by-reference arguments, in order.
+        if (const auto answer = answers.find(id); answer != answers.end())
+            for (size_t i = 0; i < args.size() && i < answer->second.size(); ++i)
+                if (answer->second[i].Type() != VT_EMPTY) args[i].SetByRef(answer->second[i]);
         events.push_back(e);
         return S_OK;
     }
@@ -51,6 +56,7 @@ public:
     ULONG refs = 0;
     std::vector<Event> events;
     bool takeDrops = false;
+    std::map<DISPID, std::vector<Variant>> answers;  // by event: what the host puts in its arguments
 };
 
 // A control made through the module's class factory, with an event log advised.
