@@ -576,6 +576,9 @@ public:
     BYTE m_bCompletionHeld = 0;
     BYTE m_bCompletionTimer = 0;
     DWORD m_dwLastKey = 0;
+
+    // Painting speed: set while OnDraw paints, so that nothing paints inside the paint.
+    bool m_bPainting = false;
 };
 
 // Creates a control with one reference for the caller, as the class factory does.
