@@ -367,7 +367,7 @@ long CSyntaxState::GuessStart(long pos, long floor) const {
 void CSyntaxState::StartGuess(size_t i, long pos) {
     const long floor = std::max(m_nValidEnd, i > 0 ? m_guesses[i - 1].end : 0L);
     const long start = GuessStart(pos, floor);
-    m_guesses.insert(m_guesses.begin() + static_cast<long>(i), CGuess{start, start, CLexState{}, CLexState{}, true});
+    m_guesses.insert(m_guesses.begin() + static_cast<long>(i), CGuess{start, start, CLexState{}, CLexState{}, true, {}});
     ExtendGuess(i, pos + kGuessAhead);
 }
 
@@ -376,7 +376,7 @@ void CSyntaxState::ExtendGuess(size_t i, long target) {
     if (m_guesses[i].end - m_guesses[i].start >= kMaxGuess) {
         // Continued by a new window, which starts where this one ends.
         const CGuess& full = m_guesses[i];
-        CGuess next{full.end, full.end, full.endState, full.endState, full.endClean};
+        CGuess next{full.end, full.end, full.endState, full.endState, full.endClean, {}};
         if (!next.endClean) next.startState = next.endState = CLexState{};
         m_guesses.insert(m_guesses.begin() + static_cast<long>(++i), next);
     }
@@ -387,11 +387,17 @@ void CSyntaxState::ExtendGuess(size_t i, long target) {
     long pos = g.end;
     const size_t n = i + 1;
     m_bGuessing = true;
+    long lastMark = pos;
     while (pos < length && (pos < target || !m_lexer.IsClean()) && pos < target + kGuessAhead) {
         long limit = std::min(length, pos + kCheckpointSpacing);
+        if (pos < target) limit = std::min(limit, target);
         if (n < m_guesses.size() && m_guesses[n].start > pos) limit = std::min(limit, m_guesses[n].start);
         FeedText(pos, limit);
         pos = limit;
+        if (m_lexer.IsClean() && pos - lastMark >= kCheckpointSpacing) {
+            m_guesses[i].marks.push_back({pos, m_lexer.State()});
+            lastMark = pos;
+        }
         // A window that this one ran over is gone; one that it reaches goes on from here.
         while (n < m_guesses.size() && m_guesses[n].end <= pos) m_guesses.erase(m_guesses.begin() + static_cast<long>(n));
         if (n < m_guesses.size() && m_guesses[n].start <= pos && m_lexer.IsClean()) break;
@@ -412,25 +418,54 @@ void CSyntaxState::ExtendGuess(size_t i, long target) {
 
 void CSyntaxState::MapGuesses(long pos, long oldCount, long newCount) {
     for (CGuess& g : m_guesses) {
+        if (g.end < pos) continue;
         g.start = MapStart(g.start, pos, oldCount, newCount);
         g.end = MapEnd(g.end, pos, oldCount, newCount);
+        // A state saved in front of the edit still holds; one in or behind it is read anew.
+        std::erase_if(g.marks, [&](const CCheckpoint& m) { return m.pos > pos; });
     }
     std::erase_if(m_guesses, [](const CGuess& g) { return g.start >= g.end; });
 }
 
+size_t CSyntaxState::CutGuess(size_t i, long at, const CLexState& state) {
+    CGuess& g = m_guesses[i];
+    if (at <= g.start) {
+        g.startState = state;
+    } else {
+        CGuess tail{at, g.end, state, g.endState, g.endClean, {}};
+        auto behind = std::find_if(g.marks.begin(), g.marks.end(), [&](const CCheckpoint& m) { return m.pos > at; });
+        tail.marks.assign(behind, g.marks.end());
+        g.marks.erase(std::find_if(g.marks.begin(), g.marks.end(), [&](const CCheckpoint& m) { return m.pos >= at; }), g.marks.end());
+        g.end = at;
+        g.endState = state;
+        g.endClean = true;
+        m_guesses.insert(m_guesses.begin() + static_cast<long>(++i), std::move(tail));
+    }
+    return i;
+}
+
 void CSyntaxState::RelexGuessesAt(long pos, long newCount) {
-    // The windows that touch the new text become one, read again from its start.
-    size_t first = GuessAfter(pos - 1), last = first;
-    while (last < m_guesses.size() && m_guesses[last].start <= pos + newCount) ++last;
-    if (first == last) return;
-    const long end = m_guesses[last - 1].end;
-    m_guesses.erase(m_guesses.begin() + static_cast<long>(first) + 1, m_guesses.begin() + static_cast<long>(last));
-    CGuess& g = m_guesses[first];
-    g.end = g.start;
-    g.endState = g.startState;
-    g.endClean = true;
+    size_t i = GuessAfter(pos);
+    if (i == m_guesses.size() || m_guesses[i].start > pos) {
+        if (i == 0 || m_guesses[i - 1].end != pos) return;
+        --i;  // new text right behind a window
+    }
+    // Read again from the last saved state in front of the edit up to a little behind its new
+    // text: the part in front keeps its codes, the part behind goes on from where this ends.
+    const CGuess& g = m_guesses[i];
+    auto mark = std::find_if(g.marks.rbegin(), g.marks.rend(), [&](const CCheckpoint& m) { return m.pos <= pos; });
+    const long from = mark != g.marks.rend() ? mark->pos : g.start;
+    const CLexState state = mark != g.marks.rend() ? mark->state : g.startState;
+    const long until = std::min(g.end, pos + newCount + 2 * kCheckpointSpacing);
+    if (until < g.end) CutGuess(i, until, CLexState{});
+    i = CutGuess(i, from, state);
+    CGuess& redo = m_guesses[i];
+    redo.end = redo.start;
+    redo.endState = redo.startState;
+    redo.endClean = true;
+    redo.marks.clear();
     m_bCompareGuess = true;
-    ExtendGuess(first, end);
+    ExtendGuess(i, until);
     m_bCompareGuess = false;
 }
 
@@ -442,6 +477,7 @@ void CSyntaxState::DropConfirmedGuesses() {
     if (!m_guesses.empty() && m_guesses.front().start < m_nValidEnd) {
         m_guesses.front().start = m_nValidEnd;
         m_guesses.front().startState = m_resume;
+        std::erase_if(m_guesses.front().marks, [&](const CCheckpoint& m) { return m.pos <= m_nValidEnd; });
     }
 }
 

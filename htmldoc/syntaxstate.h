@@ -33,8 +33,9 @@
 // passed a window, its codes are the ones of a classification from the top and every byte
 // whose colour changed was repainted, and that happens as soon as the background gets there
 // (a slice per turn of the message loop), never later. An edit inside a window classifies
-// the window again from its start, comparing as well; an edit in front of ValidEnd() only
-// moves the windows behind it, whose codes the background then confirms or corrects.
+// it again, comparing as well, from the last state saved in front of the edit to a little
+// behind it, and cuts the window there; an edit in front of ValidEnd() only moves the windows
+// behind it. In both cases the background then confirms or corrects the codes behind.
 #pragma once
 #include <cstdint>
 #include <functional>
@@ -64,8 +65,7 @@ public:
     // again to find a '<' that opens markup), and is read this far behind it.
     static constexpr long kGuessBack = 2 << 10;
     static constexpr long kGuessAhead = 16 << 10;
-    // A window that has grown to this size is continued by a new one, so that an edit in a
-    // window classifies no more than this again.
+    // A window that has grown to this size is continued by a new one.
     static constexpr long kMaxGuess = 256 << 10;
 
     explicit CSyntaxState(const CGapBuffer& text);
@@ -105,13 +105,15 @@ private:
         CLexState state;
     };
     static constexpr uint8_t kInvalidMode = 0xFF;
-    // A window classified from a guessed state: [start, end), the state at each end.
+    // A window classified from a guessed state: [start, end), the state at each end, and states
+    // saved inside it about every kilobyte, from which an edit in it classifies again.
     struct CGuess {
         long start;
         long end;
         CLexState startState;
         CLexState endState;
         bool endClean;  // the lexer was clean at end, so endState can be read on from
+        std::vector<CCheckpoint> marks;
     };
 
     void Emit(long start, long end, uint8_t code) override;
@@ -132,8 +134,12 @@ private:
     // Where to start reading a window for pos: a '<' that opens markup, not in front of `floor`.
     long GuessStart(long pos, long floor) const;
     void MapGuesses(long pos, long oldCount, long newCount);
-    // Classifies the windows that an edit behind ValidEnd() touched again, comparing.
+    // Classifies again, comparing, what an edit behind ValidEnd() changed in a window: from
+    // the last state saved in front of it to a little behind it, where the window is cut.
     void RelexGuessesAt(long pos, long newCount);
+    // Cuts window i at `at`, a saved state of it or its start; gives the index of the part
+    // from `at` on, which holds nothing yet.
+    size_t CutGuess(size_t i, long at, const CLexState& state);
     void DropConfirmedGuesses();
     void ForgetHit() { m_nHitStart = m_nHitEnd = 0; }
 
