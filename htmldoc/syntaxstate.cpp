@@ -260,6 +260,13 @@ bool CSyntaxState::Converge(long pos, size_t oldIndex) {
 
 void CSyntaxState::MergeNewCheckpoints() {
     if (m_added.empty()) return;
+    if (m_added.size() <= kFewAdded) {
+        // Typing adds one now and then: into a free slot in front of it, or into the vector,
+        // keeping a pending shift pending. Merging would copy every checkpoint of the text.
+        for (const CCheckpoint& c : m_added) InsertCheckpoint(c);
+        m_added.clear();
+        return;
+    }
     MaterializeShift();
     std::vector<CCheckpoint> merged;
     merged.reserve(m_checkpoints.size() + m_added.size());
@@ -268,6 +275,18 @@ void CSyntaxState::MergeNewCheckpoints() {
     std::erase_if(merged, [](const CCheckpoint& c) { return c.state.mode == kInvalidMode; });
     m_checkpoints = std::move(merged);
     m_added.clear();
+}
+
+void CSyntaxState::InsertCheckpoint(const CCheckpoint& c) {
+    size_t k = FirstCheckpointBehind(c.pos);
+    const bool shiftedFrom = m_nShiftFrom < m_checkpoints.size();
+    if (k > 0 && m_checkpoints[k - 1].state.mode == kInvalidMode) {
+        --k;
+    } else {
+        m_checkpoints.insert(m_checkpoints.begin() + static_cast<long>(k), c);
+        if (shiftedFrom && k <= m_nShiftFrom) ++m_nShiftFrom;
+    }
+    m_checkpoints[k] = {c.pos - (shiftedFrom && k >= m_nShiftFrom ? m_nShiftBy : 0), c.state};
 }
 
 void CSyntaxState::NoteChange(long from, long to, uint8_t code) {

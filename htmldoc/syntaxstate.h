@@ -164,6 +164,9 @@ private:
     // The index of the first checkpoint that stands behind `pos`, valid or not.
     size_t FirstCheckpointBehind(long pos) const;
     void MergeNewCheckpoints();
+    // Puts one checkpoint made by Advance into its place.
+    void InsertCheckpoint(const CCheckpoint& c);
+    static constexpr size_t kFewAdded = 8;
 
     const CGapBuffer& m_text;
     unsigned long m_nGeneration = ~0UL;
