@@ -66,6 +66,27 @@ void PeerTyping(CPeer& peer, const std::string& tag, bool fullRepaint, Report re
     report(name + "_p99", Percentile(micros, 0.99), "us");
 }
 
+// The view's jumps: from the top of a text whose styles are cleared to its middle and its end,
+// through the paint there.
+template <class Report>
+void PeerJumps(CPeer& peer, const std::string& tag, Report report) {
+    std::vector<double> middle, end;
+    for (int i = 0; i < 3; ++i) {
+        for (auto* times : {&middle, &end}) {
+            peer.Send(QsciScintillaBase::SCI_CLEARDOCUMENTSTYLE);
+            peer.Send(QsciScintillaBase::SCI_GOTOPOS, 0);
+            peer.RepaintAll();
+            const long at = times == &middle ? peer.Length() / 2 : peer.Length();
+            const auto t0 = Clock::now();
+            peer.Send(QsciScintillaBase::SCI_GOTOPOS, static_cast<unsigned long>(at));
+            peer.RepaintAll();
+            times->push_back(1e3 * SecondsSince(t0));
+        }
+    }
+    report("jump_middle_" + tag + "_median", Percentile(middle, 0.5), "ms");
+    report("jump_end_" + tag + "_median", Percentile(end, 0.5), "ms");
+}
+
 template <class Report>
 void PeerSize(double megabytes, Report report) {
     const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
@@ -79,6 +100,7 @@ void PeerSize(double megabytes, Report report) {
     report("reformat_wrap_" + tag, megabytes / SecondsSince(t0), "MB/s");
     // The generated text is still held here; it does not count against the peer.
     report("memory_per_text_byte_" + tag, (ResidentBytes() - before - textBytes) / textBytes, "bytes");
+    PeerJumps(peer, tag, report);
     PeerTyping(peer, tag, false, report);
     PeerTyping(peer, tag, true, report);
     std::vector<double> millis;

@@ -5,6 +5,7 @@
 //     notification, rewrap, invalidation, and the repaint of what was invalidated; and the same
 //     with a full repaint (us, median and p99 over 200);
 //   - a full repaint of the window (ms, median and p99 over 100);
+//   - a jump to the middle and to the end of a text just put in, through the paint (ms);
 //   - a text put into a document that the view shows, as a host's file load is (MB/s);
 //   - the line table's memory per line, and the process's memory per byte of text after the
 //     load and layout, and again once the whole text is classified;
@@ -90,6 +91,26 @@ void MeasureRepaint(CView& view, const std::string& tag) {
     ReportMedianAndP99("repaint_" + tag, millis, "ms");
 }
 
+// A jump from the top of a freshly loaded text, not yet classified, to its middle and to its
+// end, through the paint there (ms, median of 3, each on the text put in anew).
+void MeasureJumps(CView& view, CHtmlDocument* doc, const std::string& text, const std::string& tag) {
+    std::vector<double> middle, end;
+    for (int i = 0; i < 3; ++i) {
+        for (auto* times : {&middle, &end}) {
+            doc->SetText(text);
+            view->ScrollRangeIntoView(0, 0);
+            UpdateWindow(view.Hwnd());
+            const long at = times == &middle ? doc->GetLength() / 2 : doc->GetLength();
+            const auto t0 = Clock::now();
+            view->ScrollRangeIntoView(at, at);
+            UpdateWindow(view.Hwnd());
+            times->push_back(1e3 * SecondsSince(t0));
+        }
+    }
+    ReportMedianAndP99("jump_middle_" + tag, middle, "ms");
+    ReportMedianAndP99("jump_end_" + tag, end, "ms");
+}
+
 // A text put into a document that a view shows, as a host's file load is: the view lays out
 // what arrives (MB/s).
 void MeasureLoadIntoView(const std::string& text, double megabytes, const std::string& tag) {
@@ -106,15 +127,16 @@ void MeasureSize(double megabytes) {
     malloc_trim(0);
     const double before = ResidentBytes();
     ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
-    {
-        std::string text = htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6));
-        MeasureLoadIntoView(text, megabytes, tag);
-        malloc_trim(0);
-        doc->SetText(text);
-    }
+    std::string text = htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6));
+    MeasureLoadIntoView(text, megabytes, tag);
+    malloc_trim(0);
+    doc->SetText(text);
     const double bytes = doc->GetLength();
     {
         CView view(doc.Get(), true);
+        MeasureJumps(view, doc.Get(), text, tag);
+        std::string().swap(text);
+        malloc_trim(0);
         Report("memory_per_text_byte_" + tag, (ResidentBytes() - before) / bytes, "bytes");
         // The document classifies lazily; once all of it is classified its syntax state is whole.
         doc->Syntax().ClassifyTo(doc->GetLength());

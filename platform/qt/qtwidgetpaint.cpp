@@ -121,10 +121,16 @@ void CQtControlWidget::ValidateClient(const RECT* rc) {
 }
 
 // WM_PAINT for what is invalid, now; gives what was to be painted. A handler that does not call
-// BeginPaint has the area validated for it, as the default handling would.
+// BeginPaint has the area validated for it, as the default handling would. Never inside another
+// WM_PAINT (a handler that asks for an update while it paints): what is invalid then stays so and
+// comes with the next paint event.
 QRegion CQtControlWidget::DeliverPaint() {
     const QRegion asked = m_rgnPending;
     if (asked.isEmpty() || !m_hwnd) return {};
+    if (m_bDelivering) {
+        viewport()->update(asked);
+        return {};
+    }
     const int beginPaints = m_nBeginPaints;
     const bool wasDelivering = std::exchange(m_bDelivering, true);
     Send(WM_PAINT, 0, 0);

@@ -1,6 +1,8 @@
 // The busy panel: a line of text and a small animation over the top of the control while a long
 // operation blocks the thread. Calls nest; the panel is up while the count is above 0, and the
-// control paints nothing but a flat fill meanwhile.
+// control paints nothing but a flat fill meanwhile. An announcement made while the control paints
+// (a document that classifies as the painter asks) only counts: showing the panel would paint
+// inside the paint, and the work is over before anything could show it.
 #include "platform/window/caret.h"
 #include "platform/window/controls.h"
 #include "src/view/zentrelctrl.h"
@@ -16,7 +18,7 @@ constexpr int kAnimationSize = 32;
 
 void CZentrelCtrl::ShowBusyPanel(BOOL bShow) {
     if (bShow) {
-        if (++m_nBusyCount == 1 && HasWindow()) OpenBusyPanel();
+        if (++m_nBusyCount == 1 && HasWindow() && !m_bPainting) OpenBusyPanel();
         return;
     }
     if (m_nBusyCount > 0 && --m_nBusyCount == 0) CloseBusyPanel();

@@ -1,6 +1,7 @@
 // The screen's side of painting: what kind of picture a paint wants, and the off-screen bitmap
 // that keeps it from flickering.
 #include <algorithm>
+#include <utility>
 
 #include "platform/gdi/fontobject.h"
 #include "src/layout/textreader.h"
@@ -29,11 +30,13 @@ void CZentrelCtrl::OnDraw(CDC* pDC, const RECT& rcBounds, const RECT& rcInvalid)
         pDC->FillSolidRect(rcInvalid, GetSysColor(COLOR_BTNFACE));
         return;
     }
+    const bool wasPainting = std::exchange(m_bPainting, true);
     PrepareDC(pDC);
     RECT bounds = rcBounds, invalid = rcInvalid;
     pDC->DPtoLP(&bounds);
     pDC->DPtoLP(&invalid);
     PaintView(pDC, bounds, invalid, TRUE);
+    m_bPainting = wasPainting;
 }
 
 void CZentrelCtrl::PrepareDC(CDC* pDC) {

@@ -660,6 +660,9 @@ public:
 
     // Printing: the page setup object, the one store of print settings.
     CEditPageSetupDialog m_dlgPageSetup;
+
+    // Painting speed: set while OnDraw paints, so that nothing paints inside the paint.
+    bool m_bPainting = false;
 };
 
 // Creates a control with one reference for the caller, as the class factory does.

@@ -3,6 +3,7 @@
 #pragma once
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -46,6 +47,7 @@ public:
     HRESULT GetItemAt(long pos, long* itemStart, ISourceSyntaxItem** out) override;
     long GetClassAt(long pos) override {
         ++classCalls;
+        if (onClassAsked) onClassAsked(pos);
         return pos < static_cast<long>(m_classes.size()) ? m_classes[static_cast<size_t>(pos)] : 0;
     }
     HRESULT GetDocItemAt(long, ISourceDocItem** out) override {
@@ -61,6 +63,7 @@ public:
     }
 
     long classCalls = 0;
+    std::function<void(long pos)> onClassAsked;  // a document that works as it is asked
 
 private:
     CHtmlDocument* m_doc;
