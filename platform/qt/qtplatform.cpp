@@ -27,7 +27,7 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 
 CQtPlatform::CQtPlatform()
     : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
-      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)) {
+      m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousDialogs(SetDialogBackend(&m_dialogs)) {
     m_clock.start();
 }
 
@@ -37,6 +37,7 @@ CQtPlatform::~CQtPlatform() {
     if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
     if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
     if (GetDragDropBackend() == &m_dragDrop) SetDragDropBackend(m_pPreviousDragDrop);
+    if (GetDialogBackend() == &m_dialogs) SetDialogBackend(m_pPreviousDialogs);
 }
 
 QWidget* CQtPlatform::ViewportOf(HWND hwnd) const {

@@ -8,6 +8,7 @@
 #include <Qt>
 
 #include "platform/qt/qtclipboard.h"
+#include "platform/qt/qtdialogform.h"
 #include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtgdi.h"
 #include "platform/window/window.h"
@@ -66,6 +67,8 @@ private:
     IClipboardBackend* m_pPreviousClipboard;
     CQtDragDrop m_dragDrop;
     IDragDropBackend* m_pPreviousDragDrop;
+    CQtDialogs m_dialogs;
+    IDialogBackend* m_pPreviousDialogs;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;

@@ -1,4 +1,5 @@
 // The automation table of the control: every member by dispid and name, with its code.
+#include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
 
 namespace {
@@ -266,10 +267,13 @@ void AddAnnotations(Table& t) {
     });
 }
 
-// Members whose behaviour arrives with the About box, printing and the picker: they answer
+// The About box, and members whose behaviour arrives with printing and the picker: they answer
 // "nothing done" until then.
 void AddDialogs(Table& t) {
-    t.Method(DISPID_ABOUTBOX, "void AboutBox()", [](CZentrelCtrl&, Args&) { return Nothing(); });
+    t.Method(DISPID_ABOUTBOX, "void AboutBox()", [](CZentrelCtrl& c, Args&) {
+        ShowAboutBox(c.GetSafeHwnd());
+        return Nothing();
+    });
     t.Method(69, "BOOL Print(BSTR lpszPathName)", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
     t.Method(70, "BOOL PageSetup()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
     t.Method(92, "BOOL ShowSyntaxPicker()", [](CZentrelCtrl&, Args&) { return Variant::Bool(false); });
