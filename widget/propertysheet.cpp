@@ -54,8 +54,8 @@ ZentrelPropertySheet::ZentrelPropertySheet(ZentrelWidget* control, QWidget* pare
         page->SetObjects({control->dispatch()});
         auto* form = new CQtDialogForm(page->GetPageTemplate());
         m_pTabs->addTab(form, QtTextFromCodePage(page->GetPageTemplate().caption));
-        connect(form, &CQtDialogForm::itemChanged, this, markDirty);
         page->Activate(form);
+        connect(form, &CQtDialogForm::itemChanged, this, markDirty);
         m_pages->module.push_back(page);
     }
     auto* layout = new QVBoxLayout(this);
