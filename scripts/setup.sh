@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   clang libclang-rt-14-dev
-  qt6-base-dev qt6-declarative-dev libgl-dev
+  qt6-base-dev qt6-declarative-dev qt6-tools-dev libgl-dev
   libgtest-dev libgmock-dev googletest libbenchmark-dev
   fonts-liberation fonts-dejavu-core fonts-wqy-microhei
   xvfb xauth x11-apps xdotool xclip

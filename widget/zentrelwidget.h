@@ -15,6 +15,7 @@
 // control. The Qt backend of the window services is installed while any widget lives, unless
 // the host has installed one of its own.
 #pragma once
+#include "platform/com/export.h"
 #include <QPair>
 #include <QPoint>
 #include <QWidget>
@@ -33,7 +34,7 @@ class CZentrelCtrl;
     ZENTREL_READ(Type, getter, Name)                   \
     void setter(const Type& value) { Put(Name, QVariant::fromValue(value)); }
 
-class ZentrelWidget : public QWidget {
+class ZENTREL_EXPORT ZentrelWidget : public QWidget {
     Q_OBJECT
     Q_PROPERTY(int appearance READ appearance WRITE setAppearance)
     Q_PROPERTY(int borderStyle READ borderStyle WRITE setBorderStyle)

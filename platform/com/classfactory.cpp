@@ -8,6 +8,7 @@ namespace {
 
 LONG g_nObjects = 0;
 LONG g_nLocks = 0;
+GetClassObjectFn g_linkedModule = nullptr;
 
 struct ClassEntry {
     CLSID clsid;
@@ -37,7 +38,7 @@ public:
         return object->QueryInterface(riid, ppv);
     }
     HRESULT LockServer(BOOL lock) override {
-        g_nLocks += lock ? 1 : -1;
+        lock ? ModuleLock() : ModuleUnlock();
         return S_OK;
     }
 
@@ -74,7 +75,13 @@ HRESULT CreateInstance(REFCLSID clsid, REFIID riid, void** ppv) {
     return factory->CreateInstance(nullptr, riid, ppv);
 }
 
+void SetLinkedModule(GetClassObjectFn getClassObject) { g_linkedModule = getClassObject; }
+GetClassObjectFn LinkedModule() { return g_linkedModule; }
+
 void ModuleAddObject() { ++g_nObjects; }
 void ModuleReleaseObject() { --g_nObjects; }
 LONG ModuleObjectCount() { return g_nObjects; }
+void ModuleLock() { ++g_nLocks; }
+void ModuleUnlock() { --g_nLocks; }
+LONG ModuleLockCount() { return g_nLocks; }
 HRESULT CanUnloadNow() { return g_nObjects == 0 && g_nLocks == 0 ? S_OK : S_FALSE; }

@@ -2,13 +2,14 @@
 // Arguments travel in declaration order (the first parameter first); a property put carries
 // the new value as the last argument.
 #pragma once
+#include "platform/com/export.h"
 #include <string>
 #include <vector>
 
 #include "platform/com/unknown.h"
 #include "platform/com/variant.h"
 
-extern const IID IID_IDispatch;
+ZENTREL_EXPORT extern const IID IID_IDispatch;
 
 constexpr WORD DISPATCH_METHOD = 0x1;
 constexpr WORD DISPATCH_PROPERTYGET = 0x2;

@@ -1,11 +1,12 @@
 // IUnknown, the counted base of every interface, and ComPtr, the counted smart pointer.
 #pragma once
+#include "platform/com/export.h"
 #include <utility>
 
 #include "platform/com/guid.h"
 #include "platform/com/types.h"
 
-extern const IID IID_IUnknown;
+ZENTREL_EXPORT extern const IID IID_IUnknown;
 
 class IUnknown {
 public:

@@ -2,6 +2,7 @@
 // arguments carry, by value or by reference. Text (BSTR) is multi-byte text in the process
 // code page, held as std::string.
 #pragma once
+#include "platform/com/export.h"
 #include <cstdint>
 #include <string>
 
@@ -26,7 +27,7 @@ enum VARENUM : uint16_t {
 };
 using VARTYPE = uint16_t;
 
-class Variant {
+class ZENTREL_EXPORT Variant {
 public:
     Variant() = default;
     Variant(const Variant& o) { CopyFrom(o); }

@@ -32,7 +32,7 @@ CQtWindowBackend* QtBackend(HWND hwnd) {
 CQtPlatform::CQtPlatform()
     : m_pPreviousGdi(SetGdiBackend(&m_gdi)), m_pPreviousClipboard(SetClipboardBackend(&m_clipboard)),
       m_pPreviousDragDrop(SetDragDropBackend(&m_dragDrop)), m_pPreviousDialogs(SetDialogBackend(&m_dialogs)),
-      m_pPreviousPrint(GetPrintBackend()) {
+      m_pPreviousPrint(GetPrintBackend()), m_pPreviousForms(SetFormBackend(&m_forms)) {
     // A print backend that a host or a test installed first stays: its dialogs answer.
     if (!m_pPreviousPrint) SetPrintBackend(&m_print);
     m_clock.start();
@@ -45,6 +45,7 @@ CQtPlatform::~CQtPlatform() {
     if (GetGdiBackend() == &m_gdi) SetGdiBackend(m_pPreviousGdi);
     if (GetClipboardBackend() == &m_clipboard) SetClipboardBackend(m_pPreviousClipboard);
     if (GetDragDropBackend() == &m_dragDrop) SetDragDropBackend(m_pPreviousDragDrop);
+    if (GetFormBackend() == &m_forms) SetFormBackend(m_pPreviousForms);
     if (GetPrintBackend() == &m_print) SetPrintBackend(nullptr);
     if (GetDialogBackend() == &m_dialogs) SetDialogBackend(m_pPreviousDialogs);
 }

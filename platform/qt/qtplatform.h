@@ -8,6 +8,7 @@
 #include <Qt>
 
 #include "platform/qt/qtclipboard.h"
+#include "platform/qt/qtdialogform.h"
 #include "platform/qt/qtdialogs.h"
 #include "platform/qt/qtdragdrop.h"
 #include "platform/qt/qtgdi.h"
@@ -80,6 +81,8 @@ private:
     IDialogBackend* m_pPreviousDialogs;
     CQtPrintBackend m_print;
     IPrintBackend* m_pPreviousPrint;
+    CQtForms m_forms;
+    IFormBackend* m_pPreviousForms;
     QElapsedTimer m_clock;
     std::vector<HWND> m_windows;
     QWidget* m_pGivenParent = nullptr;

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/com/classfactory.h"
 #include "src/annotations/bookmarkindex.h"
 #include "src/document/sourcetext.h"
 
@@ -39,6 +40,7 @@ public:
     void SetSerial(unsigned long serial) { m_nSerial = serial; }
 
 private:
+    CModuleLock m_moduleLock;  // a live bookmark keeps the module loaded
     CBookmarkManager* m_pManager = nullptr;
     unsigned long m_nSerial = 0;
     std::string m_strName;

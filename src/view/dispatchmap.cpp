@@ -1,4 +1,5 @@
 // The automation table of the control: every member by dispid and name, with its code.
+#include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
 
 namespace {
@@ -266,10 +267,12 @@ void AddAnnotations(Table& t) {
     });
 }
 
-// Printing, and the members whose behaviour arrives with the About box and the picker: those
-// answer "nothing done" until then.
+// The About box, printing and the picker.
 void AddDialogs(Table& t) {
-    t.Method(DISPID_ABOUTBOX, "void AboutBox()", [](CZentrelCtrl&, Args&) { return Nothing(); });
+    t.Method(DISPID_ABOUTBOX, "void AboutBox()", [](CZentrelCtrl& c, Args&) {
+        ShowAboutBox(c.GetSafeHwnd());
+        return Nothing();
+    });
     t.Method(69, "BOOL Print(BSTR lpszPathName)", [](CZentrelCtrl& c, Args& a) {
         const std::string name = ArgStr(a, 0);
         return Variant::Bool(c.PrintDocument(name.c_str()));

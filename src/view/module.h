@@ -1,13 +1,16 @@
-// The module object: process-wide state shared by every control, the code page data among it,
-// and the entry points through which a host makes controls.
+// The module object: process-wide state shared by every control, the code page data among it.
+// The entry points through which a host reaches the module are in entrypoints.h.
 #pragma once
 #include "platform/codepage/codepage.h"
+#include "platform/window/window.h"
 #include "platform/com/unknown.h"
 #include "platform/gdi/fontdesc.h"
+#include "src/view/entrypoints.h"
 
 class CZentrelApp {
 public:
-    // Reads the code page data of the process code page.
+    // Reads the code page data of the process code page and enters the module's classes in
+    // the table that DllGetClassObject serves.
     void InitInstance();
     BOOL IsLeadByte(BYTE ch) const;
 
@@ -24,8 +27,5 @@ FontDesc DefaultGutterFont();
 FontDesc DefaultSymbolFont();
 FontDesc DefaultEditFont();
 
-// Module entry points.
-HRESULT DllRegisterServer();
-HRESULT DllUnregisterServer();
-HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** ppv);
-HRESULT DllCanUnloadNow();
+// Shows the About box over `owner`; nothing shows where the platform has no dialogs.
+void ShowAboutBox(HWND owner);
