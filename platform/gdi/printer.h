@@ -39,8 +39,8 @@ struct PageSetupRecord {
     RECT rtMargin{1000, 1000, 1000, 1000};  // left, top, right, bottom, thousandths of an inch
 };
 
-// The control's items of an open dialog, by item id.
-class IDialogItems {
+// The control's items of an open page setup dialog, by item id.
+class IPageSetupItems {
 public:
     virtual std::string GetItemText(int id) const = 0;
     virtual void SetItemText(int id, const std::string& text) = 0;
@@ -54,25 +54,25 @@ public:
     virtual void Message(const std::string& text) = 0;
 
 protected:
-    ~IDialogItems() = default;
+    ~IPageSetupItems() = default;
 };
 
 // What the control does inside the page setup dialog, which the platform's dialog calls.
 class IPageSetupHook {
 public:
     // The dialog opens: fill the control's items (SetItemText, CheckItem) and their enabling.
-    virtual void OnInitDialog(IDialogItems& items) = 0;
+    virtual void OnInitDialog(IPageSetupItems& items) = 0;
     // A character typed into item `id`: false refuses it (the dialog beeps).
     virtual bool OnChar(int id, unsigned ch) { return true; }
     // Item `id` loses the focus: the hook may tidy its text.
-    virtual void OnKillFocus(IDialogItems& items, int id) {}
+    virtual void OnKillFocus(IPageSetupItems& items, int id) {}
     // Item `id` was clicked or its text changed.
-    virtual void OnCommand(IDialogItems& items, int id) {}
+    virtual void OnCommand(IPageSetupItems& items, int id) {}
     // OK: take the values; false keeps the dialog open (with the message already shown).
-    virtual bool OnOK(IDialogItems& items, const RECT& rtMargin) = 0;
+    virtual bool OnOK(IPageSetupItems& items, const RECT& rtMargin) = 0;
     // Draws the text area of the page picture into `rc` of `dc`, for paper `paperWidth`
     // thousandths of an inch wide.
-    virtual void PaintTextArea(IDialogItems& items, CDC* dc, const RECT& rc, long paperWidth) = 0;
+    virtual void PaintTextArea(IPageSetupItems& items, CDC* dc, const RECT& rc, long paperWidth) = 0;
 
 protected:
     ~IPageSetupHook() = default;

@@ -49,7 +49,7 @@ constexpr double kThousandths = 1000.0;
 // area drawn by the control's hook into an image.
 class CPagePreview final : public QWidget {
 public:
-    CPagePreview(IPageSetupHook* hook, IDialogItems* items) : m_pHook(hook), m_pItems(items) {
+    CPagePreview(IPageSetupHook* hook, IPageSetupItems* items) : m_pHook(hook), m_pItems(items) {
         setMinimumSize(kPreviewSize, kPreviewSize);
         setObjectName("pagePreview");
     }
@@ -87,13 +87,13 @@ protected:
 
 private:
     IPageSetupHook* m_pHook;
-    IDialogItems* m_pItems;
+    IPageSetupItems* m_pItems;
     long m_nWidth = 0, m_nHeight = 0;
     RECT m_margins{};
 };
 
 // The page setup form.
-class CPageSetupForm final : public QDialog, public IDialogItems {
+class CPageSetupForm final : public QDialog, public IPageSetupItems {
 public:
     CPageSetupForm(QWidget* parent, PageSetupRecord* record, IPageSetupHook* hook)
         : QDialog(parent), m_pRecord(record), m_pHook(hook), m_choice(record->device) {
@@ -105,7 +105,7 @@ public:
         UpdatePage();
     }
 
-    // --- IDialogItems ---
+    // --- IPageSetupItems ---
     std::string GetItemText(int id) const override {
         QWidget* w = Item(id);
         if (auto* line = qobject_cast<QLineEdit*>(w)) return line->text().toStdString();

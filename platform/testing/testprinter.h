@@ -65,7 +65,7 @@ private:
 };
 
 // The control's items of a scripted page setup dialog, with the typing a user does.
-class CTestDialogItems final : public IDialogItems {
+class CTestDialogItems final : public IPageSetupItems {
 public:
     explicit CTestDialogItems(IPageSetupHook* hook) : m_pHook(hook) {}
     std::string GetItemText(int id) const override;

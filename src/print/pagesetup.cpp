@@ -70,7 +70,7 @@ const CInchEdit* CEditPageSetupDialog::FindInchEdit(int id) const {
     return nullptr;
 }
 
-void CEditPageSetupDialog::OnInitDialog(IDialogItems& items) {
+void CEditPageSetupDialog::OnInitDialog(IPageSetupItems& items) {
     m_editColumnGap.SetValue(items, m_nColumnGap);
     m_editFooterDistance.SetValue(items, m_nFooterDistance);
     m_editHeaderDistance.SetValue(items, m_nHeaderDistance);
@@ -89,24 +89,24 @@ bool CEditPageSetupDialog::OnChar(int id, unsigned ch) {
     return !FindInchEdit(id) || CInchEdit::AcceptsChar(ch);
 }
 
-void CEditPageSetupDialog::OnKillFocus(IDialogItems& items, int id) {
+void CEditPageSetupDialog::OnKillFocus(IPageSetupItems& items, int id) {
     if (const CInchEdit* edit = FindInchEdit(id)) edit->OnKillFocus(items);
 }
 
-void CEditPageSetupDialog::OnCommand(IDialogItems& items, int id) {
+void CEditPageSetupDialog::OnCommand(IPageSetupItems& items, int id) {
     if (id == IDC_LINE_NUMBERS || id == IDC_COLUMNS) UpdateControls(items);
     if (id == IDC_LINE_NUMBERS || id == IDC_COLUMNS || id == IDC_LINE_NUMBER_WIDTH || id == IDC_HEADER_DISTANCE ||
         id == IDC_COLOR_PRINTING || id == IDC_COLUMN_GAP)
         items.InvalidatePreview();
 }
 
-void CEditPageSetupDialog::UpdateControls(IDialogItems& items) {
+void CEditPageSetupDialog::UpdateControls(IPageSetupItems& items) {
     items.EnableItem(IDC_LINE_NUMBER_WIDTH, items.IsChecked(IDC_LINE_NUMBERS));
     long columns = 0;
     items.EnableItem(IDC_COLUMN_GAP, ReadInt(items.GetItemText(IDC_COLUMNS), &columns) && columns >= 2);
 }
 
-bool CEditPageSetupDialog::OnOK(IDialogItems& items, const RECT& rtMargin) {
+bool CEditPageSetupDialog::OnOK(IPageSetupItems& items, const RECT& rtMargin) {
     long columns = 0;
     if (!ReadInt(items.GetItemText(IDC_COLUMNS), &columns) || columns < kMinColumns || columns > kMaxColumns) {
         items.Message(FormatMessage(LoadString(IDS_COLUMNS_RANGE), {std::to_string(kMinColumns), std::to_string(kMaxColumns)}));
@@ -126,7 +126,7 @@ bool CEditPageSetupDialog::OnOK(IDialogItems& items, const RECT& rtMargin) {
     return true;
 }
 
-void CEditPageSetupDialog::PaintTextArea(IDialogItems& items, CDC* dc, const RECT& rc, long paperWidth) {
+void CEditPageSetupDialog::PaintTextArea(IPageSetupItems& items, CDC* dc, const RECT& rc, long paperWidth) {
     if (paperWidth <= 0 || rc.IsEmpty()) return;
     const long w = rc.Width();
     long columns = 1;

@@ -34,9 +34,9 @@ public:
     // Thousandths as text: whole inches, a point and three digits if there is a remainder, and
     // the inch mark.
     static std::string TextFromValue(long n);
-    long GetValue(const IDialogItems& items) const { return ValueFromText(items.GetItemText(m_nId)); }
-    void SetValue(IDialogItems& items, long n) const { items.SetItemText(m_nId, TextFromValue(n)); }
-    void OnKillFocus(IDialogItems& items) const { SetValue(items, GetValue(items)); }
+    long GetValue(const IPageSetupItems& items) const { return ValueFromText(items.GetItemText(m_nId)); }
+    void SetValue(IPageSetupItems& items, long n) const { items.SetItemText(m_nId, TextFromValue(n)); }
+    void OnKillFocus(IPageSetupItems& items) const { SetValue(items, GetValue(items)); }
 
 private:
     int m_nId;
@@ -73,16 +73,16 @@ public:
     static constexpr int kMaxColumns = 3;
 
     // --- IPageSetupHook ---
-    void OnInitDialog(IDialogItems& items) override;
+    void OnInitDialog(IPageSetupItems& items) override;
     bool OnChar(int id, unsigned ch) override;
-    void OnKillFocus(IDialogItems& items, int id) override;
-    void OnCommand(IDialogItems& items, int id) override;
-    bool OnOK(IDialogItems& items, const RECT& rtMargin) override;
-    void PaintTextArea(IDialogItems& items, CDC* dc, const RECT& rc, long paperWidth) override;
+    void OnKillFocus(IPageSetupItems& items, int id) override;
+    void OnCommand(IPageSetupItems& items, int id) override;
+    bool OnOK(IPageSetupItems& items, const RECT& rtMargin) override;
+    void PaintTextArea(IPageSetupItems& items, CDC* dc, const RECT& rc, long paperWidth) override;
 
 private:
     // 218 follows the check box 219; 229 is open for two columns or more.
-    void UpdateControls(IDialogItems& items);
+    void UpdateControls(IPageSetupItems& items);
     const CInchEdit* FindInchEdit(int id) const;
 
     CInchEdit m_editColumnGap{IDC_COLUMN_GAP};
