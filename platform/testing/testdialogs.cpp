@@ -1,7 +1,11 @@
 #include "platform/testing/testdialogs.h"
 
 TestDialogAnswer CTestDialogs::Next(TestDialogKind kind) {
-    if (m_answers.empty() || m_answers.front().kind != kind) return TestDialogAnswer{kind};
+    if (m_answers.empty() || m_answers.front().kind != kind) {
+        TestDialogAnswer cancel;
+        cancel.kind = kind;
+        return cancel;
+    }
     TestDialogAnswer answer = m_answers.front();
     m_answers.pop_front();
     return answer;

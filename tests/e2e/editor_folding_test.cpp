@@ -38,17 +38,11 @@ std::optional<QPoint> FindPlusBox(const QImage& image) {
 
 class EditorFolding : public EditorDriven {
 protected:
-    // The whole screen as the server shows it now.
-    QImage Grab() {
-        const std::string shot = Path("folding-screen.png");
-        if (!Run({"import", "-window", "root", shot}, "import.log")) return {};
-        return QImage(QString::fromStdString(shot)).convertToFormat(QImage::Format_RGB32);
-    }
     // Grabs the screen until a plus box shows (or, with `shown` false, none does) or time is up.
     std::optional<QPoint> WaitForPlusBox(bool shown) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kStepMs);
         for (;;) {
-            const std::optional<QPoint> box = FindPlusBox(Grab());
+            const std::optional<QPoint> box = FindPlusBox(Grab("folding-screen.png"));
             if (box.has_value() == shown || std::chrono::steady_clock::now() > deadline) return box;
             QThread::msleep(100);
         }

@@ -14,11 +14,6 @@ using namespace e2e;
 
 class EditorPageSetup : public EditorDriven {
 protected:
-    QImage Grab(const char* name) {
-        const std::string shot = Path(name);
-        if (!Run({"import", "-window", "root", shot}, "import.log")) return {};
-        return QImage(QString::fromStdString(shot)).convertToFormat(QImage::Format_RGB32);
-    }
     // Pixels that differ between two screens.
     static int Differences(const QImage& a, const QImage& b) {
         if (a.size() != b.size()) return -1;

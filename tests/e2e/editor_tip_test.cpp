@@ -21,11 +21,6 @@ bool IsDark(QRgb px) { return qGray(px) < 96; }
 
 class EditorTip : public EditorDriven {
 protected:
-    QImage Grab(const char* name) {
-        const std::string shot = Path(name);
-        if (!Run({"import", "-window", "root", shot}, "import.log")) return {};
-        return QImage(QString::fromStdString(shot)).convertToFormat(QImage::Format_RGB32);
-    }
     std::optional<QPoint> Mouse() {
         if (!Xdo({"getmouselocation"})) return std::nullopt;
         const QString out = QString::fromStdString(Read(Path("xdotool.log")));

@@ -3,6 +3,7 @@
 // xdotool is missing.
 #pragma once
 #include <QFile>
+#include <QImage>
 #include <QStandardPaths>
 #include <QThread>
 
@@ -24,6 +25,14 @@ protected:
         if (QStandardPaths::findExecutable("xdotool").isEmpty()) GTEST_SKIP() << "xdotool is not installed";
         m_display = StartServer();
         ASSERT_GE(m_display, 0) << "Xvfb did not start:\n" << ReadLog(Path("xvfb.log"));
+    }
+
+    // The whole screen as the server shows it now, kept as `name` in the test folder; a null
+    // image when it can't be taken.
+    QImage Grab(const char* name) {
+        const std::string shot = Path(name);
+        if (!Run({"import", "-window", "root", shot}, "import.log")) return {};
+        return QImage(QString::fromStdString(shot)).convertToFormat(QImage::Format_RGB32);
     }
 
     // Runs a program on the display and waits for it; its output goes to `log`.
