@@ -19,6 +19,12 @@ RecordPtr FindAnimation(HWND hwnd) {
 
 }  // namespace
 
+void UncoverParent(const CWindowRecord& rec) {
+    if (!rec.bControl || !rec.bVisible || rec.rcControl.IsEmpty()) return;
+    RecordPtr parent = FindLiveRecord(rec.parent);
+    if (parent && !parent->bDestroying) InvalidateRect(rec.parent, &rec.rcControl, TRUE);
+}
+
 HWND CreateChildControl(ChildControlKind kind, HWND parent, int id, const RECT& rc) {
     IPlatformBackend* platform = GetPlatformBackend();
     if (!platform || !FindLiveRecord(parent)) return nullptr;
@@ -27,6 +33,7 @@ HWND CreateChildControl(ChildControlKind kind, HWND parent, int id, const RECT& 
     rec->kind = kind;
     rec->nId = id;
     rec->bVisible = false;
+    rec->rcControl = rc;
     rec->pBackend = platform->CreateChildControl(rec->hwnd, kind, parent, rc);
     if (!rec->pBackend) {
         UnregisterRecord(rec->hwnd);
@@ -51,7 +58,12 @@ std::string GetWindowText(HWND hwnd) {
 BOOL MoveWindow(HWND hwnd, int x, int y, int cx, int cy, BOOL) {
     RecordPtr rec = FindLiveRecord(hwnd);
     if (!rec) return FALSE;
-    rec->pBackend->Move(RECT{x, y, x + std::max(cx, 0), y + std::max(cy, 0)});
+    const RECT rc{x, y, x + std::max(cx, 0), y + std::max(cy, 0)};
+    if (rec->bControl) {
+        UncoverParent(*rec);
+        rec->rcControl = rc;
+    }
+    rec->pBackend->Move(rc);
     return TRUE;
 }
 
@@ -59,6 +71,7 @@ BOOL ShowWindow(HWND hwnd, int cmd) {
     RecordPtr rec = FindLiveRecord(hwnd);
     if (!rec) return FALSE;
     const bool was = rec->bVisible;
+    if (was && cmd == SW_HIDE) UncoverParent(*rec);
     rec->bVisible = cmd != SW_HIDE;
     if (was != rec->bVisible) rec->pBackend->Show(rec->bVisible);
     return was ? TRUE : FALSE;

@@ -28,10 +28,15 @@ struct CWindowRecord {
     UINT nAnimation = 0;  // the resource opened in an animation, 0 before AnimateOpen
     std::string text;
     bool bVisible = true;  // child controls start hidden
+    RECT rcControl{};      // a child control's place in its parent's client area
     ScrollBarState bars[2];  // SB_HORZ, SB_VERT
     IAccessibleText* pAccessible = nullptr;  // what the window tells assistive technology
 };
 using RecordPtr = std::shared_ptr<CWindowRecord>;
+
+// A shown child control that hides or goes leaves the parent's pixels under it to be painted
+// again, as a window manager does when it uncovers a window.
+void UncoverParent(const CWindowRecord& rec);
 
 RecordPtr FindRecord(HWND hwnd);
 // The record of a window whose backend exists and that is not on its way out, or null.

@@ -162,6 +162,7 @@ BOOL DestroyWindow(HWND hwnd) {
     RecordPtr rec = Find(hwnd);
     if (!rec || rec->bDestroying) return FALSE;
     rec->bDestroying = true;
+    UncoverParent(*rec);
     Deliver(rec, WM_DESTROY, 0, 0);
     // Children go after their parent has heard of it, and before the parent's backend, whose
     // toolkit window may own theirs.

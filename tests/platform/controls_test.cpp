@@ -34,7 +34,12 @@ TEST_F(ControlsTest, ChildControlsAreHiddenUntilShownAndRecordWhatTheyShow) {
     EXPECT_EQ(label->WindowRect(), (RECT{40, 10, 308, 42}));
     EXPECT_FALSE(ShowWindow(text, SW_SHOW));  // it was hidden
     EXPECT_TRUE(IsWindowVisible(text));
+    // A shown control that hides, moves or goes leaves its parent to paint what it uncovers.
+    TestWindow(parent)->ClearInvalidated();
     EXPECT_TRUE(ShowWindow(text, SW_HIDE));
+    ShowWindow(anim, SW_SHOW);
+    MoveWindow(anim, 8, 4, 32, 32, FALSE);
+    EXPECT_EQ(TestWindow(parent)->Invalidated(), (std::vector<RECT>{{40, 10, 308, 42}, {4, 4, 36, 36}}));
 
     EXPECT_FALSE(AnimatePlay(anim));  // nothing opened yet
     EXPECT_TRUE(AnimateOpen(anim, 242));
@@ -46,6 +51,8 @@ TEST_F(ControlsTest, ChildControlsAreHiddenUntilShownAndRecordWhatTheyShow) {
     EXPECT_FALSE(AnimateOpen(text, 242));  // a static control plays nothing
 
     EXPECT_EQ(SendMessage(text, WM_PAINT, 0, 0), 0);  // no handler of its own
+    DestroyWindow(anim);
+    EXPECT_EQ(TestWindow(parent)->Invalidated().back(), (RECT{8, 4, 40, 36}));
 }
 
 TEST_F(ControlsTest, ChildControlsGoWithTheirParentAndNeedOne) {
