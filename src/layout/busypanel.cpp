@@ -1,8 +1,11 @@
 // The busy panel: a line of text and a small animation over the top of the control while a long
 // operation blocks the thread. Calls nest; the panel is up while the count is above 0, and the
-// control paints nothing but a flat fill meanwhile. An announcement made while the control paints
-// (a document that classifies as the painter asks) only counts: showing the panel would paint
-// inside the paint, and the work is over before anything could show it.
+// control paints nothing but a flat fill meanwhile, and paints the window anew when it is over.
+// An announcement made while the control paints (a document that classifies as the painter asks)
+// only counts: showing the panel would paint inside the paint, and the work is over before
+// anything could show it.
+#include <utility>
+
 #include "platform/window/caret.h"
 #include "platform/window/controls.h"
 #include "src/view/zentrelctrl.h"
@@ -21,7 +24,11 @@ void CZentrelCtrl::ShowBusyPanel(BOOL bShow) {
         if (++m_nBusyCount == 1 && HasWindow() && !m_bPainting) OpenBusyPanel();
         return;
     }
-    if (m_nBusyCount > 0 && --m_nBusyCount == 0) CloseBusyPanel();
+    if (m_nBusyCount > 0 && --m_nBusyCount == 0) {
+        CloseBusyPanel();
+        // What was painted meanwhile is a flat fill: it is painted again with the text.
+        if (std::exchange(m_bBusyFilled, false)) InvalidateControl();
+    }
     if (HasWindow()) ShowCaret(m_hWnd);
 }
 

@@ -28,6 +28,7 @@ void CZentrelCtrl::OnDraw(CDC* pDC, const RECT& rcBounds, const RECT& rcInvalid)
     }
     if (m_nBusyCount > 0) {
         pDC->FillSolidRect(rcInvalid, GetSysColor(COLOR_BTNFACE));
+        m_bBusyFilled = true;
         return;
     }
     const bool wasPainting = std::exchange(m_bPainting, true);

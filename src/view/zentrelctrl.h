@@ -663,6 +663,9 @@ public:
 
     // Painting speed: set while OnDraw paints, so that nothing paints inside the paint.
     bool m_bPainting = false;
+    // Set when a paint filled flat while the control was busy: that part of the window is stale
+    // until the control is no longer busy.
+    bool m_bBusyFilled = false;
 };
 
 // Creates a control with one reference for the caller, as the class factory does.

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "htmldoc/htmldocument.h"
+#include "platform/window/caret.h"
 #include "platform/window/paint.h"
 #include "tests/qt/processuntil.h"
 #include "tests/qt/qtviewfixture.h"
@@ -39,6 +40,16 @@ protected:
     QImage Shot() {
         return qobject_cast<QAbstractScrollArea*>(QtWidgetFromHwnd(hwnd))->viewport()->grab().toImage();
     }
+    // A page of tagged lines, shown and painted; gives its picture.
+    QImage OpenPage() {
+        std::string text;
+        for (int i = 0; i < 40; ++i) text += "<p class=\"x\">line " + std::to_string(i) + "</p>\n";
+        doc->SetText(text);
+        syntax.SetClass(0, 3, SC_TAG);
+        OpenView(&syntax, 400, 300);
+        ProcessUntil([&] { return !GetUpdateRect(hwnd, nullptr, FALSE); });
+        return Shot();
+    }
     ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
     CScriptedSyntax syntax{doc.Get()};
 };
@@ -68,6 +79,20 @@ TEST_F(BusyWhilePainting, AnAnnouncementDuringThePaintPaintsNothingInsideIt) {
     EXPECT_EQ(ctrl->GetBusyCount(), 0);
     for (const std::string& message : warnings.Messages()) ADD_FAILURE() << "Qt warned: " << message;
     // The paint went through as any other: the window looks as it did, with no busy fill in it.
+    EXPECT_TRUE(Shot() == before);
+}
+
+// While busy the view paints a flat fill over whatever it is asked to paint; when the work is
+// over, the whole window shows the text again.
+TEST_F(BusyWhilePainting, WhatWasFilledWhileBusyShowsTheTextAfterwards) {
+    const QImage before = OpenPage();
+    ctrl->OnBusy(TRUE, "Loading", 0);
+    const RECT row{0, 0, 120, 14};
+    InvalidateRect(hwnd, &row, FALSE);
+    UpdateWindow(hwnd);
+    ctrl->OnBusy(FALSE, nullptr, 0);
+    ProcessUntil([&] { return !GetUpdateRect(hwnd, nullptr, FALSE); });
+    HideCaret(hwnd);  // shown again when the work is over; the text is what counts here
     EXPECT_TRUE(Shot() == before);
 }
 
