@@ -91,7 +91,8 @@ double PeerSize(double megabytes, const std::string& tag, Report report) {
 
 // A peer runs a size only where its cost at the last size measured, grown in proportion, stays
 // within ZENTREL_BENCH_PEER_SECONDS (default 60) and ZENTREL_BENCH_PEER_GB (default 8); a size
-// it skips gets a line that says so and why.
+// it skips gets a line that says so and why. The first size has nothing to go by and always
+// runs: give the small sizes first.
 class CPeerBudget {
 public:
     explicit CPeerBudget(std::string peer)
