@@ -5,10 +5,9 @@
 #pragma once
 #include <QApplication>
 #include <QPlainTextEdit>
-#include <QScrollBar>
 #include <QSyntaxHighlighter>
-#include <QTextBlock>
 #include <QTextCharFormat>
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
