@@ -20,15 +20,19 @@ inline void Report(const std::string& name, double value, const char* unit) {
     Print(name, value, unit);
 }
 
-// The peer's figure for the same workload, with its ratio to ours, put so that above 1 is better
-// for us: the peer's time or memory over ours, or our throughput over the peer's.
-inline void ReportPeer(const std::string& name, double value, const char* unit) {
-    Print("peer_" + name, value, unit);
+// A peer's figure for the same workload, printed as "<peer>_<name>", with its ratio to ours,
+// put so that above 1 is better for us: the peer's time or memory over ours, or our throughput
+// over the peer's. The ratio to the first peer is "ratio_<name>"; to any other,
+// "ratio_<peer>_<name>".
+inline void ReportPeerNamed(const std::string& peer, const std::string& name, double value, const char* unit) {
+    Print(peer + "_" + name, value, unit);
     auto it = Ours().find(name);
     if (it == Ours().end() || it->second <= 0 || value <= 0) return;
     const bool throughput = std::string(unit) == "MB/s" || std::string(unit) == "pages/s";
-    Print("ratio_" + name, throughput ? it->second / value : value / it->second, "x");
+    Print("ratio_" + (peer == "peer" ? "" : peer + "_") + name, throughput ? it->second / value : value / it->second, "x");
 }
+
+inline void ReportPeer(const std::string& name, double value, const char* unit) { ReportPeerNamed("peer", name, value, unit); }
 
 inline void ReportMedianAndP99(const std::string& name, const std::vector<double>& samples, const char* unit) {
     Report(name + "_median", Percentile(samples, 0.5), unit);

@@ -6,13 +6,13 @@
 #include <Qsci/qsciscintilla.h>
 
 #include <QApplication>
-#include <malloc.h>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "bench/benchtools.h"
 #include "bench/htmlgen.h"
+#include "bench/peerworkloads.h"
 
 namespace bench {
 
@@ -37,8 +37,20 @@ public:
         const long lines = m_sci->SendScintilla(QsciScintillaBase::SCI_GETLINECOUNT);
         m_sci->SendScintilla(QsciScintillaBase::SCI_ENSUREVISIBLE, lines - 1);
     }
+    // The text set, then every line wrapped; the wrap is its full layout.
+    template <class Report>
+    static std::unique_ptr<CPeer> Open(const std::string& text, double megabytes, const std::string& tag, Report report) {
+        auto peer = std::make_unique<CPeer>(text, false);
+        const auto t0 = Clock::now();
+        peer->Wrap();
+        report("reformat_wrap_" + tag, megabytes / SecondsSince(t0), "MB/s");
+        return peer;
+    }
+    static std::string MemoryFigure() { return "memory_per_text_byte_"; }
     long Length() const { return m_sci->SendScintilla(QsciScintillaBase::SCI_GETLENGTH); }
     void Send(unsigned msg, unsigned long w = 0, long l = 0) { m_sci->SendScintilla(msg, w, l); }
+    void MoveCaret(long at) { Send(QsciScintillaBase::SCI_GOTOPOS, static_cast<unsigned long>(at)); }
+    void ForgetStyles() { Send(QsciScintillaBase::SCI_CLEARDOCUMENTSTYLE); }
     void Type() { m_sci->SendScintilla(QsciScintillaBase::SCI_ADDTEXT, 1UL, "x"); }
     void RepaintAll() { m_sci->viewport()->repaint(); }
     QsciScintilla* Widget() { return m_sci.get(); }
@@ -46,72 +58,6 @@ public:
 private:
     std::unique_ptr<QsciScintilla> m_sci;
 };
-
-template <class Report>
-void PeerTyping(CPeer& peer, const std::string& tag, bool fullRepaint, Report report) {
-    const long mid = peer.Length() / 2;
-    peer.Send(QsciScintillaBase::SCI_SETEMPTYSELECTION, static_cast<unsigned long>(mid));
-    peer.Send(QsciScintillaBase::SCI_SCROLLCARET);
-    QApplication::processEvents();
-    std::vector<double> micros;
-    for (int i = 0; i < 200; ++i) {
-        const auto t0 = Clock::now();
-        peer.Type();
-        if (fullRepaint) peer.RepaintAll();
-        QApplication::processEvents();
-        micros.push_back(MicrosSince(t0));
-    }
-    const std::string name = (fullRepaint ? "type_full_repaint_" : "type_") + tag;
-    report(name + "_median", Percentile(micros, 0.5), "us");
-    report(name + "_p99", Percentile(micros, 0.99), "us");
-}
-
-// The view's jumps: from the top of a text whose styles are cleared to its middle and its end,
-// through the paint there.
-template <class Report>
-void PeerJumps(CPeer& peer, const std::string& tag, Report report) {
-    std::vector<double> middle, end;
-    for (int i = 0; i < 3; ++i) {
-        for (auto* times : {&middle, &end}) {
-            peer.Send(QsciScintillaBase::SCI_CLEARDOCUMENTSTYLE);
-            peer.Send(QsciScintillaBase::SCI_GOTOPOS, 0);
-            peer.RepaintAll();
-            const long at = times == &middle ? peer.Length() / 2 : peer.Length();
-            const auto t0 = Clock::now();
-            peer.Send(QsciScintillaBase::SCI_GOTOPOS, static_cast<unsigned long>(at));
-            peer.RepaintAll();
-            times->push_back(1e3 * SecondsSince(t0));
-        }
-    }
-    report("jump_middle_" + tag + "_median", Percentile(middle, 0.5), "ms");
-    report("jump_end_" + tag + "_median", Percentile(end, 0.5), "ms");
-}
-
-template <class Report>
-void PeerSize(double megabytes, Report report) {
-    const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
-    malloc_trim(0);
-    const double before = ResidentBytes();
-    const std::string text = htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6));
-    const double textBytes = static_cast<double>(text.size());
-    CPeer peer(text, false);
-    const auto t0 = Clock::now();
-    peer.Wrap();
-    report("reformat_wrap_" + tag, megabytes / SecondsSince(t0), "MB/s");
-    // The generated text is still held here; it does not count against the peer.
-    report("memory_per_text_byte_" + tag, (ResidentBytes() - before - textBytes) / textBytes, "bytes");
-    PeerJumps(peer, tag, report);
-    PeerTyping(peer, tag, false, report);
-    PeerTyping(peer, tag, true, report);
-    std::vector<double> millis;
-    for (int i = 0; i < 100; ++i) {
-        const auto t1 = Clock::now();
-        peer.RepaintAll();
-        millis.push_back(1e3 * SecondsSince(t1));
-    }
-    report("repaint_" + tag + "_median", Percentile(millis, 0.5), "ms");
-    report("repaint_" + tag + "_p99", Percentile(millis, 0.99), "ms");
-}
 
 template <class Report>
 void RunPeer(const std::vector<double>& sizes, Report report) {
@@ -141,7 +87,7 @@ void RunPeer(const std::vector<double>& sizes, Report report) {
         peer.RepaintAll();
         report("minified_10mb_wrap_and_paint", 1e3 * SecondsSince(t0), "ms");
     }
-    for (double megabytes : sizes) PeerSize(megabytes, report);
+    PeerSizes<CPeer>("peer", sizes, report);
 }
 
 }  // namespace bench

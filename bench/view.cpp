@@ -13,10 +13,14 @@
 //   - a click at the end of a 5000-byte line (PositionFromClientPoint, us);
 //   - a minified page (one 10 MB line) attached, wrapped and painted (ms), and a typed character
 //     in its middle, wrapped and not (us, median and p99 over 200).
-// Built with QScintilla, the same workloads run on a QScintilla widget of the same size, font
-// and wrap mode in the same process, and each figure gets its ratio to the peer's
-// (peer time / our time: above 1 means faster than the peer).
-// Usage: bench_view [MEGABYTES...]   (ZENTREL_BENCH_NO_PEER=1 leaves the peer out)
+// The same workloads then run in the same process on peers of the same size, font and wrap mode,
+// and each figure gets its ratio to the peer's (peer time / our time: above 1 means faster than
+// the peer): a QScintilla widget where the build found it ("peer_", "ratio_"), and a
+// QPlainTextEdit with an HTML highlighter ("plaintext_", "ratio_plaintext_"), which gives the
+// jumps, the typed characters, the repaint, the load through the first paint, and its memory
+// once the whole text is coloured. A peer leaves out a size that the last one says would take
+// over 60 s or 8 GB (ZENTREL_BENCH_PEER_SECONDS, ZENTREL_BENCH_PEER_GB), with a line saying so.
+// Usage: bench_view [MEGABYTES...]   (ZENTREL_BENCH_NO_PEER=1 leaves the peers out)
 #include <QApplication>
 #include <QWidget>
 #include <cstdlib>
@@ -27,6 +31,7 @@
 
 #include "bench/benchtools.h"
 #include "bench/peerreport.h"
+#include "bench/plaintextpeer.h"
 #include "bench/viewwindow.h"
 #include "bench/htmlgen.h"
 #include "htmldoc/htmldocument.h"
@@ -197,9 +202,12 @@ int main(int argc, char** argv) {
         MeasureMinified();
         for (double megabytes : sizes) MeasureSize(megabytes);
     };
+    return RunViewBenchmark(argc, argv, ours, [](const std::vector<double>& sizes) {
 #ifdef ZENTREL_HAVE_QSCINTILLA
-    return RunViewBenchmark(argc, argv, ours, [](const std::vector<double>& sizes) { RunPeer(sizes, ReportPeer); });
-#else
-    return RunViewBenchmark(argc, argv, ours, nullptr);
+        RunPeer(sizes, ReportPeer);
 #endif
+        RunPlainTextPeer(sizes, [](const std::string& name, double value, const char* unit) {
+            ReportPeerNamed("plaintext", name, value, unit);
+        });
+    });
 }
