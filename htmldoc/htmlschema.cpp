@@ -68,7 +68,7 @@ void CHtmlSchema::Parse(std::string_view data) {
             break;
         case 'T':
             tag = static_cast<int>(m_tags.size());
-            m_tags.push_back({std::string(f[1]), ToInt(f[2]), ContentOf(f[1]), f.size() > 3 ? std::string(f[3]) : ""});
+            m_tags.push_back({std::string(f[1]), ToInt(f[2]), ContentOf(f[1]), f.size() > 3 ? std::string(f[3]) : "", {}});
             break;
         case 'A': {
             if (tag < 0 || f.size() < 6) break;

@@ -33,7 +33,7 @@ struct ByteKinds {
             kind[c] = IsLeadByte(static_cast<BYTE>(c)) ? kLead : kPlain;
             multiByte |= kind[c] == kLead;
         }
-        kind[' '] = kind['-'] = kBreakAfter;
+        kind[static_cast<BYTE>(' ')] = kind[static_cast<BYTE>('-')] = kBreakAfter;
         kind[kLF] = kLineFeed;
         kind[kTab] = kTabStop;
         kind[kCR] = kNoWidth;

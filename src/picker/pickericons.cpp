@@ -169,7 +169,7 @@ PixelPicture PickerIconPicture(UINT id, int scale) {
     if (it == Icons().end() && id >= kFirstId && id <= kLastId) it = Icons().find(IDB_PICK_DEFAULT);
     if (it == Icons().end() || scale < 1) return {};
     PixelPicture p{kPickIconSize * scale, kPickIconSize * scale,
-                   std::vector<COLORREF>(static_cast<size_t>(kPickIconSize * scale) * kPickIconSize * scale, kWhite)};
+                   std::vector<COLORREF>(static_cast<size_t>(kPickIconSize * scale) * kPickIconSize * scale, kWhite), {}};
     for (const Shape& s : it->second) Raster(p, s, scale);
     return p;
 }

@@ -335,7 +335,7 @@ void CHTMLSyntaxPicker::PaintList(const PickDraw& draw) {
         const int h = page.RowHeight(row, m_nTextHeight, inner.Height());
         // Only whole rows show, as in a list of integral height.
         if (y + h > rows.bottom && row > page.GetTopIndex()) break;
-        const RECT rc{rows.left, y, rows.right, std::min<long>(y + h, rows.bottom)};
+        const RECT rc{rows.left, static_cast<LONG>(y), rows.right, static_cast<LONG>(std::min<long>(y + h, rows.bottom))};
         page.DrawItem(draw, row, rc, row == page.GetCurSel());
         y += h;
     }
@@ -344,7 +344,8 @@ void CHTMLSyntaxPicker::PaintList(const PickDraw& draw) {
         const long top = inner.top + track * page.GetTopIndex() / count;
         const long height = std::max<long>(track * VisibleRows() / count, 4);
         dc.FillSolidRect(RECT{rows.right, inner.top, inner.right, inner.bottom}, GetSysColor(COLOR_BTNFACE));
-        dc.FillSolidRect(RECT{rows.right, top, inner.right, std::min<long>(top + height, inner.bottom)}, GetSysColor(COLOR_BTNSHADOW));
+        dc.FillSolidRect(RECT{rows.right, static_cast<LONG>(top), inner.right, static_cast<LONG>(std::min<long>(top + height, inner.bottom))},
+                         GetSysColor(COLOR_BTNSHADOW));
     }
     FrameRect(dc, m_rcList, GetSysColor(COLOR_WINDOWTEXT));
 }

@@ -263,7 +263,7 @@ void DrawWrappedText(CDC& dc, const RECT& rc, const std::string& text, int lineH
             if (dc.GetTextExtent(text.data() + at, static_cast<int>(next - at)).cx > width && fit > at) break;
             fit = end = next;
         }
-        const RECT line{rc.left, y, rc.right, std::min<long>(y + lineHeight, rc.bottom)};
+        const RECT line{rc.left, static_cast<LONG>(y), rc.right, static_cast<LONG>(std::min<long>(y + lineHeight, rc.bottom))};
         dc.ExtTextOut(rc.left, y, ETO_CLIPPED, &line, text.data() + at, static_cast<UINT>(fit - at));
         at = fit;
         while (at < text.size() && text[at] == ' ') ++at;

@@ -147,12 +147,12 @@ void CHTMLSyntaxPixelPage::DrawItem(const PickDraw& draw, int row, const RECT& r
     CDC& dc = *draw.dc;
     dc.FillSolidRect(rc, GetSysColor(selected ? COLOR_HIGHLIGHT : COLOR_WINDOW));
     const COLORREF ink = GetSysColor(selected ? COLOR_HIGHLIGHTTEXT : COLOR_WINDOWTEXT);
-    const long middle = rc.top + draw.textHeight / 2;
+    const LONG middle = rc.top + draw.textHeight / 2;
     if (row == 0) {
-        for (long x = rc.left + 2; x < rc.right - 2; x += 2) dc.FillSolidRect(RECT{x, middle, x + 1, middle + 1}, ink);
+        for (LONG x = rc.left + 2; x < rc.right - 2; x += 2) dc.FillSolidRect(RECT{x, middle, x + 1, middle + 1}, ink);
         return;
     }
-    const long top = middle - row / 2;
+    const LONG top = middle - row / 2;
     dc.FillSolidRect(RECT{rc.left + 2, top, rc.right - 2, top + row}, ink);
 }
 

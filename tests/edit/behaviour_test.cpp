@@ -200,7 +200,8 @@ private:
         m_platform->SetButtonsSwapped(SetupValue("swapbuttons") != nullptr);
         if (const std::string* desk = SetupValue("desktop")) {
             const auto d = Words(*desk);
-            m_platform->SetDesktopRect({Number(d.at(0)), Number(d.at(1)), Number(d.at(2)), Number(d.at(3))});
+            m_platform->SetDesktopRect({static_cast<LONG>(Number(d.at(0))), static_cast<LONG>(Number(d.at(1))),
+                                        static_cast<LONG>(Number(d.at(2))), static_cast<LONG>(Number(d.at(3)))});
         }
         const std::string* text = SetupValue("text");
         const MarkedText start = ParseMarkedText(text ? *text : "");

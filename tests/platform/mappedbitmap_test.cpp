@@ -8,7 +8,7 @@
 namespace {
 
 TEST(MappedBitmap, ListedColoursAreReplacedAndTheRestKept) {
-    const PixelPicture picture{3, 2, {0xFFFFFF, 0xC0C0C0, 0x0000FF, 0xC0C0C0, 0x000000, 0xFFFFFF}};
+    const PixelPicture picture{3, 2, {0xFFFFFF, 0xC0C0C0, 0x0000FF, 0xC0C0C0, 0x000000, 0xFFFFFF}, {}};
     const COLORMAP map[] = {{0xFFFFFF, 0x102030}, {0xC0C0C0, 0x405060}};
     auto dc = CTestDC::Screen(100, 100);
     CBitmap bitmap;
@@ -26,8 +26,8 @@ TEST(MappedBitmap, ListedColoursAreReplacedAndTheRestKept) {
 TEST(MappedBitmap, AMalformedPictureMakesNoBitmap) {
     auto dc = CTestDC::Screen(100, 100);
     CBitmap bitmap;
-    EXPECT_FALSE(CreateMappedBitmap(*dc, PixelPicture{2, 2, {0, 0, 0}}, nullptr, 0, &bitmap));
-    EXPECT_FALSE(CreateMappedBitmap(*dc, PixelPicture{0, 0, {}}, nullptr, 0, &bitmap));
+    EXPECT_FALSE(CreateMappedBitmap(*dc, PixelPicture{2, 2, {0, 0, 0}, {}}, nullptr, 0, &bitmap));
+    EXPECT_FALSE(CreateMappedBitmap(*dc, PixelPicture{0, 0, {}, {}}, nullptr, 0, &bitmap));
     EXPECT_FALSE(bitmap.IsValid());
 }
 
