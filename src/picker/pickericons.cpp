@@ -177,8 +177,10 @@ PixelPicture PickerIconPicture(UINT id, int scale) {
 void DrawPickerIcon(CDC& dc, UINT id, const RECT& rc) {
     if (rc.Width() <= 0 || rc.Height() <= 0) return;
     const int scale = std::min(rc.Width(), rc.Height()) >= 2 * kPickIconSize ? 2 : 1;
-    const PixelPicture picture = PickerIconPicture(id, scale);
+    PixelPicture picture = PickerIconPicture(id, scale);
     if (picture.cx == 0) return;
+    // A screen of high density keeps the icon drawn twice as fine.
+    if (scale == 1) picture.doubled = PickerIconPicture(id, 2).pixels;
     const COLORMAP map{kWhite, GetSysColor(COLOR_WINDOW)};
     CBitmap bitmap;
     std::unique_ptr<CDC> mem = dc.CreateCompatibleDC();

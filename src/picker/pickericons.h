@@ -13,7 +13,8 @@ constexpr int kPickIconSize = 12;
 
 // The picture of an icon id at `scale` times its size; empty for an unknown id.
 PixelPicture PickerIconPicture(UINT id, int scale);
-// Draws the icon into rc, at twice the detail when rc is at least twice the icon's size.
+// Draws the icon into rc, at twice the detail when rc is at least twice the icon's size or the
+// screen is of high density.
 void DrawPickerIcon(CDC& dc, UINT id, const RECT& rc);
 // The icons of the attribute page by data type, and of the file pages by kind; 0 for none.
 UINT AttrTypeIcon(long type);
