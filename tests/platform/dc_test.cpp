@@ -4,9 +4,12 @@
 
 #include <cstring>
 #include <memory>
+#include <set>
+#include <sstream>
 
 #include "platform/codepage/codepage.h"
 #include "platform/testing/testplatform.h"
+#include "tests/platform/casefile.h"
 #include "tests/platform/fontrequest.h"
 
 namespace {
@@ -39,60 +42,38 @@ protected:
     CFont font;
 };
 
+// What a font says of itself, as the facts of cases/fonts.cases.
+std::set<std::string> FactsOf(CDC& dc, const LOGFONTA& request) {
+    CFont font;
+    if (!font.CreateFontIndirect(&request)) return {font.IsValid() ? "valid" : "missing"};
+    CFont* before = dc.SelectObject(&font);
+    const TEXTMETRICA& tm = font.Impl()->Metrics();
+    std::set<std::string> facts{"height=" + std::to_string(tm.tmHeight), "ascent=" + std::to_string(tm.tmAscent),
+                                "descent=" + std::to_string(tm.tmDescent), "ave=" + std::to_string(tm.tmAveCharWidth),
+                                "overhang=" + std::to_string(tm.tmOverhang), "pitch=" + std::to_string(tm.tmPitchAndFamily),
+                                "truetype=" + std::to_string((tm.tmPitchAndFamily & TMPF_TRUETYPE) != 0),
+                                "fixedbit=" + std::to_string(tm.tmPitchAndFamily & TMPF_FIXED_PITCH)};
+    for (const char c : std::string("aimW ")) {
+        const std::string name = c == ' ' ? "space" : std::string(1, c);
+        facts.insert("adv(" + name + ")=" + std::to_string(font.Impl()->Advance(static_cast<BYTE>(c))));
+        int width = 0;
+        facts.insert(dc.GetCharWidth(c, c, &width) ? "w(" + name + ")=" + std::to_string(width) : "w=none");
+    }
+    std::vector<ABC> abc(256);
+    const ABC& m = abc['m'];
+    facts.insert(dc.GetCharABCWidths(0, 255, abc.data())
+                     ? "abc(m)=" + std::to_string(m.abcA) + "/" + std::to_string(m.abcB) + "/" + std::to_string(m.abcC)
+                     : "abc=none");
+    dc.SelectObject(before);
+    return facts;
+}
+
 TEST_F(DcTest, TestFontsFollowTheirFormulas) {
-    TEXTMETRICA tm;
-    ASSERT_TRUE(dc.GetTextMetrics(&tm));
-    EXPECT_EQ(tm.tmHeight, 18);
-    EXPECT_EQ(tm.tmAscent, 14);
-    EXPECT_EQ(tm.tmDescent, 4);
-    EXPECT_EQ(tm.tmAveCharWidth, 9);
-    EXPECT_EQ(tm.tmPitchAndFamily, TMPF_TRUETYPE | TMPF_FIXED_PITCH);
-    int w[3];
-    ASSERT_TRUE(dc.GetCharWidth('a', 'a', w));
-    ASSERT_TRUE(dc.GetCharWidth('i', 'i', w + 1));
-    ASSERT_TRUE(dc.GetCharWidth('m', 'm', w + 2));
-    EXPECT_EQ(w[0], 9);
-    EXPECT_EQ(w[1], 5);
-    EXPECT_EQ(w[2], 13);
-    ABC abc;
-    ASSERT_TRUE(dc.GetCharABCWidths('m', 'm', &abc));
-    EXPECT_EQ(abc.abcA, 0);
-    EXPECT_EQ(abc.abcB, 13u);
-    EXPECT_EQ(abc.abcC, 0);
-
-    CFont bold, em, fixed, raster, none, missing;
-    LOGFONTA lf = FontRequest("Arial", 18, FW_BOLD);
-    ASSERT_TRUE(bold.CreateFontIndirect(&lf));
-    EXPECT_EQ(bold.Impl()->Advance(' '), 6);
-    lf = FontRequest("Arial", -20);
-    ASSERT_TRUE(em.CreateFontIndirect(&lf));
-    EXPECT_EQ(em.Impl()->Metrics().tmHeight, 25);
-    lf = FontRequest("Courier New", 0);
-    ASSERT_TRUE(fixed.CreateFontIndirect(&lf));
-    EXPECT_EQ(fixed.Impl()->Metrics().tmHeight, 16);
-    EXPECT_EQ(fixed.Impl()->Advance('i'), 8);
-    EXPECT_EQ(fixed.Impl()->Advance('W'), 8);
-    EXPECT_EQ(fixed.Impl()->Metrics().tmPitchAndFamily & TMPF_FIXED_PITCH, 0);
-
-    lf = FontRequest("Raster Sans", 18, FW_BOLD);
-    ASSERT_TRUE(raster.CreateFontIndirect(&lf));
-    dc.SelectObject(&raster);
-    EXPECT_FALSE(dc.GetCharABCWidths(0, 255, &abc));
-    EXPECT_TRUE(dc.GetCharWidth('a', 'a', w));
-    EXPECT_EQ(w[0], 10);
-    dc.GetTextMetrics(&tm);
-    EXPECT_EQ(tm.tmOverhang, 1);
-    EXPECT_EQ(tm.tmPitchAndFamily & TMPF_TRUETYPE, 0);
-
-    lf = FontRequest("NoWidths", 18);
-    ASSERT_TRUE(none.CreateFontIndirect(&lf));
-    dc.SelectObject(&none);
-    EXPECT_FALSE(dc.GetCharWidth('a', 'a', w));
-    EXPECT_FALSE(dc.GetCharABCWidths('a', 'a', &abc));
-    lf = FontRequest("Missing", 18);
-    EXPECT_FALSE(missing.CreateFontIndirect(&lf));
-    EXPECT_FALSE(missing.IsValid());
-    dc.SelectObject(&font);
+    for (const CaseRow& row : ReadCaseRows("platform/cases/fonts.cases")) {
+        const std::set<std::string> facts = FactsOf(dc, FontRequest(row[1].c_str(), row.Long(2), row.Long(3)));
+        std::istringstream wanted(row[4]);
+        for (std::string fact; wanted >> fact;) EXPECT_EQ(facts.count(fact), 1u) << row.where << ": " << fact;
+    }
 }
 
 TEST_F(DcTest, BaselineAlignmentPlacesTextAndFillsItsCellsInOpaqueMode) {
