@@ -3,9 +3,12 @@
 // broken store can tell, which must be refused whole.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <random>
+#include <sstream>
 
 #include "src/annotations/extrainforecord.h"
+#include "tests/platform/casefile.h"
 
 namespace {
 
@@ -35,35 +38,6 @@ TEST(ExtraInfoRecord, TheExampleRecordHasExactlyItsBytes) {
     ExtraInfoRecord back;
     ASSERT_EQ(Read(expected, &back), ExtraInfoError::None);
     EXPECT_EQ(back, record);
-}
-
-TEST(ExtraInfoRecord, AnEmptyStateIsTwentyEightBytes) {
-    EXPECT_EQ(Written({}).size(), 28u);
-}
-
-// Each length class of the string form, at both of its edges, and its header bytes.
-TEST(ExtraInfoRecord, NamesOfEveryLengthClassKeepTheirForm) {
-    struct Case {
-        size_t length;
-        std::string header;
-    } cases[] = {
-        {0, Bytes({0})},
-        {254, Bytes({0xFE})},
-        {255, Bytes({0xFF, 0xFF, 0x00})},
-        {65533, Bytes({0xFF, 0xFD, 0xFF})},
-        {65534, Bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0, 0})},
-        {70000, Bytes({0xFF, 0xFF, 0xFF, 0x70, 0x11, 1, 0})},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.length);
-        ExtraInfoRecord record{0, 0, {{std::string(c.length, 'n'), 1, 2}}, {}};
-        const std::string bytes = Written(record);
-        EXPECT_EQ(bytes.substr(20, c.header.size()), c.header);
-        EXPECT_EQ(bytes.size(), 28 + c.header.size() + c.length + 8);
-        ExtraInfoRecord back;
-        ASSERT_EQ(Read(bytes, &back), ExtraInfoError::None);
-        EXPECT_EQ(back, record);
-    }
 }
 
 ExtraInfoRecord RandomRecord(std::mt19937& rng, size_t bookmarks, size_t blocks) {
@@ -114,37 +88,56 @@ TEST(ExtraInfoRecord, EveryCutIsRefusedWithoutTouchingTheTarget) {
     }
 }
 
-// Overwrites four bytes of a record at an offset with a little-endian value.
-std::string Patched(std::string bytes, size_t at, uint32_t value) {
-    for (int i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
+// Hex bytes, as the case file writes them.
+std::string FromHex(const std::string& hex) {
+    std::istringstream in(hex);
+    std::string bytes;
+    for (std::string byte; in >> byte;) bytes += static_cast<char>(std::stoul(byte, nullptr, 16));
     return bytes;
 }
 
-TEST(ExtraInfoRecord, LyingFieldsAreRefusedWithTheirReason) {
+// A lying record of the case file: four bytes of a good record replaced, or the good record cut
+// and continued with other bytes.
+std::string Lie(const std::string& good, const std::string& how) {
+    std::istringstream in(how);
+    std::string verb, rest;
+    size_t at = 0;
+    in >> verb >> at;
+    if (verb == "cut") {
+        std::getline(in, rest);
+        return good.substr(0, at) + FromHex(rest);
+    }
+    in >> rest;
+    const auto value = static_cast<uint32_t>(std::stoul(rest, nullptr, 0));
+    std::string bytes = good;
+    for (size_t i = 0; i < 4; ++i) bytes[at + i] = static_cast<char>(value >> (8 * i));
+    return bytes;
+}
+
+// Names of every length class keep their form; lying fields are refused with their reason.
+TEST(ExtraInfoRecord, NameFormsAndLiesOfTheCases) {
     const std::string good = Written({1, 1, {{"ab", 1, 1}}, {{0, 1}}});
-    const size_t blocks = 12 + 8 + 3 + 8;
-    struct Case {
-        const char* what;
-        std::string bytes;
-        ExtraInfoError error;
-    } cases[] = {
-        {"head version 0", Patched(good, 0, 0), ExtraInfoError::BadSchema},
-        {"head version 2", Patched(good, 0, 2), ExtraInfoError::BadSchema},
-        {"bookmark version", Patched(good, 12, 0x100), ExtraInfoError::BadSchema},
-        {"negative bookmark count", Patched(good, 16, 0xFFFFFFFF), ExtraInfoError::BadIndex},
-        {"bookmark count past the end", Patched(good, 16, 0x7FFFFFFF), ExtraInfoError::EndOfFile},
-        {"block version", Patched(good, blocks, 7), ExtraInfoError::BadIndex},
-        {"negative block count", Patched(good, blocks + 4, 0x80000000), ExtraInfoError::BadIndex},
-        {"block count past the end", Patched(good, blocks + 4, 2), ExtraInfoError::EndOfFile},
-        {"a name length running off the end", good.substr(0, 20) + Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}),
-         ExtraInfoError::EndOfFile},
-        {"a name in the wide-character form", good.substr(0, 20) + Bytes({0xFF, 0xFE, 0xFF, 2}) + "ab",
-         ExtraInfoError::BadSchema},
-    };
-    for (const Case& c : cases) {
-        ExtraInfoRecord target{9, 9, {}, {}};
-        EXPECT_EQ(Read(c.bytes, &target), c.error) << c.what;
-        EXPECT_EQ(target, (ExtraInfoRecord{9, 9, {}, {}})) << c.what;
+    const std::map<std::string, ExtraInfoError> errors{{"EndOfFile", ExtraInfoError::EndOfFile},
+                                                       {"BadSchema", ExtraInfoError::BadSchema},
+                                                       {"BadIndex", ExtraInfoError::BadIndex}};
+    for (const CaseRow& row : ReadCaseRows("annotations/cases/records.cases")) {
+        SCOPED_TRACE(row.where);
+        if (row[0] == "name") {
+            const size_t length = static_cast<size_t>(row.Long(1));
+            const std::string header = FromHex(row[2]);
+            ExtraInfoRecord record{0, 0, {{std::string(length, 'n'), 1, 2}}, {}};
+            const std::string bytes = Written(record);
+            EXPECT_EQ(bytes.substr(20, header.size()), header);
+            EXPECT_EQ(bytes.size(), 28 + header.size() + length + 8);
+            ExtraInfoRecord back;
+            ASSERT_EQ(Read(bytes, &back), ExtraInfoError::None);
+            EXPECT_EQ(back, record);
+        } else {
+            ASSERT_EQ(errors.count(row[3]), 1u);
+            ExtraInfoRecord target{9, 9, {}, {}};
+            EXPECT_EQ(Read(Lie(good, row[2]), &target), errors.at(row[3]));
+            EXPECT_EQ(target, (ExtraInfoRecord{9, 9, {}, {}}));
+        }
     }
 }
 

@@ -67,6 +67,19 @@ public:
             if (e.kind == kind) found.push_back(e);
         return found;
     }
+    // The events as text, in order: a change as ACTION START-END/LENGTH, LENGTH the text's at the
+    // time; a selection as sel ACTIVE,ANCHOR; busy and done.
+    std::string Log() const {
+        static const char* const kActions[] = {"STYLE", "INSERT", "DELETE", "RESET", "?", "REPLACE"};
+        std::string out;
+        for (const auto& e : events) {
+            if (!out.empty()) out += ' ';
+            if (e.kind == CSinkEvent::Busy) out += e.action ? "busy" : "done";
+            else if (e.kind == CSinkEvent::Selection) out += "sel " + std::to_string(e.start) + "," + std::to_string(e.end);
+            else out += std::string(kActions[e.action % 6]) + " " + std::to_string(e.start) + "-" + std::to_string(e.end) + "/" + std::to_string(e.length);
+        }
+        return out;
+    }
     // Kinds in order, as a string: 'C' change, 'B' busy, 'S' selection.
     std::string Order() const {
         std::string order;

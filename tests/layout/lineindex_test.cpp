@@ -1,5 +1,6 @@
-// Tests of the line table: its shape at the block limits, lookups in both scan directions,
-// bad arguments, running out of blocks, and a long random run against a plain vector.
+// Tests of the line table: its shape at the block limits, bad arguments, running out of blocks,
+// and a long random run against a plain vector, which also covers small tables with empty lines,
+// lookups at and past the end, and tables drained from either end.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -104,34 +105,6 @@ public:
     ~BlockLimit() { CLineBlock::Pool().SetUseLimit(CLineBlockPool::kNoLimit); }
 };
 
-TEST(LineIndex, SmallTablesAtTheirEdges) {
-    CLineIndex table;
-    table.InsertAt(0, 0);  // an empty document
-    EXPECT_EQ(table.FindLine(0), 0);
-    EXPECT_EQ(table.GetLineStart(0), 0);
-    EXPECT_EQ(table.GetLineStart(1), 0);
-
-    table.RemoveAll();  // "ab" CR LF: the line break, then the empty last line
-    table.InsertAt(0, 4);
-    table.InsertAt(1, 0);
-    EXPECT_EQ(table.FindLine(3), 0);
-    EXPECT_EQ(table.FindLine(4), 1);
-    EXPECT_EQ(table.FindLine(1000), 1);
-    EXPECT_EQ(table.GetLineStart(2), 4);
-
-    table.RemoveAll();
-    const Lengths model = {3, 0, 0, 2, 0, 0, 5, 0};
-    for (int32_t n : model)
-        table.InsertAt(table.GetCount(), n);
-    EXPECT_TRUE(MatchesEverywhere(table, model));
-    long nStart = -1;
-    EXPECT_EQ(table.FindLineAndStart(3, &nStart), 3);  // past the two empty lines
-    EXPECT_EQ(nStart, 3);
-    EXPECT_EQ(table.FindLineAndStart(10, &nStart), 7);  // the total: the empty last line
-    EXPECT_EQ(nStart, 10);
-    ASSERT_TRUE(Valid(table));
-}
-
 TEST(LineIndex, LeafSplitsOnlyWhenItIsFull) {
     CLineIndex table;
     Lengths model;
@@ -201,21 +174,6 @@ TEST(LineIndex, NodeOfTooFewLinesMergesIntoOneLeaf) {
         ASSERT_TRUE(Valid(table));
         EXPECT_TRUE(MatchesEverywhere(table, model));
     }
-}
-
-TEST(LineIndex, RemovingEveryLineFromTheFrontKeepsLookupsRight) {
-    CLineIndex table;
-    Lengths model;
-    Append(table, model, 3000);
-    for (int nStep = 0; !model.empty(); ++nStep) {
-        ASSERT_EQ(table.RemoveAt(0), model.front());
-        model.erase(model.begin());
-        ASSERT_TRUE(Valid(table));
-        if (nStep % 500 == 0) {
-            ASSERT_TRUE(MatchesEverywhere(table, model)) << "step " << nStep;
-        }
-    }
-    EXPECT_EQ(table.m_pBlock, nullptr);
 }
 
 TEST(LineIndex, RemoveAllAndTheDestructorGiveEveryBlockAndNodeBack) {

@@ -14,6 +14,7 @@
 #include "platform/window/proppage.h"
 #include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
+#include "tests/platform/casefile.h"
 
 namespace fs = std::filesystem;
 
@@ -180,48 +181,26 @@ TEST(ModuleUnload, WaitsForEveryControlPageBookmarkAndLock) {
     EXPECT_EQ(DllCanUnloadNow(), S_OK);
 }
 
-// Stores that cannot be used: each gives a clear error, and the file stays as it was.
-struct BadStore {
-    const char* name;
-    const char* text;  // null: no file at all
-    HRESULT load;
-    const char* message;
-};
-
-const BadStore kBadStores[] = {
-    {"empty", "", STG_E_DOCFILECORRUPT, "empty file"},
-    {"other format", "[Desktop Entry]\nName=x\n", STG_E_DOCFILECORRUPT, "line 1: not a registration store"},
-    {"newer version", "zentrel-registration 2\nend\n", STG_E_DOCFILECORRUPT, "line 1: not a registration store"},
-    {"cut short", "zentrel-registration 1\n[CLSID]\n=x\n", STG_E_DOCFILECORRUPT, "cut short"},
-    {"value before key", "zentrel-registration 1\nName=x\nend\n", STG_E_DOCFILECORRUPT, "line 2: a value before any key"},
-    {"bad escape", "zentrel-registration 1\n[K]\nv=a\\q\nend\n", STG_E_DOCFILECORRUPT, "line 3: malformed value"},
-    {"open key", "zentrel-registration 1\n[K\nend\n", STG_E_DOCFILECORRUPT, "line 2: malformed key"},
-    {"key twice", "zentrel-registration 1\n[K]\n[k]\nend\n", STG_E_DOCFILECORRUPT, "line 3: key k stands twice"},
-    {"value twice", "zentrel-registration 1\n[K]\nv=1\nV=2\nend\n", STG_E_DOCFILECORRUPT, "line 4: value V stands twice"},
-    {"stray line", "zentrel-registration 1\n[K]\nhello\nend\n", STG_E_DOCFILECORRUPT, "line 3: neither a key nor a value"},
-    {"after end", "zentrel-registration 1\nend\n[K]\n", STG_E_DOCFILECORRUPT, "line 3: text after the end line"},
-    {"missing", nullptr, STG_E_FILENOTFOUND, "no such file"},
-};
-
 TEST_F(Registration, BadStoresGiveClearErrorsAndStayAsTheyWere) {
-    for (const BadStore& bad : kBadStores) {
-        SCOPED_TRACE(bad.name);
+    for (const CaseRow& bad : ReadCaseRows("module/cases/badstores.cases")) {
+        SCOPED_TRACE(bad.where);
+        const bool missing = bad[1] == "-";
         fs::remove(store);
-        if (bad.text) WriteFile(store, bad.text);
+        if (!missing) WriteFile(store, bad[1]);
         CRegistrationStore s(store);
         CRegistrationStore::Result r = s.Load();
-        EXPECT_EQ(r.hr, bad.load);
+        EXPECT_EQ(r.hr, bad[2] == "missing" ? STG_E_FILENOTFOUND : STG_E_DOCFILECORRUPT);
         EXPECT_NE(r.message.find(store), std::string::npos) << r.message;
-        EXPECT_NE(r.message.find(bad.message), std::string::npos) << r.message;
+        EXPECT_NE(r.message.find(bad[3]), std::string::npos) << r.message;
         EXPECT_TRUE(s.Keys().empty());
 
         // Registration refuses it at its first step; a missing store is made, but unregistering
         // from one is an error.
-        if (bad.text) {
+        if (!missing) {
             EXPECT_EQ(DllRegisterServer(), SELFREG_E_TYPELIB);
-            EXPECT_NE(std::string(ZentrelRegistrationError()).find(bad.message), std::string::npos);
+            EXPECT_NE(std::string(ZentrelRegistrationError()).find(bad[3]), std::string::npos);
             EXPECT_EQ(DllUnregisterServer(), SELFREG_E_TYPELIB);
-            EXPECT_EQ(ReadFile(store), bad.text);
+            EXPECT_EQ(ReadFile(store), bad[1]);
         } else {
             EXPECT_EQ(DllUnregisterServer(), SELFREG_E_TYPELIB);
             EXPECT_FALSE(fs::exists(store));
