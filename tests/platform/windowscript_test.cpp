@@ -21,6 +21,9 @@
 #include "platform/window/controls.h"
 #include "platform/window/paint.h"
 #include "platform/window/scrollbar.h"
+#include "tests/codepagescope.h"
+#include "tests/platform/casefile.h"
+#include "tests/platform/fontrequest.h"
 
 namespace {
 
@@ -83,12 +86,34 @@ private:
     std::string m_name;
 };
 
+// A context on a surface of its own, with what is selected into it.
+struct CDrawing {
+    CFont font;
+    CPen pen;
+    CBitmap bitmap;
+    std::shared_ptr<CTestSurface> surface;
+    std::unique_ptr<CTestDC> dc;
+    std::unique_ptr<CDC> mem;  // a context compatible with dc, drawing on bitmap
+    size_t seen = 0;           // records of dc's log already looked at
+
+    const DrawRecord* Last(DrawKind kind) const {
+        for (auto it = dc->Log().rbegin(); it != dc->Log().rend(); ++it)
+            if (it->kind == kind) return &*it;
+        return nullptr;
+    }
+};
+
 class CScript {
 public:
-    CScript() : m_scope(std::make_unique<CTestPlatformScope>()) { AddVerbs(); }
+    CScript() : m_scope(std::make_unique<CTestPlatformScope>()) {
+        AddVerbs();
+        AddDrawingVerbs();
+    }
     ~CScript() {
         DestroyCaret();
+        m_drawing.reset();
         m_scope.reset();  // abandons the windows before their handlers go
+        m_codePage.reset();
     }
 
     std::string Run(const std::string& step) {
@@ -99,7 +124,11 @@ public:
         for (std::string word; in >> word;) args.words.push_back(word);
         auto found = m_verbs.find(verb);
         if (found == m_verbs.end()) return "unknown verb " + verb;
-        return found->second(args);
+        try {
+            return found->second(args);
+        } catch (const std::exception& e) {  // a malformed step: say so at its line
+            return std::string("bad step: ") + e.what();
+        }
     }
 
     LRESULT Heard(const std::string& name, HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -174,6 +203,7 @@ private:
     }
 
     void AddVerbs();
+    void AddDrawingVerbs();
 
     std::unique_ptr<CTestPlatformScope> m_scope;
     std::map<std::string, std::unique_ptr<CNamedHandler>> m_handlers;
@@ -182,6 +212,8 @@ private:
     std::map<std::string, int> m_heard;
     std::vector<std::string> m_log;
     COLORREF m_paintColour = 0;
+    std::unique_ptr<CDrawing> m_drawing;
+    std::unique_ptr<CodePageScope> m_codePage;
     std::map<std::string, std::function<std::string(const Args&)>> m_verbs;
 };
 
@@ -387,6 +419,116 @@ void CScript::AddVerbs() {
     };
 }
 
+void CScript::AddDrawingVerbs() {
+    auto& v = m_verbs;
+    static const std::map<std::string, UINT> kAlign{{"left", TA_LEFT}, {"center", TA_CENTER}, {"right", TA_RIGHT},
+                                                    {"top", TA_TOP}, {"bottom", TA_BOTTOM}, {"baseline", TA_BASELINE}};
+    static const char* const kRegionKinds[] = {"error", "null", "simple", "complex"};
+    // A white surface of 200x100 with Times New Roman 18 selected, ink 800000 on FFFF.
+    v["dc"] = [this](const Args&) {
+        auto& d = m_drawing = std::make_unique<CDrawing>();
+        d->surface = std::make_shared<CTestSurface>(200, 100);
+        d->dc = std::make_unique<CTestDC>(d->surface, nullptr);
+        d->dc->FillSolidRect(d->surface->Bounds(), 0xFFFFFF);
+        const LOGFONTA lf = FontRequest("Times New Roman", 18);
+        d->font.CreateFontIndirect(&lf);
+        d->dc->SelectObject(&d->font);
+        d->dc->SetTextColor(0x800000);
+        d->dc->SetBkColor(0x00FFFF);
+        return "";
+    };
+    v["codepage"] = [this](const Args& a) {
+        m_codePage.reset();
+        return m_codePage = std::make_unique<CodePageScope>(static_cast<UINT>(a.Int(0))), "";
+    };
+    v["align"] = [this](const Args& a) { return m_drawing->dc->SetTextAlign(Flags(a.words[0], kAlign)), ""; };
+    v["bkmode"] = [this](const Args& a) { return m_drawing->dc->SetBkMode(a.words[0] == "opaque" ? OPAQUE : TRANSPARENT), ""; };
+    // `textout X Y [opaque|clipped L T R B] TEXT`, TEXT escaped, or - for none.
+    v["textout"] = [this](const Args& a) {
+        const bool boxed = a.words[2] == "opaque" || a.words[2] == "clipped";
+        const RECT rc = a.Rect(3);
+        const std::string text = UnescapeCaseField(a.Rest(boxed ? 7 : 2));
+        const UINT options = !boxed ? 0 : a.words[2] == "opaque" ? ETO_OPAQUE : ETO_CLIPPED;
+        return Bool(m_drawing->dc->ExtTextOut(a.Int(0), a.Int(1), options, boxed ? &rc : nullptr, text == "-" ? nullptr : text.c_str(),
+                                              text == "-" ? 0 : static_cast<int>(text.size())));
+    };
+    v["lasttext"] = [this](const Args&) {
+        const DrawRecord* run = m_drawing->Last(DrawKind::Text);
+        if (!run) return std::string("none");
+        return run->text + " at " + Str(run->origin.x) + "," + Str(run->origin.y) + " colour=" + Hex(run->color) +
+               " face=" + run->font.lfFaceName + (run->clipped ? " clip=" + Str(run->clip) : "");
+    };
+    v["advances"] = [this](const Args&) {
+        const DrawRecord* run = m_drawing->Last(DrawKind::Text);
+        return run ? Joined(run->advances, [](int advance) { return Str(advance); }) : "none";
+    };
+    v["lastfill"] = [this](const Args& a) {
+        const DrawRecord* fill = m_drawing->Last(DrawKind::Fill);
+        return !fill ? "none" : a.Count() ? Str(fill->visible) : Str(fill->rc);
+    };
+    // The kinds of what was drawn since the last look.
+    v["records"] = [this](const Args&) {
+        static const char* const kKinds[] = {"fill", "text", "line", "blit", "invert"};
+        std::vector<std::string> kinds;
+        for (size_t i = m_drawing->seen; i < m_drawing->dc->Log().size(); ++i)
+            kinds.push_back(kKinds[static_cast<int>(m_drawing->dc->Log()[i].kind)]);
+        m_drawing->seen = m_drawing->dc->Log().size();
+        return Joined(kinds, [](const std::string& kind) { return kind; });
+    };
+    v["surface"] = [this](const Args& a) { return Hex(m_drawing->surface->Pixel(a.Int(0), a.Int(1))); };
+    v["extent"] = [this](const Args& a) {
+        const std::string text = UnescapeCaseField(a.words[0]);
+        return Str(m_drawing->dc->GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx);
+    };
+    v["system"] = [this](const Args& a) { return m_drawing->dc->SetSystemRegion(CRgn(a.Rect(0))), ""; };
+    v["rectvisible"] = [this](const Args& a) { return Bool(m_drawing->dc->RectVisible(a.Rect(0))); };
+    v["clip"] = [this](const Args&) {
+        CRgn clip;
+        return m_drawing->dc->GetClipRgn(&clip) ? Str(clip) : "none";
+    };
+    v["exclude"] = [this](const Args& a) { return kRegionKinds[m_drawing->dc->ExcludeClipRect(a.Rect(0))]; };
+    v["intersect"] = [this](const Args& a) { return kRegionKinds[m_drawing->dc->IntersectClipRect(a.Rect(0))]; };
+    v["clipbox"] = [this](const Args&) {
+        RECT box;
+        const int kind = m_drawing->dc->GetClipBox(&box);
+        return kRegionKinds[kind] + (" " + Str(box));
+    };
+    v["selectclip"] = [this](const Args& a) {
+        const bool none = a.words[0] == "none";
+        const CRgn rgn(none ? RECT{} : a.Rect(0));
+        return kRegionKinds[m_drawing->dc->SelectClipRgn(none ? nullptr : &rgn)];
+    };
+    v["dcfill"] = [this](const Args& a) {
+        return m_drawing->dc->FillSolidRect(a.Rect(0), static_cast<COLORREF>(std::stoul(a.words[4], nullptr, 16))), "";
+    };
+    v["memdc"] = [this](const Args& a) {
+        m_drawing->mem = m_drawing->dc->CreateCompatibleDC();
+        if (!m_drawing->mem->CreateCompatibleBitmap(&m_drawing->bitmap, a.Int(0), a.Int(1))) return std::string("no bitmap");
+        m_drawing->mem->SelectObject(&m_drawing->bitmap);
+        return Str(m_drawing->bitmap.GetSize().cx) + "x" + Str(m_drawing->bitmap.GetSize().cy);
+    };
+    // Fills on the memory context; says where the fill was logged: in the one log, on the bitmap.
+    v["memfill"] = [this](const Args& a) {
+        m_drawing->mem->FillSolidRect(a.Rect(0), static_cast<COLORREF>(std::stoul(a.words[4], nullptr, 16)));
+        const bool onBitmap = m_drawing->dc->Log().back().target == static_cast<const CTestSurface*>(m_drawing->bitmap.Impl());
+        return onBitmap ? "bitmap" : "elsewhere";
+    };
+    v["blit"] = [this](const Args& a) {
+        const DWORD rop = a.Count() > 6 ? static_cast<DWORD>(std::stoul(a.words[6], nullptr, 16)) : SRCCOPY;
+        return Bool(m_drawing->dc->BitBlt(a.Int(0), a.Int(1), a.Int(2), a.Int(3), m_drawing->mem.get(), a.Int(4), a.Int(5), rop));
+    };
+    v["stretch"] = [this](const Args& a) {
+        return Bool(m_drawing->dc->StretchBlt(a.Int(0), a.Int(1), a.Int(2), a.Int(3), m_drawing->mem.get(), a.Int(4), a.Int(5),
+                                              a.Int(6), a.Int(7), SRCCOPY));
+    };
+    v["pen"] = [this](const Args& a) {
+        m_drawing->pen.CreatePen(PS_SOLID, 1, static_cast<COLORREF>(std::stoul(a.words[0], nullptr, 16)));
+        return m_drawing->dc->SelectObject(&m_drawing->pen), "";
+    };
+    v["moveto"] = [this](const Args& a) { return m_drawing->dc->MoveTo(a.Int(0), a.Int(1)), ""; };
+    v["lineto"] = [this](const Args& a) { return m_drawing->dc->LineTo(a.Int(0), a.Int(1)), ""; };
+}
+
 // Plays every case of a script file; a failure names the file and line of its step.
 void Play(const std::string& name) {
     const std::string path = std::string(ZENTREL_SOURCE_DIR) + "/tests/platform/cases/" + name;
@@ -418,7 +560,7 @@ TEST_P(WindowScripts, StepsGiveTheirResults) { Play(GetParam()); }
 
 INSTANTIATE_TEST_SUITE_P(Scripts, WindowScripts,
                          ::testing::Values("windows.script", "timers.script", "paint.script", "scrollbars.script",
-                                           "caret.script", "controls.script"),
+                                           "caret.script", "controls.script", "drawing.script"),
                          [](const auto& info) {
                              std::string name = info.param;
                              return name.substr(0, name.find('.'));
