@@ -76,7 +76,8 @@ public:
             if (!out.empty()) out += ' ';
             if (e.kind == CSinkEvent::Busy) out += e.action ? "busy" : "done";
             else if (e.kind == CSinkEvent::Selection) out += "sel " + std::to_string(e.start) + "," + std::to_string(e.end);
-            else out += std::string(kActions[e.action % 6]) + " " + std::to_string(e.start) + "-" + std::to_string(e.end) + "/" + std::to_string(e.length);
+            else out += std::string(kActions[e.action % 6]) + " " + std::to_string(e.start) + "-" + std::to_string(e.end) + "/" +
+                        std::to_string(e.length);
         }
         return out;
     }

@@ -4,9 +4,7 @@
 #include <strings.h>
 
 #include <filesystem>
-#include <fstream>
 #include <random>
-#include <sstream>
 
 #include "htmldoc/htmldocument.h"
 #include "platform/com/regstore.h"
@@ -14,33 +12,19 @@
 #include "platform/window/proppage.h"
 #include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
+#include "tests/htmldoc/tempfolder.h"
 #include "tests/platform/casefile.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::string ReadFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void WriteFile(const fs::path& path, const std::string& text) { std::ofstream(path, std::ios::binary) << text; }
-
-class Registration : public ::testing::Test {
+class Registration : public ::testing::Test, protected CTempFolder {
 protected:
-    void SetUp() override {
-        dir = fs::temp_directory_path() / ("zentrel-reg-" + std::to_string(getpid()));
-        fs::create_directories(dir);
-        store = (dir / "classes.reg").string();
+    Registration() : CTempFolder("registration_test"), store(PathOf("classes.reg")) {
         ZentrelSetRegistrationStore(store.c_str());
     }
-    void TearDown() override {
-        ZentrelSetRegistrationStore(nullptr);
-        fs::remove_all(dir);
-    }
+    ~Registration() override { ZentrelSetRegistrationStore(nullptr); }
     CRegistrationStore Loaded() {
         CRegistrationStore s(store);
         EXPECT_TRUE(s.Load().Ok());
@@ -54,15 +38,14 @@ protected:
         return out;
     }
 
-    fs::path dir;
-    std::string store;
+    const std::string store;
 };
 
 TEST_F(Registration, RegisteringTwiceAndUnregisteringGiveZeroAndLeaveTheStoreClean) {
     ASSERT_EQ(DllRegisterServer(), S_OK) << ZentrelRegistrationError();
-    const std::string once = ReadFile(store);
+    const std::string once = ReadAll(store);
     ASSERT_EQ(DllRegisterServer(), S_OK);
-    EXPECT_EQ(ReadFile(store), once);
+    EXPECT_EQ(ReadAll(store), once);
 
     CRegistrationStore s = Loaded();
     const std::string control = "CLSID\\{09D5F3E5-B21C-11D1-9B66-0000C0E4E6E4}";
@@ -186,7 +169,7 @@ TEST_F(Registration, BadStoresGiveClearErrorsAndStayAsTheyWere) {
         SCOPED_TRACE(bad.where);
         const bool missing = bad[1] == "-";
         fs::remove(store);
-        if (!missing) WriteFile(store, bad[1]);
+        if (!missing) Write("classes.reg", bad[1]);
         CRegistrationStore s(store);
         CRegistrationStore::Result r = s.Load();
         EXPECT_EQ(r.hr, bad[2] == "missing" ? STG_E_FILENOTFOUND : STG_E_DOCFILECORRUPT);
@@ -200,7 +183,7 @@ TEST_F(Registration, BadStoresGiveClearErrorsAndStayAsTheyWere) {
             EXPECT_EQ(DllRegisterServer(), SELFREG_E_TYPELIB);
             EXPECT_NE(std::string(ZentrelRegistrationError()).find(bad[3]), std::string::npos);
             EXPECT_EQ(DllUnregisterServer(), SELFREG_E_TYPELIB);
-            EXPECT_EQ(ReadFile(store), bad[1]);
+            EXPECT_EQ(ReadAll(store), bad[1]);
         } else {
             EXPECT_EQ(DllUnregisterServer(), SELFREG_E_TYPELIB);
             EXPECT_FALSE(fs::exists(store));

@@ -1,5 +1,6 @@
 // Window services of the test backend played from scripts (cases/*.script): messages, timers,
-// painting, scroll bars, the caret and child controls. Each case starts on a fresh backend.
+// painting, scroll bars, the caret, child controls, and a device context drawing on a surface of
+// its own. Each case starts on a fresh backend.
 //
 // A line is a step, `VERB ARGS`, optionally followed by `=> RESULT`, which the step's result must
 // equal. Windows are named; each has a handler of its own that logs what it hears as
@@ -15,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 
 #include "platform/testing/testplatform.h"
 #include "platform/window/caret.h"
@@ -67,10 +69,15 @@ std::string Hex(COLORREF colour) {
 struct Args {
     std::vector<std::string> words;
     size_t Count() const { return words.size(); }
+    const std::string& Word(size_t i) const {
+        static const std::string none;
+        return i < words.size() ? words[i] : none;
+    }
     int Int(size_t i) const { return i < words.size() ? static_cast<int>(std::stol(words[i], nullptr, 0)) : 0; }
     RECT Rect(size_t i) const { return RECT{Int(i), Int(i + 1), Int(i + 2), Int(i + 3)}; }
     std::string Rest(size_t i) const {
-        return i < words.size() ? Joined(std::vector<std::string>(words.begin() + i, words.end()), [](const std::string& w) { return w; }, "") : "";
+        if (i >= words.size()) return "";
+        return Joined(std::vector<std::string>(words.begin() + i, words.end()), [](const std::string& w) { return w; }, "");
     }
 };
 
@@ -156,7 +163,16 @@ private:
         auto found = i < a.Count() ? m_windows.find(a.words[i]) : m_windows.end();
         return found == m_windows.end() ? nullptr : found->second;
     }
-    CTestWindowBackend* Backend(const Args& a, size_t i) const { return TestWindow(Win(a, i)); }
+    // The backend of a living window; a step on a window that is gone or was never made is malformed.
+    CTestWindowBackend* Backend(const Args& a, size_t i) const {
+        CTestWindowBackend* window = TestWindow(Win(a, i));
+        if (!window) throw std::invalid_argument("no window " + a.Word(i));
+        return window;
+    }
+    CDrawing& Drawing() const {
+        if (!m_drawing) throw std::invalid_argument("no context: `dc` comes first");
+        return *m_drawing;
+    }
     CTestPlatform& Platform() { return m_scope->Platform(); }
     std::string NameOf(HWND hwnd) const {
         for (const auto& [name, handle] : m_windows)
@@ -168,7 +184,9 @@ private:
         auto found = kMessages.find(name);
         return found != kMessages.end() ? found->second : static_cast<UINT>(std::stoul(name, nullptr, 0));
     }
-    static int Bar(const std::string& name) { return name == "vert" ? SB_VERT : name == "horz" ? SB_HORZ : name == "both" ? SB_BOTH : std::stoi(name); }
+    static int Bar(const std::string& name) {
+        return name == "vert" ? SB_VERT : name == "horz" ? SB_HORZ : name == "both" ? SB_BOTH : std::stoi(name);
+    }
     // A window of the named handler: `window NAME [PARENT [W H]]`, or a child control.
     std::string Made(const std::string& name, HWND hwnd) {
         if (hwnd && m_windows.count(name) && m_windows[name] != hwnd) return "handle differs from the one handled";
@@ -194,12 +212,12 @@ private:
         static const std::map<std::string, UINT> masks{{"all", SIF_ALL}, {"pos", SIF_POS}, {"page", SIF_PAGE},
                                                        {"range", SIF_RANGE}, {"disable", SIF_DISABLENOSCROLL}};
         SCROLLINFO si;
-        si.fMask = Flags(a.words[2], masks);
+        si.fMask = Flags(a.Word(2), masks);
         si.nMin = a.Int(3);
         si.nMax = a.Int(4);
         si.nPage = static_cast<UINT>(a.Int(5));
         si.nPos = a.Int(6);
-        return Str(SetScrollInfo(Win(a, 0), Bar(a.words[1]), &si, TRUE));
+        return Str(SetScrollInfo(Win(a, 0), Bar(a.Word(1)), &si, TRUE));
     }
 
     void AddVerbs();
@@ -226,7 +244,7 @@ void CScript::AddVerbs() {
     // Windows and messages.
     v["window"] = [this](const Args& a) {
         const RECT rc{0, 0, a.Count() > 3 ? a.Int(2) : 300, a.Count() > 3 ? a.Int(3) : 200};
-        return Made(a.words[0], CreateWindowFor(Handler(a.words[0]), Win(a, 1), rc));
+        return Made(a.Word(0), CreateWindowFor(Handler(a.Word(0)), Win(a, 1), rc));
     };
     v["nohandler"] = [](const Args&) { return CreateWindowFor(nullptr, nullptr, RECT{0, 0, 10, 10}) ? "ok" : "null"; };
     v["destroy"] = [this](const Args& a) { return Bool(DestroyWindow(Win(a, 0))); };
@@ -241,12 +259,12 @@ void CScript::AddVerbs() {
         return GetClientRect(Win(a, 0), &rc) ? Str(rc) : "fail";
     };
     v["resize"] = [this](const Args& a) { return Backend(a, 0)->SetClientSize(a.Int(1), a.Int(2)), ""; };
-    v["post"] = [this](const Args& a) { return Bool(PostMessage(Win(a, 0), Message(a.words[1]), a.Int(2), a.Int(3))); };
-    v["send"] = [this](const Args& a) { return Str(SendMessage(Win(a, 0), Message(a.words[1]), 0, 0)); };
+    v["post"] = [this](const Args& a) { return Bool(PostMessage(Win(a, 0), Message(a.Word(1)), a.Int(2), a.Int(3))); };
+    v["send"] = [this](const Args& a) { return Str(SendMessage(Win(a, 0), Message(a.Word(1)), 0, 0)); };
     v["peek"] = [this](const Args& a) {
         MSG msg;
-        const UINT flags = a.words[3] == "keep" ? PM_NOREMOVE : PM_REMOVE;
-        if (!PeekMessage(a.words[3] == "null" ? nullptr : &msg, Win(a, 0), Message(a.words[1]), Message(a.words[2]), flags))
+        const UINT flags = a.Word(3) == "keep" ? PM_NOREMOVE : PM_REMOVE;
+        if (!PeekMessage(a.Word(3) == "null" ? nullptr : &msg, Win(a, 0), Message(a.Word(1)), Message(a.Word(2)), flags))
             return std::string("none");
         const std::string seen = MessageName(msg.message) + "(" + Str(static_cast<long>(msg.wParam)) + "," + Str(msg.lParam) + ")";
         return msg.hwnd == Win(a, 0) ? seen : seen + " of another window";
@@ -265,7 +283,7 @@ void CScript::AddVerbs() {
             PeekMessage(&next, Win(a, 0), WM_REPAINT, WM_REPAINT, PM_REMOVE);
         return "";
     };
-    v["on"] = [this](const Args& a) { return m_reactions[a.words[0] + " " + a.words[1]] = a.Rest(2), ""; };
+    v["on"] = [this](const Args& a) { return m_reactions[a.Word(0) + " " + a.Word(1)] = a.Rest(2), ""; };
     v["log"] = [this](const Args&) {
         const std::string out = Joined(m_log, [](const std::string& entry) { return entry; }, "");
         m_log.clear();
@@ -279,7 +297,7 @@ void CScript::AddVerbs() {
     };
     v["fire"] = [this](const Args& a) { return Bool(Backend(a, 0)->FireTimer(static_cast<UINT>(a.Int(1)))); };
     v["clock"] = [this](const Args& a) { return Platform().AdvanceClock(static_cast<DWORD>(a.Int(0))), ""; };
-    v["settick"] = [this](const Args& a) { return Platform().SetTickCount(static_cast<DWORD>(std::stoul(a.words[0], nullptr, 0))), ""; };
+    v["settick"] = [this](const Args& a) { return Platform().SetTickCount(static_cast<DWORD>(std::stoul(a.Word(0), nullptr, 0))), ""; };
     v["tick"] = [](const Args&) { return Str(static_cast<long>(GetTickCount())); };
     // Focus.
     v["focus"] = [this](const Args& a) { return NameOf(SetFocus(Win(a, 0))); };
@@ -296,9 +314,10 @@ void CScript::AddVerbs() {
         return Bool(ValidateRect(Win(a, 0), a.Count() > 4 ? &rc : nullptr));
     };
     v["redraw"] = [this](const Args& a) {
-        static const std::map<std::string, UINT> flags{{"invalidate", RDW_INVALIDATE}, {"validate", RDW_VALIDATE}, {"updatenow", RDW_UPDATENOW}};
+        static const std::map<std::string, UINT> flags{
+            {"invalidate", RDW_INVALIDATE}, {"validate", RDW_VALIDATE}, {"updatenow", RDW_UPDATENOW}};
         const RECT rc = a.Rect(2);
-        return Bool(RedrawWindow(Win(a, 0), a.Count() > 5 ? &rc : nullptr, Flags(a.words[1], flags)));
+        return Bool(RedrawWindow(Win(a, 0), a.Count() > 5 ? &rc : nullptr, Flags(a.Word(1), flags)));
     };
     v["invalidated"] = [this](const Args& a) { return Joined(Backend(a, 0)->Invalidated(), [](const RECT& rc) { return Str(rc); }); };
     v["clearinvalidated"] = [this](const Args& a) { return Backend(a, 0)->ClearInvalidated(), ""; };
@@ -315,7 +334,7 @@ void CScript::AddVerbs() {
     };
     v["beginpaint"] = [this](const Args& a) { return Paint(a, false); };
     v["fillpaint"] = [this](const Args& a) { return Paint(a, true); };
-    v["colour"] = [this](const Args& a) { return m_paintColour = static_cast<COLORREF>(std::stoul(a.words[0], nullptr, 16)), ""; };
+    v["colour"] = [this](const Args& a) { return m_paintColour = static_cast<COLORREF>(std::stoul(a.Word(0), nullptr, 16)), ""; };
     v["pixel"] = [this](const Args& a) { return Hex(Backend(a, 0)->Pixel(a.Int(1), a.Int(2))); };
     v["drawn"] = [this](const Args& a) {
         return Backend(a, 0)->Drawn().empty() ? std::string("nothing") : Str(Backend(a, 0)->Drawn().back().visible);
@@ -351,27 +370,29 @@ void CScript::AddVerbs() {
         return Bool(ScrollWindow(Win(a, 0), a.Int(1), a.Int(2),
                                  a.Count() > 6 ? &rc : nullptr, a.Count() > 6 ? &rc : nullptr));
     };
-    v["scrolls"] = [this](const Args& a) { return Joined(Backend(a, 0)->Scrolls(), [](const ScrollCall& call) { return Str(call.scroll); }); };
+    v["scrolls"] = [this](const Args& a) {
+        return Joined(Backend(a, 0)->Scrolls(), [](const ScrollCall& call) { return Str(call.scroll); });
+    };
     // Scroll bars: `setscroll NAME BAR MASK MIN MAX PAGE POS`, MASK of all, pos, page, range and
     // disable joined by +.
     v["setscroll"] = [this](const Args& a) { return SetScroll(a); };
     v["getscroll"] = [this](const Args& a) {
         SCROLLINFO si;
         si.fMask = SIF_ALL;
-        if (!GetScrollInfo(Win(a, 0), Bar(a.words[1]), &si)) return std::string("fail");
+        if (!GetScrollInfo(Win(a, 0), Bar(a.Word(1)), &si)) return std::string("fail");
         return Str(si.nMin) + " " + Str(si.nMax) + " " + Str(static_cast<long>(si.nPage)) + " " + Str(si.nPos);
     };
     v["bar"] = [this](const Args& a) {
-        const ScrollBarState& bar = Backend(a, 0)->Bar(Bar(a.words[1]));
+        const ScrollBarState& bar = Backend(a, 0)->Bar(Bar(a.Word(1)));
         return "visible=" + Bool(bar.visible) + " enabled=" + Bool(bar.enabled) + " page=" +
                Str(static_cast<long>(bar.info.nPage)) + " pos=" + Str(bar.info.nPos);
     };
     v["barstate"] = [this](const Args& a) {
         ScrollBarState state;
-        if (!GetScrollBarState(Win(a, 0), Bar(a.words[1]), &state)) return std::string("fail");
+        if (!GetScrollBarState(Win(a, 0), Bar(a.Word(1)), &state)) return std::string("fail");
         return "visible=" + Bool(state.visible) + " enabled=" + Bool(state.enabled);
     };
-    v["showbar"] = [this](const Args& a) { return Bool(ShowScrollBar(Win(a, 0), Bar(a.words[1]), a.Int(2) != 0)); };
+    v["showbar"] = [this](const Args& a) { return Bool(ShowScrollBar(Win(a, 0), Bar(a.Word(1)), a.Int(2) != 0)); };
     v["barchanges"] = [this](const Args& a) { return Str(Backend(a, 0)->ScrollBarChanges()); };
     // The caret.
     v["caret"] = [this](const Args& a) {
@@ -395,10 +416,12 @@ void CScript::AddVerbs() {
     };
     // Child controls: `control NAME PARENT static|animation ID L T R B`.
     v["control"] = [this](const Args& a) {
-        const auto kind = a.words[2] == "static" ? ChildControlKind::Static : ChildControlKind::Animation;
-        return Made(a.words[0], CreateChildControl(kind, Win(a, 1), a.Int(3), a.Rect(4)));
+        const auto kind = a.Word(2) == "static" ? ChildControlKind::Static : ChildControlKind::Animation;
+        return Made(a.Word(0), CreateChildControl(kind, Win(a, 1), a.Int(3), a.Rect(4)));
     };
-    v["controls"] = [this](const Args& a) { return Joined(Platform().ChildControlsOf(Win(a, 0)), [this](HWND child) { return NameOf(child); }); };
+    v["controls"] = [this](const Args& a) {
+        return Joined(Platform().ChildControlsOf(Win(a, 0)), [this](HWND child) { return NameOf(child); });
+    };
     v["control?"] = [this](const Args& a) {
         CTestWindowBackend* w = Backend(a, 0);
         return std::string(w->Kind() == ChildControlKind::Static ? "static" : "animation") + " shown=" + Bool(w->Shown()) +
@@ -414,7 +437,7 @@ void CScript::AddVerbs() {
     v["animplay"] = [this](const Args& a) { return Bool(AnimatePlay(Win(a, 0))); };
     v["animstop"] = [this](const Args& a) { return Bool(AnimateStop(Win(a, 0))); };
     v["waitcursor"] = [this](const Args& a) {
-        a.words[0] == "begin" ? BeginWaitCursor() : EndWaitCursor();
+        a.Word(0) == "begin" ? BeginWaitCursor() : EndWaitCursor();
         return "depth=" + Str(Platform().WaitCursorDepth());
     };
 }
@@ -441,92 +464,92 @@ void CScript::AddDrawingVerbs() {
         m_codePage.reset();
         return m_codePage = std::make_unique<CodePageScope>(static_cast<UINT>(a.Int(0))), "";
     };
-    v["align"] = [this](const Args& a) { return m_drawing->dc->SetTextAlign(Flags(a.words[0], kAlign)), ""; };
-    v["bkmode"] = [this](const Args& a) { return m_drawing->dc->SetBkMode(a.words[0] == "opaque" ? OPAQUE : TRANSPARENT), ""; };
+    v["align"] = [this](const Args& a) { return Drawing().dc->SetTextAlign(Flags(a.Word(0), kAlign)), ""; };
+    v["bkmode"] = [this](const Args& a) { return Drawing().dc->SetBkMode(a.Word(0) == "opaque" ? OPAQUE : TRANSPARENT), ""; };
     // `textout X Y [opaque|clipped L T R B] TEXT`, TEXT escaped, or - for none.
     v["textout"] = [this](const Args& a) {
-        const bool boxed = a.words[2] == "opaque" || a.words[2] == "clipped";
+        const bool boxed = a.Word(2) == "opaque" || a.Word(2) == "clipped";
         const RECT rc = a.Rect(3);
         const std::string text = UnescapeCaseField(a.Rest(boxed ? 7 : 2));
-        const UINT options = !boxed ? 0 : a.words[2] == "opaque" ? ETO_OPAQUE : ETO_CLIPPED;
-        return Bool(m_drawing->dc->ExtTextOut(a.Int(0), a.Int(1), options, boxed ? &rc : nullptr, text == "-" ? nullptr : text.c_str(),
+        const UINT options = !boxed ? 0 : a.Word(2) == "opaque" ? ETO_OPAQUE : ETO_CLIPPED;
+        return Bool(Drawing().dc->ExtTextOut(a.Int(0), a.Int(1), options, boxed ? &rc : nullptr, text == "-" ? nullptr : text.c_str(),
                                               text == "-" ? 0 : static_cast<int>(text.size())));
     };
     v["lasttext"] = [this](const Args&) {
-        const DrawRecord* run = m_drawing->Last(DrawKind::Text);
+        const DrawRecord* run = Drawing().Last(DrawKind::Text);
         if (!run) return std::string("none");
         return run->text + " at " + Str(run->origin.x) + "," + Str(run->origin.y) + " colour=" + Hex(run->color) +
                " face=" + run->font.lfFaceName + (run->clipped ? " clip=" + Str(run->clip) : "");
     };
     v["advances"] = [this](const Args&) {
-        const DrawRecord* run = m_drawing->Last(DrawKind::Text);
+        const DrawRecord* run = Drawing().Last(DrawKind::Text);
         return run ? Joined(run->advances, [](int advance) { return Str(advance); }) : "none";
     };
     v["lastfill"] = [this](const Args& a) {
-        const DrawRecord* fill = m_drawing->Last(DrawKind::Fill);
+        const DrawRecord* fill = Drawing().Last(DrawKind::Fill);
         return !fill ? "none" : a.Count() ? Str(fill->visible) : Str(fill->rc);
     };
     // The kinds of what was drawn since the last look.
     v["records"] = [this](const Args&) {
         static const char* const kKinds[] = {"fill", "text", "line", "blit", "invert"};
         std::vector<std::string> kinds;
-        for (size_t i = m_drawing->seen; i < m_drawing->dc->Log().size(); ++i)
-            kinds.push_back(kKinds[static_cast<int>(m_drawing->dc->Log()[i].kind)]);
-        m_drawing->seen = m_drawing->dc->Log().size();
+        for (size_t i = Drawing().seen; i < Drawing().dc->Log().size(); ++i)
+            kinds.push_back(kKinds[static_cast<int>(Drawing().dc->Log()[i].kind)]);
+        Drawing().seen = Drawing().dc->Log().size();
         return Joined(kinds, [](const std::string& kind) { return kind; });
     };
-    v["surface"] = [this](const Args& a) { return Hex(m_drawing->surface->Pixel(a.Int(0), a.Int(1))); };
+    v["surface"] = [this](const Args& a) { return Hex(Drawing().surface->Pixel(a.Int(0), a.Int(1))); };
     v["extent"] = [this](const Args& a) {
-        const std::string text = UnescapeCaseField(a.words[0]);
-        return Str(m_drawing->dc->GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx);
+        const std::string text = UnescapeCaseField(a.Word(0));
+        return Str(Drawing().dc->GetTextExtent(text.c_str(), static_cast<int>(text.size())).cx);
     };
-    v["system"] = [this](const Args& a) { return m_drawing->dc->SetSystemRegion(CRgn(a.Rect(0))), ""; };
-    v["rectvisible"] = [this](const Args& a) { return Bool(m_drawing->dc->RectVisible(a.Rect(0))); };
+    v["system"] = [this](const Args& a) { return Drawing().dc->SetSystemRegion(CRgn(a.Rect(0))), ""; };
+    v["rectvisible"] = [this](const Args& a) { return Bool(Drawing().dc->RectVisible(a.Rect(0))); };
     v["clip"] = [this](const Args&) {
         CRgn clip;
-        return m_drawing->dc->GetClipRgn(&clip) ? Str(clip) : "none";
+        return Drawing().dc->GetClipRgn(&clip) ? Str(clip) : "none";
     };
-    v["exclude"] = [this](const Args& a) { return kRegionKinds[m_drawing->dc->ExcludeClipRect(a.Rect(0))]; };
-    v["intersect"] = [this](const Args& a) { return kRegionKinds[m_drawing->dc->IntersectClipRect(a.Rect(0))]; };
+    v["exclude"] = [this](const Args& a) { return kRegionKinds[Drawing().dc->ExcludeClipRect(a.Rect(0))]; };
+    v["intersect"] = [this](const Args& a) { return kRegionKinds[Drawing().dc->IntersectClipRect(a.Rect(0))]; };
     v["clipbox"] = [this](const Args&) {
         RECT box;
-        const int kind = m_drawing->dc->GetClipBox(&box);
+        const int kind = Drawing().dc->GetClipBox(&box);
         return kRegionKinds[kind] + (" " + Str(box));
     };
     v["selectclip"] = [this](const Args& a) {
-        const bool none = a.words[0] == "none";
+        const bool none = a.Word(0) == "none";
         const CRgn rgn(none ? RECT{} : a.Rect(0));
-        return kRegionKinds[m_drawing->dc->SelectClipRgn(none ? nullptr : &rgn)];
+        return kRegionKinds[Drawing().dc->SelectClipRgn(none ? nullptr : &rgn)];
     };
     v["dcfill"] = [this](const Args& a) {
-        return m_drawing->dc->FillSolidRect(a.Rect(0), static_cast<COLORREF>(std::stoul(a.words[4], nullptr, 16))), "";
+        return Drawing().dc->FillSolidRect(a.Rect(0), static_cast<COLORREF>(std::stoul(a.Word(4), nullptr, 16))), "";
     };
     v["memdc"] = [this](const Args& a) {
-        m_drawing->mem = m_drawing->dc->CreateCompatibleDC();
-        if (!m_drawing->mem->CreateCompatibleBitmap(&m_drawing->bitmap, a.Int(0), a.Int(1))) return std::string("no bitmap");
-        m_drawing->mem->SelectObject(&m_drawing->bitmap);
-        return Str(m_drawing->bitmap.GetSize().cx) + "x" + Str(m_drawing->bitmap.GetSize().cy);
+        Drawing().mem = Drawing().dc->CreateCompatibleDC();
+        if (!Drawing().mem->CreateCompatibleBitmap(&Drawing().bitmap, a.Int(0), a.Int(1))) return std::string("no bitmap");
+        Drawing().mem->SelectObject(&Drawing().bitmap);
+        return Str(Drawing().bitmap.GetSize().cx) + "x" + Str(Drawing().bitmap.GetSize().cy);
     };
     // Fills on the memory context; says where the fill was logged: in the one log, on the bitmap.
     v["memfill"] = [this](const Args& a) {
-        m_drawing->mem->FillSolidRect(a.Rect(0), static_cast<COLORREF>(std::stoul(a.words[4], nullptr, 16)));
-        const bool onBitmap = m_drawing->dc->Log().back().target == static_cast<const CTestSurface*>(m_drawing->bitmap.Impl());
+        Drawing().mem->FillSolidRect(a.Rect(0), static_cast<COLORREF>(std::stoul(a.Word(4), nullptr, 16)));
+        const bool onBitmap = Drawing().dc->Log().back().target == static_cast<const CTestSurface*>(Drawing().bitmap.Impl());
         return onBitmap ? "bitmap" : "elsewhere";
     };
     v["blit"] = [this](const Args& a) {
-        const DWORD rop = a.Count() > 6 ? static_cast<DWORD>(std::stoul(a.words[6], nullptr, 16)) : SRCCOPY;
-        return Bool(m_drawing->dc->BitBlt(a.Int(0), a.Int(1), a.Int(2), a.Int(3), m_drawing->mem.get(), a.Int(4), a.Int(5), rop));
+        const DWORD rop = a.Count() > 6 ? static_cast<DWORD>(std::stoul(a.Word(6), nullptr, 16)) : SRCCOPY;
+        return Bool(Drawing().dc->BitBlt(a.Int(0), a.Int(1), a.Int(2), a.Int(3), Drawing().mem.get(), a.Int(4), a.Int(5), rop));
     };
     v["stretch"] = [this](const Args& a) {
-        return Bool(m_drawing->dc->StretchBlt(a.Int(0), a.Int(1), a.Int(2), a.Int(3), m_drawing->mem.get(), a.Int(4), a.Int(5),
+        return Bool(Drawing().dc->StretchBlt(a.Int(0), a.Int(1), a.Int(2), a.Int(3), Drawing().mem.get(), a.Int(4), a.Int(5),
                                               a.Int(6), a.Int(7), SRCCOPY));
     };
     v["pen"] = [this](const Args& a) {
-        m_drawing->pen.CreatePen(PS_SOLID, 1, static_cast<COLORREF>(std::stoul(a.words[0], nullptr, 16)));
-        return m_drawing->dc->SelectObject(&m_drawing->pen), "";
+        Drawing().pen.CreatePen(PS_SOLID, 1, static_cast<COLORREF>(std::stoul(a.Word(0), nullptr, 16)));
+        return Drawing().dc->SelectObject(&Drawing().pen), "";
     };
-    v["moveto"] = [this](const Args& a) { return m_drawing->dc->MoveTo(a.Int(0), a.Int(1)), ""; };
-    v["lineto"] = [this](const Args& a) { return m_drawing->dc->LineTo(a.Int(0), a.Int(1)), ""; };
+    v["moveto"] = [this](const Args& a) { return Drawing().dc->MoveTo(a.Int(0), a.Int(1)), ""; };
+    v["lineto"] = [this](const Args& a) { return Drawing().dc->LineTo(a.Int(0), a.Int(1)), ""; };
 }
 
 // Plays every case of a script file; a failure names the file and line of its step.
