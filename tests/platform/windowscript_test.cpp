@@ -83,7 +83,7 @@ struct Args {
 
 class CScript;
 
-class CNamedHandler : public IMessageHandler {
+class CNamedHandler final : public IMessageHandler {
 public:
     CNamedHandler(CScript* script, std::string name) : m_pScript(script), m_name(std::move(name)) {}
     LRESULT WindowProc(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) override;
