@@ -163,29 +163,4 @@ TEST_F(EncodedFiles, AnEscapeCharacterTravelsAsAReferenceInIso2022Jp) {
     EXPECT_EQ(again->GetText(), "a&#27;(Bb \x93\xFA");
 }
 
-TEST(EncodingDispatch, EncodingPropertiesByName) {
-    CAttachedDoc d("text");
-    IDispatch* disp = d.doc.Get();
-    DISPID encoding = 0, fallback = 0, bom = 0;
-    ASSERT_EQ(disp->GetIDsOfNames("encoding", &encoding), S_OK);
-    ASSERT_EQ(disp->GetIDsOfNames("DefaultEncoding", &fallback), S_OK);
-    ASSERT_EQ(disp->GetIDsOfNames("ByteOrderMark", &bom), S_OK);
-    std::vector<Variant> none, args{Variant::Str("koi8-r")};
-    Variant result;
-    ASSERT_EQ(disp->Invoke(encoding, DISPATCH_PROPERTYPUT, args, nullptr, nullptr), S_OK);
-    ASSERT_EQ(disp->Invoke(encoding, DISPATCH_PROPERTYGET, none, &result, nullptr), S_OK);
-    EXPECT_EQ(result.StrVal(), "KOI8-R");
-    args = {Variant::Str("utf-7")};
-    ExcepInfo excep;
-    EXPECT_EQ(disp->Invoke(fallback, DISPATCH_PROPERTYPUT, args, nullptr, &excep), DISP_E_EXCEPTION);
-    args = {Variant::Str("gb2312")};
-    ASSERT_EQ(disp->Invoke(fallback, DISPATCH_PROPERTYPUT, args, nullptr, nullptr), S_OK);
-    ASSERT_EQ(disp->Invoke(fallback, DISPATCH_PROPERTYGET, none, &result, nullptr), S_OK);
-    EXPECT_EQ(result.StrVal(), "GBK");
-    ASSERT_EQ(disp->Invoke(bom, DISPATCH_PROPERTYGET, none, &result, nullptr), S_OK);
-    bool value = true;
-    ASSERT_TRUE(result.ToBool(&value));
-    EXPECT_FALSE(value);
-}
-
 }  // namespace

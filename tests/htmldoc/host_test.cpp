@@ -1,4 +1,5 @@
-// The host's side of the document: files, path, modified flag and automation.
+// The host's side of the document: files, path and modified flag (its automation is in
+// cases/dispatch.cases).
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -60,60 +61,6 @@ TEST_F(HostFiles, FailuresSayWhyAndLoseNothing) {
     char name[260];
     EXPECT_EQ(d.doc->GetPathName(name), E_FAIL);
     EXPECT_EQ(name[0], '\0');
-}
-
-TEST(HostDispatch, DocumentMembersByNameAndTheirErrors) {
-    CAttachedDoc d("one\ntwo");
-    IDispatch* disp = d.doc.Get();
-    auto id = [&](const char* name) {
-        DISPID dispid = DISPID_UNKNOWN;
-        EXPECT_EQ(disp->GetIDsOfNames(name, &dispid), S_OK) << name;
-        return dispid;
-    };
-    std::vector<Variant> none;
-    Variant result;
-    ASSERT_EQ(disp->Invoke(id("linecount"), DISPATCH_PROPERTYGET, none, &result, nullptr), S_OK);
-    EXPECT_EQ(result.LongVal(), 2);
-    std::vector<Variant> args{Variant::Str("<b>x</b>")};
-    ASSERT_EQ(disp->Invoke(id("Text"), DISPATCH_PROPERTYPUT, args, nullptr, nullptr), S_OK);
-    disp->Invoke(id("LENGTH"), DISPATCH_PROPERTYGET, none, &result, nullptr);
-    EXPECT_EQ(result.LongVal(), 8);
-
-    d.doc->InsertText(0, "a", 1, nullptr);
-    ASSERT_EQ(disp->Invoke(id("Undo"), DISPATCH_METHOD, none, &result, nullptr), S_OK);
-    EXPECT_EQ(d.Text(), "<b>x</b>");
-    disp->Invoke(id("Redo"), DISPATCH_METHOD, none, &result, nullptr);
-    EXPECT_EQ(d.Text(), "a<b>x</b>");
-
-    ExcepInfo excep;
-    args = {Variant::Str("/no/such/file.htm")};
-    EXPECT_EQ(disp->Invoke(id("Load"), DISPATCH_METHOD, args, nullptr, &excep), DISP_E_EXCEPTION);
-    EXPECT_EQ(excep.scode, STG_E_FILENOTFOUND);
-    EXPECT_NE(excep.description.find("/no/such/file.htm"), std::string::npos);
-    EXPECT_EQ(disp->Invoke(id("Load"), DISPATCH_METHOD, none, nullptr, nullptr), DISP_E_BADPARAMCOUNT);
-    args = {Variant::Dispatch(nullptr)};
-    EXPECT_EQ(disp->Invoke(id("Text"), DISPATCH_PROPERTYPUT, args, nullptr, nullptr), DISP_E_TYPEMISMATCH);
-    EXPECT_EQ(disp->Invoke(1234, DISPATCH_METHOD, none, nullptr, nullptr), DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(d.Text(), "a<b>x</b>");
-
-    // The selection: positions, and Text put as a replacement of the range.
-    auto sel = QueryAs<IDispatch>(d.sel.Get(), IID_IDispatch);
-    ASSERT_TRUE(sel);
-    DISPID active, anchor, text;
-    ASSERT_EQ(sel->GetIDsOfNames("ACTIVE", &active), S_OK);
-    sel->GetIDsOfNames("anchor", &anchor);
-    sel->GetIDsOfNames("Text", &text);
-    args = {Variant::Long(9)};
-    ASSERT_EQ(sel->Invoke(active, DISPATCH_PROPERTYPUT, args, nullptr, nullptr), S_OK);
-    args = {Variant::Long(5)};
-    ASSERT_EQ(sel->Invoke(anchor, DISPATCH_PROPERTYPUT, args, nullptr, nullptr), S_OK);
-    ASSERT_EQ(sel->Invoke(text, DISPATCH_PROPERTYGET, none, &result, nullptr), S_OK);
-    EXPECT_EQ(result.StrVal(), "</b>");
-    args = {Variant::Str("<br>")};
-    ASSERT_EQ(sel->Invoke(text, DISPATCH_PROPERTYPUT, args, nullptr, nullptr), S_OK);
-    EXPECT_EQ(d.Text(), "a<b>x<br>");
-    args = {Variant::Long(400)};
-    EXPECT_EQ(sel->Invoke(active, DISPATCH_PROPERTYPUT, args, nullptr, &excep), DISP_E_EXCEPTION);
 }
 
 }  // namespace

@@ -1,0 +1,157 @@
+// Edits, undo history and automation of a document with a view's sink and selection attached,
+// played from case files (cases/undo.cases, cases/dispatch.cases). A row is a step; a step that
+// gives a result compares it with the row's last field when the row has one more field than the
+// step's arguments. The verbs are listed at the top of each file.
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <functional>
+#include <map>
+#include <sstream>
+
+#include "tests/htmldoc/recordingsink.h"
+#include "tests/platform/casefile.h"
+
+namespace {
+
+std::string HrName(HRESULT hr) {
+    static const std::map<HRESULT, const char*> kNames{
+        {S_OK, "ok"}, {E_FAIL, "E_FAIL"}, {E_UNEXPECTED, "E_UNEXPECTED"}, {E_INVALIDARG, "E_INVALIDARG"},
+        {DISP_E_EXCEPTION, "DISP_E_EXCEPTION"}, {DISP_E_BADPARAMCOUNT, "DISP_E_BADPARAMCOUNT"},
+        {DISP_E_TYPEMISMATCH, "DISP_E_TYPEMISMATCH"}, {DISP_E_MEMBERNOTFOUND, "DISP_E_MEMBERNOTFOUND"},
+        {STG_E_FILENOTFOUND, "STG_E_FILENOTFOUND"}};
+    auto found = kNames.find(hr);
+    if (found != kNames.end()) return found->second;
+    std::ostringstream hex;
+    hex << "0x" << std::hex << std::uppercase << static_cast<uint32_t>(hr);
+    return hex.str();
+}
+
+std::string Shown(const Variant& value) {
+    bool flag = false;
+    if (value.Type() == VT_BSTR) return value.StrVal();
+    if (value.Type() == VT_BOOL && value.ToBool(&flag)) return flag ? "true" : "false";
+    if (value.Type() == VT_I2 || value.Type() == VT_I4) return std::to_string(value.LongVal());
+    return "";
+}
+
+// Arguments written as "string", a number, nulldisp, or - for none.
+std::vector<Variant> ArgumentsOf(const std::string& field) {
+    std::vector<Variant> args;
+    std::istringstream in(field);
+    for (std::string word; in >> word;) {
+        if (word == "-") continue;
+        if (word == "nulldisp") args.push_back(Variant::Dispatch(nullptr));
+        else if (word.front() == '"') args.push_back(Variant::Str(word.substr(1, word.size() - 2)));
+        else args.push_back(Variant::Long(std::stoi(word)));
+    }
+    return args;
+}
+
+class CDocScript {
+public:
+    CDocScript() { AddVerbs(); }
+
+    void Play(const CaseRow& row) {
+        if (row[0] == "case") {
+            m_doc = std::make_unique<CAttachedDoc>();
+            return;
+        }
+        auto verb = m_verbs.find(row[0]);
+        ASSERT_NE(verb, m_verbs.end()) << "unknown verb " << row[0];
+        ASSERT_TRUE(m_doc) << "a step before the first case";
+        const std::string result = verb->second.run(row);
+        if (row.fields.size() > verb->second.args + 1) {
+            EXPECT_EQ(result, row.fields.back());
+        }
+    }
+
+private:
+    struct Verb {
+        size_t args;
+        std::function<std::string(const CaseRow&)> run;
+    };
+
+    CHtmlDocument& Doc() { return *m_doc->doc.Get(); }
+    ISourceRange& Sel() { return *m_doc->sel.Get(); }
+    std::string Undone(bool undo) {
+        long caret = 0;
+        const HRESULT hr = undo ? Doc().Undo(&m_doc->sink, &caret) : Doc().Redo(&m_doc->sink, &caret);
+        return HrName(hr) + " " + std::to_string(caret);
+    }
+    ComPtr<ISourceUndo> UndoManager() {
+        ComPtr<ISourceUndo> undo;
+        EXPECT_EQ(Doc().GetUndoManager(undo.Out()), S_OK);
+        return undo;
+    }
+    // `invoke | doc|sel | MEMBER | get|put|method | ARGUMENTS`: the outcome, a value got, and an
+    // exception's code and description.
+    std::string Invoke(const CaseRow& row) {
+        ComPtr<IDispatch> target = row[1] == "sel" ? QueryAs<IDispatch>(&Sel(), IID_IDispatch) : ComPtr<IDispatch>(&Doc());
+        DISPID id = DISPID_UNKNOWN;
+        if (!row[2].empty() && std::isdigit(static_cast<unsigned char>(row[2].front()))) id = std::stoi(row[2]);
+        else if (FAILED(target->GetIDsOfNames(row[2], &id))) return "unknown name";
+        const WORD how = row[3] == "get" ? DISPATCH_PROPERTYGET : row[3] == "put" ? DISPATCH_PROPERTYPUT : DISPATCH_METHOD;
+        std::vector<Variant> args = ArgumentsOf(row[4]);
+        Variant result;
+        ExcepInfo excep;
+        const HRESULT hr = target->Invoke(id, how, args, &result, &excep);
+        if (hr == DISP_E_EXCEPTION) return HrName(hr) + " " + HrName(excep.scode) + (excep.description.empty() ? "" : " " + excep.description);
+        return HrName(hr) + (Shown(result).empty() ? "" : " " + Shown(result));
+    }
+
+    void AddVerbs() {
+        auto bit = [](bool value) { return std::string(value ? "1" : "0"); };
+        m_verbs = {
+            {"text", {1, [this](const CaseRow& r) { return Doc().SetText(r[1]), ""; }}},
+            {"get", {0, [this](const CaseRow&) { return Doc().GetText(); }}},
+            {"sel", {2, [this](const CaseRow& r) { return HrName(Sel().SetRange(r.Long(1), r.Long(2))); }}},
+            {"type", {1, [this](const CaseRow& r) {
+                 for (char c : r[1]) Sel().ReplaceText(&c, 1, nullptr);
+                 return "";
+             }}},
+            {"seldelete", {0, [this](const CaseRow&) { return HrName(Sel().DeleteText(&m_doc->sink)); }}},
+            {"insert", {2, [this](const CaseRow& r) {
+                 return HrName(Doc().InsertText(r.Long(1), r[2].data(), static_cast<long>(r[2].size()), nullptr));
+             }}},
+            {"delete", {2, [this](const CaseRow& r) { return HrName(Doc().DeleteText(r.Long(1), r.Long(2), nullptr)); }}},
+            {"undo", {0, [this](const CaseRow&) { return Undone(true); }}},
+            {"redo", {0, [this](const CaseRow&) { return Undone(false); }}},
+            {"begin", {1, [this](const CaseRow& r) { return HrName(UndoManager()->BeginGroup(r[1].c_str())); }}},
+            {"end", {0, [this](const CaseRow&) { return HrName(UndoManager()->EndGroup()); }}},
+            {"undotitle", {0, [this](const CaseRow&) { return Doc().UndoTitle(); }}},
+            {"redotitle", {0, [this](const CaseRow&) { return Doc().RedoTitle(); }}},
+            {"undoempty", {0, [this, bit](const CaseRow&) { return bit(Doc().IsUndoEmpty()); }}},
+            {"redoempty", {0, [this, bit](const CaseRow&) { return bit(Doc().IsRedoEmpty()); }}},
+            {"modified", {0, [this, bit](const CaseRow&) { return bit(Doc().IsModified()); }}},
+            {"setmodified", {1, [this](const CaseRow& r) { return Doc().SetModified(r[1] == "1"), ""; }}},
+            {"events", {0, [this](const CaseRow&) {
+                 const std::string log = m_doc->sink.Log();
+                 m_doc->sink.events.clear();
+                 return log;
+             }}},
+            {"invoke", {4, [this](const CaseRow& r) { return Invoke(r); }}},
+        };
+    }
+
+    std::unique_ptr<CAttachedDoc> m_doc;
+    std::map<std::string, Verb> m_verbs;
+};
+
+class DocumentScripts : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(DocumentScripts, StepsGiveTheirResults) {
+    CDocScript script;
+    for (const CaseRow& row : ReadCaseRows(std::string("htmldoc/cases/") + GetParam())) {
+        SCOPED_TRACE(row.where);
+        ASSERT_NO_FATAL_FAILURE(script.Play(row));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, DocumentScripts, ::testing::Values("undo.cases", "dispatch.cases"),
+                         [](const auto& info) {
+                             const std::string name = info.param;
+                             return name.substr(0, name.find('.'));
+                         });
+
+}  // namespace
