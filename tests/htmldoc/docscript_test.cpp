@@ -1,15 +1,20 @@
-// Edits, undo history and automation of a document with a view's sink and selection attached,
-// played from case files (cases/undo.cases, cases/dispatch.cases). A row is a step; a step that
-// gives a result compares it with the row's last field when the row has one more field than the
-// step's arguments. The verbs are listed at the top of each file.
+// Edits, undo history, automation and files of a document with a view's sink and selection
+// attached, played from case files (cases/undo.cases, dispatch.cases, files.cases). A row is a
+// step; a step that gives a result compares it with the row's last field when the row has one
+// more field than the step's arguments. The verbs are listed at the top of undo.cases and
+// dispatch.cases, and above AddFileVerbs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <sstream>
 
+#include "tests/codepagescope.h"
 #include "tests/htmldoc/recordingsink.h"
+#include "tests/htmldoc/tempfolder.h"
 #include "tests/platform/casefile.h"
 
 namespace {
@@ -19,7 +24,7 @@ std::string HrName(HRESULT hr) {
         {S_OK, "ok"}, {E_FAIL, "E_FAIL"}, {E_UNEXPECTED, "E_UNEXPECTED"}, {E_INVALIDARG, "E_INVALIDARG"},
         {DISP_E_EXCEPTION, "DISP_E_EXCEPTION"}, {DISP_E_BADPARAMCOUNT, "DISP_E_BADPARAMCOUNT"},
         {DISP_E_TYPEMISMATCH, "DISP_E_TYPEMISMATCH"}, {DISP_E_MEMBERNOTFOUND, "DISP_E_MEMBERNOTFOUND"},
-        {STG_E_FILENOTFOUND, "STG_E_FILENOTFOUND"}};
+        {STG_E_FILENOTFOUND, "STG_E_FILENOTFOUND"}, {HR_E_UNDECODABLE, "HR_E_UNDECODABLE"}, {STG_E_READFAULT, "STG_E_READFAULT"}};
     auto found = kNames.find(hr);
     if (found != kNames.end()) return found->second;
     std::ostringstream hex;
@@ -48,12 +53,17 @@ std::vector<Variant> ArgumentsOf(const std::string& field) {
     return args;
 }
 
-class CDocScript {
+class CDocScript : protected CTempFolder {
 public:
-    CDocScript() { AddVerbs(); }
+    CDocScript() : CTempFolder("docscript_test") {
+        AddVerbs();
+        AddFileVerbs();
+    }
 
     void Play(const CaseRow& row) {
         if (row[0] == "case") {
+            m_doc.reset();
+            m_codePage.reset();  // each case begins in code page 1252
             m_doc = std::make_unique<CAttachedDoc>();
             return;
         }
@@ -96,7 +106,8 @@ private:
         Variant result;
         ExcepInfo excep;
         const HRESULT hr = target->Invoke(id, how, args, &result, &excep);
-        if (hr == DISP_E_EXCEPTION) return HrName(hr) + " " + HrName(excep.scode) + (excep.description.empty() ? "" : " " + excep.description);
+        if (hr == DISP_E_EXCEPTION)
+            return HrName(hr) + " " + HrName(excep.scode) + (excep.description.empty() ? "" : " " + excep.description);
         return HrName(hr) + (Shown(result).empty() ? "" : " " + Shown(result));
     }
 
@@ -134,8 +145,62 @@ private:
         };
     }
 
+    // A file of the folder by its name; - for none (the document's own path).
+    std::string File(const std::string& name) const { return name == "-" ? "" : PathOf(name); }
+    std::string Relative(const std::string& path) const {
+        return path.starts_with(dir.string() + "/") ? path.substr(dir.string().size() + 1) : path;
+    }
+
+    // Files, encodings and the code page:
+    //   codepage | N                       the process code page until the case ends
+    //   write | NAME | BYTES, read | NAME | BYTES    a file of the test's folder
+    //   load | NAME | LABEL or - | RESULT, save | NAME or - | RESULT
+    //   error | TEXT                       TEXT, when the last load or save said it
+    //   encoding | NAME, setencoding | LABEL | RESULT, bom | 0 or 1, setbom | 0 or 1
+    //   path | NAME, getpathname | NAME or the outcome, lines | N, files | NAMES (in the folder)
+    void AddFileVerbs() {
+        auto bit = [](bool value) { return std::string(value ? "1" : "0"); };
+        m_verbs.insert({
+            {"codepage", {1, [this](const CaseRow& r) {
+                 m_codePage.reset();
+                 return m_codePage = std::make_unique<CodePageScope>(static_cast<UINT>(r.Long(1))), "";
+             }}},
+            {"write", {2, [this](const CaseRow& r) { return Write(r[1], r[2]), ""; }}},
+            {"read", {1, [this](const CaseRow& r) { return ReadAll(PathOf(r[1])); }}},
+            {"load", {2, [this](const CaseRow& r) {
+                 return HrName(Doc().LoadFile(File(r[1]), &m_error, r[2] == "-" ? "" : r[2]));
+             }}},
+            {"save", {1, [this](const CaseRow& r) { return HrName(Doc().SaveFile(File(r[1]), &m_error)); }}},
+            {"error", {0, [this](const CaseRow& r) {
+                 return m_error.find(r.fields.back()) != std::string::npos ? r.fields.back() : m_error;
+             }}},
+            {"encoding", {0, [this](const CaseRow&) { return Doc().Encoding(); }}},
+            {"setencoding", {1, [this](const CaseRow& r) { return HrName(Doc().SetEncoding(r[1])); }}},
+            {"bom", {0, [this, bit](const CaseRow&) { return bit(Doc().ByteOrderMark()); }}},
+            {"setbom", {1, [this](const CaseRow& r) { return Doc().SetByteOrderMark(r[1] == "1"), ""; }}},
+            {"path", {0, [this](const CaseRow&) { return Relative(Doc().PathName()); }}},
+            {"getpathname", {0, [this](const CaseRow&) {
+                 char name[260] = "unchanged";
+                 const HRESULT hr = Doc().GetPathName(name);
+                 return FAILED(hr) ? HrName(hr) + (name[0] ? " " + std::string(name) : "") : Relative(name);
+             }}},
+            {"lines", {0, [this](const CaseRow&) { return std::to_string(Doc().LineCount()); }}},
+            {"files", {0, [this](const CaseRow&) {
+                 std::vector<std::string> names;
+                 for (const auto& entry : std::filesystem::directory_iterator(dir))
+                     names.push_back(entry.path().filename().string());
+                 std::sort(names.begin(), names.end());
+                 std::string out;
+                 for (const std::string& name : names) out += (out.empty() ? "" : " ") + name;
+                 return out;
+             }}},
+        });
+    }
+
+    std::unique_ptr<CodePageScope> m_codePage;
     std::unique_ptr<CAttachedDoc> m_doc;
     std::map<std::string, Verb> m_verbs;
+    std::string m_error;  // what the last load or save said
 };
 
 class DocumentScripts : public ::testing::TestWithParam<const char*> {};
@@ -148,7 +213,7 @@ TEST_P(DocumentScripts, StepsGiveTheirResults) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, DocumentScripts, ::testing::Values("undo.cases", "dispatch.cases"),
+INSTANTIATE_TEST_SUITE_P(Cases, DocumentScripts, ::testing::Values("undo.cases", "dispatch.cases", "files.cases"),
                          [](const auto& info) {
                              const std::string name = info.param;
                              return name.substr(0, name.find('.'));
