@@ -23,16 +23,6 @@ TEST(DocumentContract, TextPointerIsOneTerminatedArrayAlsoWhenEmpty) {
     EXPECT_EQ(doc->GetText(), "<Xhep>Xhello</p>");
 }
 
-TEST(DocumentContract, EachEditNotifiesWithItsActionBeforeReturningAndAfterTheTextChanged) {
-    CAttachedDoc d("0123456789");
-    d.doc->InsertText(2, "ab", 2, &d.sink);
-    d.doc->DeleteText(0, 3, &d.sink);
-    d.doc->ReplaceText(1, 2, "xyz", 3, &d.sink);
-    d.doc->ReplaceText(0, 0, "", 0, &d.sink);  // no change at all: no notification
-    EXPECT_EQ(d.sink.Log(), "INSERT 2-4/12 DELETE 0-3/9 REPLACE 1-4/10");
-    EXPECT_EQ(d.Text(), "bxyz456789");
-}
-
 TEST(DocumentContract, SelectionReportFollowsTheChangeOfTheSameEdit) {
     CAttachedDoc d("abc\r\ndef");
     d.sel->SetRange(5, 5);

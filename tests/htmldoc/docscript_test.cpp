@@ -24,7 +24,8 @@ std::string HrName(HRESULT hr) {
         {S_OK, "ok"}, {E_FAIL, "E_FAIL"}, {E_UNEXPECTED, "E_UNEXPECTED"}, {E_INVALIDARG, "E_INVALIDARG"},
         {DISP_E_EXCEPTION, "DISP_E_EXCEPTION"}, {DISP_E_BADPARAMCOUNT, "DISP_E_BADPARAMCOUNT"},
         {DISP_E_TYPEMISMATCH, "DISP_E_TYPEMISMATCH"}, {DISP_E_MEMBERNOTFOUND, "DISP_E_MEMBERNOTFOUND"},
-        {STG_E_FILENOTFOUND, "STG_E_FILENOTFOUND"}, {HR_E_UNDECODABLE, "HR_E_UNDECODABLE"}, {STG_E_READFAULT, "STG_E_READFAULT"}};
+        {STG_E_FILENOTFOUND, "STG_E_FILENOTFOUND"}, {HR_E_UNDECODABLE, "HR_E_UNDECODABLE"}, {STG_E_READFAULT, "STG_E_READFAULT"},
+        {E_OUTOFMEMORY, "E_OUTOFMEMORY"}};
     auto found = kNames.find(hr);
     if (found != kNames.end()) return found->second;
     std::ostringstream hex;
@@ -123,9 +124,12 @@ private:
              }}},
             {"seldelete", {0, [this](const CaseRow&) { return HrName(Sel().DeleteText(&m_doc->sink)); }}},
             {"insert", {2, [this](const CaseRow& r) {
-                 return HrName(Doc().InsertText(r.Long(1), r[2].data(), static_cast<long>(r[2].size()), nullptr));
+                 return HrName(Doc().InsertText(r.Long(1), r[2].data(), static_cast<long>(r[2].size()), &m_doc->sink));
              }}},
-            {"delete", {2, [this](const CaseRow& r) { return HrName(Doc().DeleteText(r.Long(1), r.Long(2), nullptr)); }}},
+            {"delete", {2, [this](const CaseRow& r) { return HrName(Doc().DeleteText(r.Long(1), r.Long(2), &m_doc->sink)); }}},
+            {"replace", {3, [this](const CaseRow& r) {
+                 return HrName(Doc().ReplaceText(r.Long(1), r.Long(2), r[3].data(), static_cast<long>(r[3].size()), &m_doc->sink));
+             }}},
             {"undo", {0, [this](const CaseRow&) { return Undone(true); }}},
             {"redo", {0, [this](const CaseRow&) { return Undone(false); }}},
             {"begin", {1, [this](const CaseRow& r) { return HrName(UndoManager()->BeginGroup(r[1].c_str())); }}},
@@ -157,6 +161,8 @@ private:
     //   load | NAME | LABEL or - | RESULT, save | NAME or - | RESULT
     //   error | TEXT                       TEXT, when the last load or save said it
     //   encoding | NAME, setencoding | LABEL | RESULT, bom | 0 or 1, setbom | 0 or 1
+    //   default | NAME, setdefault | LABEL | RESULT    the host's default for undeclared files
+    //   hugefile | NAME                    a file too large to load
     //   path | NAME, getpathname | NAME or the outcome, lines | N, files | NAMES (in the folder)
     void AddFileVerbs() {
         auto bit = [](bool value) { return std::string(value ? "1" : "0"); };
@@ -175,6 +181,14 @@ private:
                  return m_error.find(r.fields.back()) != std::string::npos ? r.fields.back() : m_error;
              }}},
             {"encoding", {0, [this](const CaseRow&) { return Doc().Encoding(); }}},
+            {"setdefault", {1, [this](const CaseRow& r) { return HrName(Doc().SetDefaultEncoding(r[1])); }}},
+            {"default", {0, [this](const CaseRow&) { return Doc().DefaultEncoding(); }}},
+            // A sparse file one byte over the limit of a document: refused by its size, for reading it
+            // would take minutes.
+            {"hugefile", {1, [this](const CaseRow& r) {
+                 std::filesystem::resize_file(Write(r[1], ""), static_cast<uintmax_t>(CHtmlDocument::kMaxLength) + 1);
+                 return "";
+             }}},
             {"setencoding", {1, [this](const CaseRow& r) { return HrName(Doc().SetEncoding(r[1])); }}},
             {"bom", {0, [this, bit](const CaseRow&) { return bit(Doc().ByteOrderMark()); }}},
             {"setbom", {1, [this](const CaseRow& r) { return Doc().SetByteOrderMark(r[1] == "1"), ""; }}},
