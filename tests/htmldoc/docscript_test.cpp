@@ -12,6 +12,8 @@
 #include <map>
 #include <sstream>
 
+#include <sys/stat.h>
+
 #include "tests/codepagescope.h"
 #include "tests/htmldoc/recordingsink.h"
 #include "tests/htmldoc/tempfolder.h"
@@ -64,7 +66,10 @@ public:
     void Play(const CaseRow& row) {
         if (row[0] == "case") {
             m_doc.reset();
-            m_codePage.reset();  // each case begins in code page 1252
+            m_codePage.reset();  // each case begins in code page 1252, with an empty folder
+            std::vector<std::filesystem::path> left;
+            for (const auto& entry : std::filesystem::directory_iterator(dir)) left.push_back(entry.path());
+            for (const auto& path : left) std::filesystem::remove_all(path);
             m_doc = std::make_unique<CAttachedDoc>();
             return;
         }
@@ -164,6 +169,7 @@ private:
     //   default | NAME, setdefault | LABEL | RESULT    the host's default for undeclared files
     //   hugefile | NAME                    a file too large to load
     //   path | NAME, getpathname | NAME or the outcome, lines | N, files | NAMES (in the folder)
+    //   chmod | NAME | MODE, mode | NAME | MODE (octal), link | TARGET | NAME, readlink | NAME | TARGET
     void AddFileVerbs() {
         auto bit = [](bool value) { return std::string(value ? "1" : "0"); };
         m_verbs.insert({
@@ -199,6 +205,24 @@ private:
                  return FAILED(hr) ? HrName(hr) + (name[0] ? " " + std::string(name) : "") : Relative(name);
              }}},
             {"lines", {0, [this](const CaseRow&) { return std::to_string(Doc().LineCount()); }}},
+            {"chmod", {2, [this](const CaseRow& r) {
+                 return std::to_string(::chmod(PathOf(r[1]).c_str(), static_cast<mode_t>(std::stoul(r[2], nullptr, 8))));
+             }}},
+            {"mode", {1, [this](const CaseRow& r) {
+                 struct stat st {};
+                 std::ostringstream mode;
+                 mode << std::oct << (::stat(PathOf(r[1]).c_str(), &st) == 0 ? st.st_mode & 07777 : 0);
+                 return mode.str();
+             }}},
+            {"link", {2, [this](const CaseRow& r) {
+                 std::filesystem::create_directories(std::filesystem::path(PathOf(r[2])).parent_path());
+                 return std::filesystem::create_symlink(r[1], PathOf(r[2])), "";
+             }}},
+            {"readlink", {1, [this](const CaseRow& r) {
+                 std::error_code error;
+                 const std::filesystem::path target = std::filesystem::read_symlink(PathOf(r[1]), error);
+                 return error ? "not a link" : target.string();
+             }}},
             {"files", {0, [this](const CaseRow&) {
                  std::vector<std::string> names;
                  for (const auto& entry : std::filesystem::directory_iterator(dir))
