@@ -156,10 +156,7 @@ TEST_F(EditFontObject, ChangesThroughTheHandedOutObjectShowAtTheNextRebuild) {
 TEST_F(EditFontObject, ANewEditFontIsMeasuredAndWrappedAtOnceAndKeepsTheTopText) {
     std::string text;
     for (int i = 0; i < 200; ++i) text += "row " + std::to_string(i) + " with\ttabs and words to wrap at the edge\n";
-    NewControl(400, 300, OPT_WORDWRAP);
-    doc = CreateHtmlDocument();
-    doc->SetText(text);
-    ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+    Open(text, 400, 300, OPT_WORDWRAP);
     ctrl->OnVScroll(SB_THUMBPOSITION, 150);
     const long topPos = ctrl->Lines().GetLineStart(ctrl->GetTopLine());
     struct Case {

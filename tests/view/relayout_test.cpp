@@ -45,9 +45,7 @@ protected:
     void SetUp() override {
         SetProcessCodePage(GetParam().codePage);
         ZentrelApp().InitInstance();
-        NewControl(GetParam().width, 200, GetParam().wrap ? OPT_WORDWRAP : 0);
-        doc = CreateHtmlDocument();
-        ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
+        Open("", GetParam().width, 200, GetParam().wrap ? OPT_WORDWRAP : 0);
     }
     void TearDown() override {
         ViewFixture::TearDown();
@@ -132,18 +130,6 @@ TEST_P(Relayout, TheTableAfterEveryChangeIsAWholeLayoutOfTheText) {
             ASSERT_EQ(DifferenceFromWholeLayout(), "")
                 << "seed " << seed << ", from " << Escaped(before) << " to " << Escaped(doc->GetText());
         }
-    }
-}
-
-// The change that first showed the fault: a blank line and its neighbours' line ends replaced.
-TEST_P(Relayout, AReplacementAcrossABlankLineJoinsTheLines) {
-    doc->SetText("Hello\n\nWorld\n");
-    doc->ReplaceText(5, 2, "X", 1, nullptr);
-    EXPECT_EQ(DifferenceFromWholeLayout(), "");
-    // One row where the window is wide enough for it.
-    if (!GetParam().wrap || GetParam().width >= 260) {
-        ASSERT_EQ(ctrl->GetLineCount(), 2);
-        EXPECT_EQ(ctrl->Lines().GetAt(0), 12);
     }
 }
 
