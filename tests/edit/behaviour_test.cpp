@@ -28,12 +28,13 @@
 //   lock                       the document refuses every edit, undo and redo from now on
 // Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
 //   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
-//   mousedown 0|1, toprow N, leftpixel N, posat X Y POS (the position at a point of the document),
-//   pointof POS X Y (the document point of a position's caret), clipboard TEXT|none (the CF_TEXT on the clipboard, without its NUL),
-//   resulttext TEXT (a string result), table N... (the line table's
-//   lengths, which must also be what a fresh layout gives), blocks TREE (collapsed blocks as
-//   start-end, children in brackets: `2-9[3-5 6-8] 12-14`, or none), bookmarks LIST (newest
-//   first, `name@active,anchor` joined by ` | `, or none), flag LINE ID|none (the gutter flag).
+//   mousedown 0|1, toprow N, leftpixel N, posat X Y POS (the position at a point of the
+//   document), pointof POS X Y (the document point of a position's caret), clipboard TEXT|none
+//   (the CF_TEXT on the clipboard, without its NUL), resulttext TEXT (a string result),
+//   table N... (the line table's lengths, which must also be what a fresh layout gives),
+//   blocks TREE (collapsed blocks as start-end, children in brackets: `2-9[3-5 6-8] 12-14`, or
+//   none), bookmarks LIST (newest first, `name@active,anchor` joined by ` | `, or none),
+//   flag LINE ID|none (the gutter flag).
 // Drags: `dragover POINT [Ctrl] [Shift]`, `dragtick [Ctrl] [Shift]` (the drag rests a tick where
 //   it is), `dragdrop`, `dragcancel` add to the script of the next drag, which a press inside
 //   the selection starts; `dragin text TEXT|file PATH...` plays the script at once with data
@@ -550,7 +551,7 @@ private:
         } else {
             for (size_t i = 1; i < words.size(); ++i) {
                 if (words[i].rfind("out", 0) == 0) {
-                    m_outs.push_back(std::make_unique<int32_t>(words[i].size() > 4 ? Number(words[i].substr(4)) : 0));
+                    m_outs.push_back(std::make_unique<int32_t>(static_cast<int32_t>(words[i].size() > 4 ? Number(words[i].substr(4)) : 0)));
                     args.push_back(Variant::RefLong(m_outs.back().get()));
                 } else {
                     args.push_back(Variant::Long(static_cast<int32_t>(Number(words[i]))));
@@ -633,8 +634,8 @@ private:
     void MouseDown(const std::string& n) { EXPECT_EQ(m_ctrl->m_bMouseDown, Number(n)); }
     void TopRow(const std::string& n) { EXPECT_EQ(m_ctrl->GetTopLine(), Number(n)); }
     void LeftPixel(const std::string& n) { EXPECT_EQ(m_ctrl->m_nLeftPixel, Number(n)); }
-    // `posat X Y POS`: the position at a point of the document (left of the gutter, above the
-    // first row); `pointof POS X Y`: the point of the document where a position's caret stands.
+    // Points of the document are in pixels from the text's left edge and the first row's top,
+    // whatever the gutter and the scroll position.
     void PosAt(const std::string& rest) {
         const auto w = Words(rest);
         EXPECT_EQ(m_ctrl->FindPositionFromCoordinate(Number(w.at(0)), Number(w.at(1))), Number(w.at(2)));

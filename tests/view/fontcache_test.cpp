@@ -7,6 +7,14 @@
 
 namespace {
 
+// The default edit font (12 points) under another name, or in another size.
+FontDesc EditFontAs(const char* name, long points = 12) {
+    FontDesc f = DefaultEditFont();
+    if (*name) f.name = name;
+    f.height = points * 10000;
+    return f;
+}
+
 class FontCache : public ViewFixture {};
 
 TEST_F(FontCache, TheDefaultStylesMakeFiveRecordsAndTheViewsNumbers) {
@@ -43,9 +51,7 @@ TEST_F(FontCache, WrapMetricsTakeTheWidestEditFaceAndIgnoreSymbolAndGutterFonts)
 
 TEST_F(FontCache, TabStopsFollowTabSizeAndTheAverageWidth) {
     Open("text");
-    FontDesc small = DefaultEditFont();
-    small.height = 8 * 10000;  // 8 + 6 = a 14-pixel cell, 7 pixels a character
-    small.name = "Courier New";
+    const FontDesc small = EditFontAs("Courier New", 8);  // 8 + 6 = a 14-pixel cell, 7 pixels a character
     ctrl->m_fontGutter.InitializeFont(DefaultGutterFont(), &small);
     ctrl->m_fontSymbol.InitializeFont(DefaultSymbolFont(), &small);
     ctrl->SetEditFont(small);
@@ -57,9 +63,7 @@ TEST_F(FontCache, TabStopsFollowTabSizeAndTheAverageWidth) {
 
 TEST_F(FontCache, FontsWithoutOutlinesGetMadeUpTriplesThatDoNotWidenSynthesisedStyles) {
     Open("text");
-    FontDesc raster = DefaultEditFont();
-    raster.name = "Raster Sans";
-    ctrl->SetEditFont(raster);
+    ctrl->SetEditFont(EditFontAs("Raster Sans"));
     const CFontMetrics* plain = ctrl->FindFontMetrics(0);
     const CFontMetrics* bold = ctrl->FindFontMetrics(FONT_BOLD);
     const CFontMetrics* italic = ctrl->FindFontMetrics(FONT_ITALIC);
@@ -76,16 +80,13 @@ TEST_F(FontCache, FontsWithoutOutlinesGetMadeUpTriplesThatDoNotWidenSynthesisedS
 
 TEST_F(FontCache, AWordWithoutARecordMeasuresInThePlainFontAndWidthlessFontsUseTheAverage) {
     Open("text");
-    FontDesc missing = DefaultEditFont();
-    missing.name = "Missing";
+    const FontDesc missing = EditFontAs("Missing");
     ctrl->m_fontSymbol.InitializeFont(DefaultSymbolFont(), &missing);
     ctrl->RebuildFontCache();
     EXPECT_EQ(ctrl->FindFontMetrics(FONT_ROLE_SYMBOL), nullptr);
     EXPECT_EQ(ctrl->GetFontMetrics(FONT_ROLE_SYMBOL), ctrl->FindFontMetrics(0));
 
-    FontDesc widthless = DefaultEditFont();
-    widthless.name = "NoWidths";
-    ctrl->SetEditFont(widthless);
+    ctrl->SetEditFont(EditFontAs("NoWidths"));
     EXPECT_EQ(ctrl->FindFontMetrics(0)->m_aWidth[static_cast<unsigned char>('i')], 9);
     EXPECT_EQ(ctrl->FindFontMetrics(0)->m_aWidth[static_cast<unsigned char>('m')], 9);
 }
@@ -103,10 +104,6 @@ TEST_F(FontCache, AutomationReportsTheGutterFontsAverageWidthAndTheCacheGoesWith
     EXPECT_EQ(ctrl->m_nTabPixels, 40);
 }
 
-}  // namespace
-
-namespace {
-
 class EditFontObject : public ViewFixture {};
 
 TEST_F(EditFontObject, TheHostReadsAndReplacesTheEditFontAsAFontObject) {
@@ -121,10 +118,8 @@ TEST_F(EditFontObject, TheHostReadsAndReplacesTheEditFontAsAFontObject) {
     EXPECT_EQ(desc.height, 120000);
 
     // Another font object set on the property: a 14-pixel cell, 7 pixels a character.
-    FontDesc small = DefaultEditFont();
-    small.height = 8 * 10000;
     ComPtr<CFontDispatch> other;
-    other.Attach(CFontDispatch::Create(small));
+    other.Attach(CFontDispatch::Create(EditFontAs("", 8)));
     ASSERT_EQ(PutProperty(control.Get(), "EditFont", Variant::Dispatch(other.Get())), S_OK);
     EXPECT_EQ(ctrl->GetEditFont().height, 80000);
     EXPECT_EQ(ctrl->FindFontMetrics(0)->m_tm.tmHeight, 14);
@@ -165,8 +160,7 @@ TEST_F(EditFontObject, ANewEditFontIsMeasuredAndWrappedAtOnceAndKeepsTheTopText)
     };
     // 20 points: a 26-pixel cell, 13 a character; 8 points: 7, below the 9 of the gutter font.
     for (const Case& c : {Case{20, 13, false}, Case{8, 9, true}, Case{20, 13, true}, Case{12, 9, false}}) {
-        FontDesc font = DefaultEditFont();
-        font.height = c.points * 10000;
+        const FontDesc font = EditFontAs("", c.points);
         if (c.throughObject) {
             ctrl->m_fontEdit.FontRef() = font;
             ctrl->OnEditFontChanged();

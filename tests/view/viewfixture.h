@@ -78,6 +78,10 @@ class ViewFixture : public ::testing::Test {
 protected:
     void Open(const std::string& text, LONG cx = 400, LONG cy = 300, DWORD options = 0) {
         NewControl(cx, cy, options);
+        Attach(text);
+    }
+    // A fresh reference document holding `text`, attached to the control.
+    void Attach(const std::string& text) {
         doc = CreateHtmlDocument();
         doc->SetText(text);
         ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
