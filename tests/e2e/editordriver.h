@@ -71,7 +71,7 @@ protected:
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kStepMs);
         auto now = read();
         while (!done(now) && std::chrono::steady_clock::now() < deadline) {
-            QThread::msleep(50);
+            QThread::msleep(100);
             now = read();
         }
         return now;
