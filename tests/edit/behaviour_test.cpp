@@ -687,11 +687,7 @@ private:
         std::string actual;
         for (long i = 0; i < lines.m_nCount; ++i) actual += (i ? " " : "") + std::to_string(lines.GetAt(i));
         EXPECT_EQ(actual, list);
-        CLineIndex fresh;
-        m_ctrl->WrapAll(m_ctrl->GetOptionsWord(), m_ctrl->BreakWidth(), &fresh);
-        std::string full;
-        for (long i = 0; i < fresh.m_nCount; ++i) full += (i ? " " : "") + std::to_string(fresh.GetAt(i));
-        EXPECT_EQ(actual, full) << "the line table differs from a fresh layout";
+        EXPECT_EQ(DifferenceFromWholeLayout(*m_ctrl), "");
     }
     void Blocks(const std::string& tree) {
         const std::string actual = CollapseTreeText(m_ctrl->CollapseRoot());

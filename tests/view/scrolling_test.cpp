@@ -1,6 +1,6 @@
 // Scrolling: the scroll bars and their scale, paging, the thumb, keeping a range in view, and where
-// the caret goes; keeping the caret in view is in tests/edit/cases/scrolling.cases. Lines are 19 pixels, plain bytes 9, the gutter 60; the
-// window is 400 by 300, so 15 whole lines show.
+// the caret goes; keeping the caret in view is in tests/edit/cases/scrolling.cases. Lines are 19
+// pixels, plain bytes 9, the gutter 60; the window is 400 by 300, so 15 whole lines show.
 #include "platform/window/keys.h"
 #include "tests/view/viewfixture.h"
 
