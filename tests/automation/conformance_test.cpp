@@ -2,24 +2,13 @@
 // results of the declared types, events with the declared arguments, and bad calls.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <set>
 
 #include "platform/com/automation.h"
-#include "platform/testing/testplatform.h"
-#include "platform/testing/testwindow.h"
 #include "tests/automation/invokewalk.h"
-#include "tests/view/viewtest.h"
+#include "tests/view/viewfixture.h"
 
 namespace {
-
-std::vector<std::string> WalkNames() {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(std::string(ZENTREL_SOURCE_DIR) + "/tests/automation/walks"))
-        if (entry.path().extension() == ".walk") names.push_back(entry.path().stem().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 std::vector<walk::Step> LoadWalk(const std::string& name) {
     std::string error;
@@ -28,27 +17,9 @@ std::vector<walk::Step> LoadWalk(const std::string& name) {
     return steps.value_or(std::vector<walk::Step>{});
 }
 
-class Conformance : public ::testing::Test {
+class Conformance : public ViewFixture {
 protected:
-    void SetUp() override { NewControl(); }
-    void TearDown() override { Close(); }
-    void NewControl() {
-        Close();
-        control = MakeControlThroughFactory();
-        ctrl = AsControl(control.Get());
-        ctrl->CreateControlWindow(nullptr, {0, 0, 400, 300});
-    }
-    void Close() {
-        if (ctrl) ctrl->DestroyControlWindow();
-        ctrl = nullptr;
-        control = nullptr;
-        doc = nullptr;
-    }
-    void Attach(const std::string& text) {
-        doc = CreateHtmlDocument();
-        doc->SetText(text);
-        ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
-    }
+    void SetUp() override { NewControl(400, 300); }
     // Plays a walk; the failures, one a line.
     std::string Play(const std::vector<walk::Step>& steps) {
         std::string failures;
@@ -60,24 +31,19 @@ protected:
         }
         return failures;
     }
-
-    CTestPlatformScope platform;
-    ComPtr<IDispatch> control;
-    CZentrelCtrl* ctrl = nullptr;
-    ComPtr<CHtmlDocument> doc;
 };
 
 TEST_F(Conformance, EveryWalkMeetsItsExpectations) {
-    for (const std::string& name : WalkNames()) {
+    for (const std::string& name : walk::WalkNames()) {
         SCOPED_TRACE(name);
-        NewControl();
+        NewControl(400, 300);
         EXPECT_EQ(Play(LoadWalk(name)), "");
     }
 }
 
 TEST_F(Conformance, EveryMemberIsWalked) {
     std::set<std::string> walked;
-    for (const std::string& name : WalkNames())
+    for (const std::string& name : walk::WalkNames())
         for (const walk::Step& step : LoadWalk(name)) walked.insert(step.member);
     for (const CMemberInfo& m : ctrl->GetTypeInfo()->Members()) EXPECT_TRUE(walked.count(m.name)) << m.name;
 }

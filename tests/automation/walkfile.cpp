@@ -1,6 +1,8 @@
 #include "tests/automation/walkfile.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -182,6 +184,14 @@ std::string ReadWalk(const std::string& name) {
     std::ostringstream s;
     s << in.rdbuf();
     return s.str();
+}
+
+std::vector<std::string> WalkNames() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(std::string(ZENTREL_SOURCE_DIR) + "/tests/automation/walks"))
+        if (entry.path().extension() == ".walk") names.push_back(entry.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
 std::string Format(const Value& v) {

@@ -58,6 +58,8 @@ struct Step {
 std::optional<std::vector<Step>> Parse(const std::string& text, std::string* error);
 // The walk files of the test suite, by name ("properties" is walks/properties.walk).
 std::string ReadWalk(const std::string& name);
+// The names of all walk files, in order.
+std::vector<std::string> WalkNames();
 // Writes a value as a walk file would.
 std::string Format(const Value& v);
 

@@ -4,9 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
-#include <QThread>
 
-#include <chrono>
 #include <optional>
 #include <string>
 
@@ -40,12 +38,8 @@ class EditorFolding : public EditorDriven {
 protected:
     // Grabs the screen until a plus box shows (or, with `shown` false, none does) or time is up.
     std::optional<QPoint> WaitForPlusBox(bool shown) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kStepMs);
-        for (;;) {
-            const std::optional<QPoint> box = FindPlusBox(Grab("folding-screen.png"));
-            if (box.has_value() == shown || std::chrono::steady_clock::now() > deadline) return box;
-            QThread::msleep(100);
-        }
+        return Poll([&] { return FindPlusBox(Grab("folding-screen.png")); },
+                    [&](const std::optional<QPoint>& box) { return box.has_value() == shown; });
     }
 };
 

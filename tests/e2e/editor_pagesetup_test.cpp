@@ -26,7 +26,7 @@ protected:
 
 TEST_F(EditorPageSetup, TypingAnInchValueRedrawsThePagePicture) {
     const std::string file = Path("pagesetup.html");
-    Write(file, "<p>Some text to print</p>\r\n");
+    ASSERT_TRUE(WriteFile(file, "<p>Some text to print</p>\r\n"));
     CChild editor;
     StartEditor(editor, file, "pagesetup-editor.log");
     ASSERT_TRUE(Xdo({"key", "alt+f", "u"}));

@@ -15,7 +15,7 @@ using EditorPicker = EditorDriven;
 
 TEST_F(EditorPicker, TypingATagOffersTagsAttributesAndColours) {
     const std::string file = Path("picker.html");
-    Write(file, "");
+    ASSERT_TRUE(WriteFile(file, ""));
     CChild editor;
     ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-picker.log"));
 

@@ -5,9 +5,7 @@
 
 #include <QImage>
 #include <QRegularExpression>
-#include <QThread>
 
-#include <chrono>
 #include <optional>
 #include <string>
 
@@ -23,7 +21,7 @@ class EditorTip : public EditorDriven {
 protected:
     std::optional<QPoint> Mouse() {
         if (!Xdo({"getmouselocation"})) return std::nullopt;
-        const QString out = QString::fromStdString(Read(Path("xdotool.log")));
+        const QString out = QString::fromStdString(ReadLog(Path("xdotool.log")));
         const QRegularExpressionMatch m = QRegularExpression("x:(\\d+) y:(\\d+)").match(out);
         if (!m.hasMatch()) return std::nullopt;
         return QPoint(m.captured(1).toInt(), m.captured(2).toInt());
@@ -39,12 +37,8 @@ protected:
     }
     // Waits until a box comes up below the mouse (or, with `shown` false, none is there).
     QRect WaitForTip(const QImage& before, QPoint mouse, bool shown, const char* name) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kStepMs);
-        for (;;) {
-            const QRect box = ChangedBelow(before, m_last = Grab(name), mouse);
-            if ((box.width() > 40) == shown || std::chrono::steady_clock::now() > deadline) return box;
-            QThread::msleep(100);
-        }
+        return Poll([&] { return ChangedBelow(before, m_last = Grab(name), mouse); },
+                    [&](const QRect& box) { return (box.width() > 40) == shown; });
     }
     QImage m_last;
 };

@@ -26,7 +26,7 @@ protected:
 
     // What another X client reads from the clipboard.
     std::string ClipboardText() {
-        return Run({"xclip", "-o", "-selection", "clipboard"}, "xclip-out.log") ? Read(Path("xclip-out.log")) : "";
+        return Run({"xclip", "-o", "-selection", "clipboard"}, "xclip-out.log") ? ReadLog(Path("xclip-out.log")) : "";
     }
 
     // Drags with the left button from one point of the screen to another, as a hand does: the
@@ -64,7 +64,7 @@ protected:
 TEST_F(EditorTransfer, TheClipboardCarriesTextBothWaysInEveryScript) {
     const std::string file = Path("clipboard.html");
     const std::string page = "<p>\xE2\x82\xAC \xD0\xB8 \xE4\xB8\xAD</p>\r\n";  // the euro sign, a Cyrillic and a Chinese letter
-    Write(file, page);
+    ASSERT_TRUE(WriteFile(file, page));
     CChild editor;
     ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-clipboard.log"));
 
@@ -73,7 +73,7 @@ TEST_F(EditorTransfer, TheClipboardCarriesTextBothWaysInEveryScript) {
 
     // Another program's text, with a letter that the editor's code page lacks, pasted at the end.
     const std::string theirs = "<b>\xE2\x82\xAC \xD0\xB8 \xE4\xB8\xAD \xC5\x99</b>";
-    Write(Path("theirs.txt"), theirs);
+    ASSERT_TRUE(WriteFile(Path("theirs.txt"), theirs));
     CChild owner;
     ASSERT_TRUE(owner.Start({"xclip", "-quiet", "-i", "-selection", "clipboard", Path("theirs.txt")},
                             DisplayEnvironment(m_display), Path("xclip-in.log")));
@@ -87,7 +87,7 @@ TEST_F(EditorTransfer, TheClipboardCarriesTextBothWaysInEveryScript) {
 TEST_F(EditorTransfer, ADragWithinTheWindowMovesTheSelectionAndOneUndoPutsItBack) {
     const std::string file = Path("drag.html");
     const std::string text = "drag this line\r\nstays\r\n";
-    Write(file, text);
+    ASSERT_TRUE(WriteFile(file, text));
     CChild editor;
     ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-drag.log"));
     ASSERT_TRUE(Xdo({"key", "--delay", "20", "ctrl+Home", "shift+End"}));
@@ -103,8 +103,8 @@ TEST_F(EditorTransfer, ADragWithinTheWindowMovesTheSelectionAndOneUndoPutsItBack
 
 TEST_F(EditorTransfer, ADragWithCtrlIntoAnotherWindowCopiesTheText) {
     const std::string from = Path("from.html"), to = Path("to.html");
-    Write(from, "copied text\r\n");
-    Write(to, "target\r\n");
+    ASSERT_TRUE(WriteFile(from, "copied text\r\n"));
+    ASSERT_TRUE(WriteFile(to, "target\r\n"));
     CChild source, target;
     ASSERT_NO_FATAL_FAILURE(StartEditor(source, from, "zentrel-edit-from.log"));
     ASSERT_NO_FATAL_FAILURE(StartEditor(target, to, "zentrel-edit-to.log"));
@@ -131,8 +131,8 @@ TEST_F(EditorTransfer, ADragWithCtrlIntoAnotherWindowCopiesTheText) {
 // not yet drop.
 TEST_F(EditorTransfer, AFileDraggedInIsOpened) {
     const std::string file = Path("before-drop.html"), dropped = Path("dropped.html");
-    Write(file, "before\r\n");
-    Write(dropped, "<p>dropped</p>\r\n");
+    ASSERT_TRUE(WriteFile(file, "before\r\n"));
+    ASSERT_TRUE(WriteFile(dropped, "<p>dropped</p>\r\n"));
     CChild editor, source;
     ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-drop.log"));
     ASSERT_TRUE(source.Start({E2E_FILEDRAG, dropped}, DisplayEnvironment(m_display), Path("filedrag.log")));

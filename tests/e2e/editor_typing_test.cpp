@@ -15,7 +15,7 @@ using EditorTyping = EditorDriven;
 
 TEST_F(EditorTyping, TypesSelectsWithADragUndoesAndSaves) {
     const std::string file = Path("typing.html");
-    Write(file, "one\r\ntwo\r\n");
+    ASSERT_TRUE(WriteFile(file, "one\r\ntwo\r\n"));
     CChild editor;
     ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-typing.log"));
 
@@ -42,7 +42,7 @@ TEST_F(EditorTyping, TypesSelectsWithADragUndoesAndSaves) {
 // The selection left in a file comes back when the editor opens it again: typing replaces it.
 TEST_F(EditorTyping, TheSelectionComesBackWhenTheFileIsOpenedAgain) {
     const std::string file = Path("reopened.html");
-    Write(file, "one two three\r\n");
+    ASSERT_TRUE(WriteFile(file, "one two three\r\n"));
     {
         CChild editor;
         ASSERT_NO_FATAL_FAILURE(StartEditor(editor, file, "zentrel-edit-reopened.log"));

@@ -2,7 +2,6 @@
 // extension (xdotool) on a private display, with the files it saves read back. Tests skip where
 // xdotool is missing.
 #pragma once
-#include <QFile>
 #include <QImage>
 #include <QStandardPaths>
 #include <QThread>
@@ -66,31 +65,25 @@ protected:
         EXPECT_TRUE(ending.finished && ending.code == 0) << ReadLog(Path(log));
     }
 
-    static std::string Read(const std::string& path) {
-        QFile file(QString::fromStdString(path));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
-    }
-    static void Write(const std::string& path, const std::string& bytes) {
-        QFile file(QString::fromStdString(path));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(bytes.data(), static_cast<qint64>(bytes.size()));
-    }
-
-    // Waits until `read` gives `want`, up to a step's time; gives the last answer.
-    template <class Reader>
-    static std::string WaitFor(Reader read, const std::string& want) {
+    // Asks `read` again until `done` holds for its answer or a step's time is up; gives the last answer.
+    template <class Reader, class Done>
+    static auto Poll(Reader read, Done done) {
         const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kStepMs);
-        std::string now = read();
-        while (now != want && std::chrono::steady_clock::now() < deadline) {
-            QThread::msleep(50);
+        auto now = read();
+        while (!done(now) && std::chrono::steady_clock::now() < deadline) {
+            QThread::msleep(100);
             now = read();
         }
         return now;
     }
+    template <class Reader>
+    static std::string WaitFor(Reader read, const std::string& want) {
+        return Poll(read, [&](const std::string& now) { return now == want; });
+    }
     // Saves with the editor's key and waits until the file holds `want`; gives what it holds.
     std::string SaveAndRead(const std::string& path, const std::string& want) {
         Xdo({"key", "ctrl+s"});
-        return WaitFor([&] { return Read(path); }, want);
+        return WaitFor([&] { return ReadLog(path); }, want);
     }
 
     int m_display = -1;

@@ -21,16 +21,20 @@
 //   wait MS                    the clock moves on (drag-selection passes run meanwhile)
 //   The left button is the physical right one with the setup line `swapbuttons`.
 //   call Name [ARG...]         an automation method with long arguments, or "quoted" strings;
-//                              `set Name [INDEX...] V` a property
+//                              `out` (or `out=N`, holding N before the call) for a by-reference
+//                              argument; `set Name [INDEX...] V` a property
+//   vscroll CODE [POS]         the vertical bar's request: LINEUP, PAGEDOWN, THUMBPOSITION, ...
 //   focus, blur                the focus comes or goes
 //   lock                       the document refuses every edit, undo and redo from now on
 // Checks: expect TEXT, events LIST, beeps N, result N, error [CODE] ["TEXT"], prop Name V,
 //   undotitle TEXT, caretwidth N|char (char: the view's character width), goalx N,
-//   mousedown 0|1, toprow N, clipboard TEXT|none (the CF_TEXT on the clipboard, without its NUL),
-//   resulttext TEXT (a string result), table N... (the line table's
-//   lengths, which must also be what a fresh layout gives), blocks TREE (collapsed blocks as
-//   start-end, children in brackets: `2-9[3-5 6-8] 12-14`, or none), bookmarks LIST (newest
-//   first, `name@active,anchor` joined by ` | `, or none), flag LINE ID|none (the gutter flag).
+//   mousedown 0|1, toprow N, leftpixel N, posat X Y POS (the position at a point of the
+//   document), pointof POS X Y (the document point of a position's caret), clipboard TEXT|none
+//   (the CF_TEXT on the clipboard, without its NUL), resulttext TEXT (a string result),
+//   table N... (the line table's lengths, which must also be what a fresh layout gives),
+//   blocks TREE (collapsed blocks as start-end, children in brackets: `2-9[3-5 6-8] 12-14`, or
+//   none), bookmarks LIST (newest first, `name@active,anchor` joined by ` | `, or none),
+//   flag LINE ID|none (the gutter flag).
 // Drags: `dragover POINT [Ctrl] [Shift]`, `dragtick [Ctrl] [Shift]` (the drag rests a tick where
 //   it is), `dragdrop`, `dragcancel` add to the script of the next drag, which a press inside
 //   the selection starts; `dragin text TEXT|file PATH...` plays the script at once with data
@@ -40,14 +44,15 @@
 // Setting the clipboard as another program would: `putclipboard text TEXT` (CF_TEXT),
 //   `putclipboard unicode TEXT` (TEXT is UTF-8, put as CF_UNICODETEXT alone), `putclipboard none`.
 // The picker: `picker N ROW` (the page shown, 0 when closed, and its current row's text or -),
-//   `status TEXT` (the help pane), `rows N TEXT | TEXT...` (the first N rows, or all with N 0),
+//   `status TEXT` (the help pane), `pickrows N TEXT | TEXT...` (the first N rows, or all with N 0),
 //   `pickclick ROW`, `pickdblclick ROW`, `pickrclick ROW` (the mouse on a row of the list),
 //   `host EVENT DISPATCHED ACCEPTED [VALUE]` (how the host answers that Request event from now
 //   on), `dialog color|font|file|menu ok|cancel [VALUE]` (the next answer of that dialog),
 //   `dialogs LIST` (the dialogs opened since the last look, `kind:start`, menus with their
 //   entries, a * marking the checked one), `place X Y` (the picker's top left on the screen).
 // Setup besides editscript.h: `size W H` (client pixels), `rows N` (the client N lines high),
-// `nowindow`, `swapbuttons`, `takedrops` (the host deals with every drop itself),
+// `nowindow`, `defaultfont` (the control's own edit face instead of a fixed-pitch one),
+// `swapbuttons`, `takedrops` (the host deals with every drop itself),
 // `pickerevents` (`events` also lists the picker's: Request... and SyntaxObjectChanged),
 // `desktop L T R B` (the screen's rectangle), and the document's own syntax items and
 // descriptions over spans (`item`, `doc`: scriptedhints.h).
@@ -182,8 +187,9 @@ private:
         m_control = MakeControlThroughFactory();
         m_ctrl = AsControl(m_control.Get());
         m_cookie = m_ctrl->AdviseEvents(&m_log);
-        // A fixed-pitch face, so that columns are the same on every row.
-        m_ctrl->SetEditFont({"Courier New", 100000, 400, 1});
+        // A fixed-pitch face, so that columns are the same on every row, unless the case measures
+        // in the default face's widths (plain 9 pixels a byte, bold 10, lines 19 high).
+        if (!SetupValue("defaultfont")) m_ctrl->SetEditFont({"Courier New", 100000, 400, 1});
         if (const std::string* options = SetupValue("options")) SetProperties(*options);
         LONG cx = 400, cy = 300;
         if (const std::string* size = SetupValue("size")) {
@@ -265,6 +271,8 @@ private:
             {"undotitle", &CEditPlayer::UndoTitle}, {"caretwidth", &CEditPlayer::CaretWidth},
             {"goalx", &CEditPlayer::GoalX},      {"mousedown", &CEditPlayer::MouseDown},
             {"toprow", &CEditPlayer::TopRow},    {"clipboard", &CEditPlayer::Clipboard},
+            {"leftpixel", &CEditPlayer::LeftPixel}, {"posat", &CEditPlayer::PosAt},
+            {"pointof", &CEditPlayer::PointOfPos}, {"vscroll", &CEditPlayer::VScroll},
             {"putclipboard", &CEditPlayer::PutClipboard}, {"resulttext", &CEditPlayer::ResultText},
             {"table", &CEditPlayer::Table},        {"blocks", &CEditPlayer::Blocks},
             {"bookmarks", &CEditPlayer::BookmarkList}, {"flag", &CEditPlayer::Flag},
@@ -273,7 +281,7 @@ private:
             {"dragin", &CEditPlayer::DragIn},     {"dragresult", &CEditPlayer::DragResult},
             {"answers", &CEditPlayer::Answers},
             {"picker", &CEditPlayer::PickerState}, {"status", &CEditPlayer::PickerStatus},
-            {"rows", &CEditPlayer::PickerRows},    {"pickclick", &CEditPlayer::PickClick},
+            {"pickrows", &CEditPlayer::PickerRows}, {"pickclick", &CEditPlayer::PickClick},
             {"pickdblclick", &CEditPlayer::PickDblClick}, {"pickrclick", &CEditPlayer::PickRClick},
             {"host", &CEditPlayer::HostAnswer},    {"dialog", &CEditPlayer::DialogAnswer},
             {"dialogs", &CEditPlayer::DialogCalls}, {"place", &CEditPlayer::PickerPlace},
@@ -432,6 +440,18 @@ private:
     }
     void MButton(const std::string& what) { Button(WM_MBUTTONDOWN, what, 0, false); }
     void RButton(const std::string& what) { Button(WM_RBUTTONDOWN, what, 0, false); }
+    // `vscroll CODE [POS]`: the vertical bar's request, CODE as in SB_PAGEDOWN without SB_.
+    static int ScrollCode(const std::string& name) {
+        static const std::map<std::string, int> codes = {
+            {"LINEUP", SB_LINEUP}, {"LINEDOWN", SB_LINEDOWN}, {"PAGEUP", SB_PAGEUP}, {"PAGEDOWN", SB_PAGEDOWN},
+            {"THUMBPOSITION", SB_THUMBPOSITION}, {"THUMBTRACK", SB_THUMBTRACK}, {"TOP", SB_TOP}, {"BOTTOM", SB_BOTTOM}};
+        EXPECT_TRUE(codes.count(name)) << "unknown scroll code " << name;
+        return codes.count(name) ? codes.at(name) : SB_ENDSCROLL;
+    }
+    void VScroll(const std::string& rest) {
+        const auto w = Words(rest);
+        m_ctrl->OnVScroll(ScrollCode(w.at(0)), w.size() > 1 ? Number(w[1]) : 0);
+    }
     void Wait(const std::string& ms) { m_platform->AdvanceClock(static_cast<DWORD>(Number(ms))); }
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
     void Lock(const std::string&) { m_doc->SetLocked(true); }
@@ -530,8 +550,8 @@ private:
             args = CallArgs(argText);
         } else {
             for (size_t i = 1; i < words.size(); ++i) {
-                if (words[i] == "out") {
-                    m_outs.push_back(std::make_unique<int32_t>(0));
+                if (words[i].rfind("out", 0) == 0) {
+                    m_outs.push_back(std::make_unique<int32_t>(static_cast<int32_t>(words[i].size() > 4 ? Number(words[i].substr(4)) : 0)));
                     args.push_back(Variant::RefLong(m_outs.back().get()));
                 } else {
                     args.push_back(Variant::Long(static_cast<int32_t>(Number(words[i]))));
@@ -613,6 +633,19 @@ private:
     void GoalX(const std::string& n) { EXPECT_EQ(m_ctrl->m_nGoalX, Number(n)); }
     void MouseDown(const std::string& n) { EXPECT_EQ(m_ctrl->m_bMouseDown, Number(n)); }
     void TopRow(const std::string& n) { EXPECT_EQ(m_ctrl->GetTopLine(), Number(n)); }
+    void LeftPixel(const std::string& n) { EXPECT_EQ(m_ctrl->m_nLeftPixel, Number(n)); }
+    // Points of the document are in pixels from the text's left edge and the first row's top,
+    // whatever the gutter and the scroll position.
+    void PosAt(const std::string& rest) {
+        const auto w = Words(rest);
+        EXPECT_EQ(m_ctrl->FindPositionFromCoordinate(Number(w.at(0)), Number(w.at(1))), Number(w.at(2)));
+    }
+    void PointOfPos(const std::string& rest) {
+        const auto w = Words(rest);
+        POINT pt{-1, -1};
+        m_ctrl->DocPointFromPosition(Number(w.at(0)), &pt);
+        EXPECT_EQ(std::to_string(pt.x) + " " + std::to_string(pt.y), w.at(1) + " " + w.at(2));
+    }
     void Clipboard(const std::string& expected) {
         const ClipboardFormats held = m_platform.Clipboard().Read();
         if (expected == "none") {
@@ -654,11 +687,7 @@ private:
         std::string actual;
         for (long i = 0; i < lines.m_nCount; ++i) actual += (i ? " " : "") + std::to_string(lines.GetAt(i));
         EXPECT_EQ(actual, list);
-        CLineIndex fresh;
-        m_ctrl->WrapAll(m_ctrl->GetOptionsWord(), m_ctrl->BreakWidth(), &fresh);
-        std::string full;
-        for (long i = 0; i < fresh.m_nCount; ++i) full += (i ? " " : "") + std::to_string(fresh.GetAt(i));
-        EXPECT_EQ(actual, full) << "the line table differs from a fresh layout";
+        EXPECT_EQ(DifferenceFromWholeLayout(*m_ctrl), "");
     }
     void Blocks(const std::string& tree) {
         const std::string actual = CollapseTreeText(m_ctrl->CollapseRoot());

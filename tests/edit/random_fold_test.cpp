@@ -266,10 +266,7 @@ protected:
     void CheckLayout() {
         const CLineIndex& lines = m_ctrl->Lines();
         ASSERT_EQ(lines.m_nTotal, m_doc->GetLength());
-        CLineIndex fresh;
-        m_ctrl->WrapAll(m_ctrl->GetOptionsWord(), m_ctrl->BreakWidth(), &fresh);
-        ASSERT_EQ(fresh.m_nCount, lines.m_nCount) << "rows";
-        for (long i = 0; i < fresh.m_nCount; ++i) ASSERT_EQ(fresh.GetAt(i), lines.GetAt(i)) << "row " << i;
+        ASSERT_EQ(DifferenceFromWholeLayout(*m_ctrl), "");
         ASSERT_EQ(m_ctrl->GetLineCount(), lines.m_nCount);
         // No outermost block is empty, each is exactly one row, and all of its positions show at that row's
         // left edge.

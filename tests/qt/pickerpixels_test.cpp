@@ -9,7 +9,6 @@
 #include <QScreen>
 #include <QWidget>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/window/input.h"
 #include "src/picker/pickerwindow.h"
 #include "tests/qt/qtviewfixture.h"
@@ -20,13 +19,9 @@ constexpr LONG kWidth = 300, kHeight = 200;
 
 class PickerPixels : public QtViewFixture {
 protected:
-    ~PickerPixels() override { CloseView(); }
-
     // The view over `text`, focused, with the caret at the end and the picker shown.
     void ShowPickerOver(const std::string& text, QPoint windowAt = {0, 0}) {
-        doc = CreateHtmlDocument();
-        doc->SetText(text);
-        OpenView(doc.Get(), kWidth, kHeight);
+        OpenText(text, kWidth, kHeight);
         QtWidgetFromHwnd(hwnd)->window()->move(windowAt);
         for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
         SendMessage(hwnd, WM_SETFOCUS, 0, 0);
@@ -54,7 +49,6 @@ protected:
         return image.pixel(1 + 2 + (rowHeight - 4) / 2, static_cast<int>(pt.y) - 1 + rowHeight / 2);
     }
 
-    ComPtr<CHtmlDocument> doc;
     QWidget* popup = nullptr;
     QImage image;
 };

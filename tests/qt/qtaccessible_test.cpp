@@ -5,7 +5,6 @@
 #include <QAccessible>
 #include <algorithm>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtaccessible.h"
 #include "platform/window/keys.h"
 #include "tests/qt/qtviewfixture.h"
@@ -45,12 +44,9 @@ protected:
     ~QtAccessibleFixture() override {
         g_heard = nullptr;
         SetAccessibleListener(nullptr);
-        CloseView();
     }
     void Open(const std::string& text) {
-        doc = CreateHtmlDocument();
-        doc->SetText(text);
-        OpenView(doc.Get(), 400, 200);
+        OpenText(text, 400, 200);
         face = QAccessible::queryAccessibleInterface(QtWidgetFromHwnd(hwnd));
         ASSERT_TRUE(face);
         ASSERT_TRUE(text_ = face->textInterface());
@@ -65,7 +61,6 @@ protected:
         return text_->textAtOffset(offset, type, start, end);
     }
 
-    ComPtr<CHtmlDocument> doc;
     QAccessibleInterface* face = nullptr;
     QAccessibleTextInterface* text_ = nullptr;
     QAccessibleEditableTextInterface* edit = nullptr;
@@ -77,7 +72,7 @@ TEST_F(QtAccessibleFixture, ReadsTextByOffsetCharacterWordAndLine) {
     EXPECT_EQ(face->role(), QAccessible::EditableText);
     EXPECT_TRUE(face->state().multiLine);
     EXPECT_TRUE(face->state().editable);
-    EXPECT_EQ(text_->characterCount(), doc->GetLength());
+    EXPECT_EQ(text_->characterCount(), document->GetLength());
     EXPECT_EQ(text_->text(3, 8), "first");
     int start = 0, end = 0;
     EXPECT_EQ(At(5, QAccessible::CharBoundary, &start, &end), "r");
@@ -149,11 +144,11 @@ TEST_F(QtAccessibleFixture, EditsThroughTheEditableTextUnlessReadOnly) {
     edit->insertText(3, ",");
     edit->replaceText(5, 8, "2");
     edit->deleteText(0, 1);
-    EXPECT_EQ(doc->GetText(), "ne, 2\n");
+    EXPECT_EQ(document->GetText(), "ne, 2\n");
     ctrl->SetOption(OPT_READONLY, TRUE);
     EXPECT_TRUE(face->state().readOnly);
     edit->insertText(0, "z");
-    EXPECT_EQ(doc->GetText(), "ne, 2\n");
+    EXPECT_EQ(document->GetText(), "ne, 2\n");
 }
 
 }  // namespace

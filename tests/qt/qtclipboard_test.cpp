@@ -6,7 +6,6 @@
 #include <QGuiApplication>
 #include <QMimeData>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtclipboard.h"
 #include "tests/qt/qtviewfixture.h"
 
@@ -14,19 +13,15 @@ namespace {
 
 class QtClipboard : public QtViewFixture {
 protected:
-    ~QtClipboard() override { CloseView(); }
     void Open(const std::string& text, UINT cp) {
         UseCodePage(cp);
-        doc = CreateHtmlDocument();
-        doc->SetText(text);
-        OpenView(doc.Get(), 300, 100);
+        OpenText(text, 300, 100);
     }
-    ComPtr<CHtmlDocument> doc;
 };
 
 TEST_F(QtClipboard, CopiedTextReachesOtherProgramsAsUnicode) {
     Open("caf\xE9 \x80 \x93x\x94", 1252);
-    ctrl->SetSelection(0, doc->GetLength());
+    ctrl->SetSelection(0, document->GetLength());
     ASSERT_TRUE(ctrl->Copy());
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromUtf8("café € “x”"));
 }
@@ -36,7 +31,7 @@ TEST_F(QtClipboard, DoubleByteTextReachesOtherProgramsAsUnicode) {
     ctrl->SetSelection(0, 4);
     ASSERT_TRUE(ctrl->Cut());
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QString::fromUtf8("あい"));
-    EXPECT_EQ(doc->GetText(), "");
+    EXPECT_EQ(document->GetText(), "");
 }
 
 TEST_F(QtClipboard, TextFromElsewhereKeepsEveryCharacter) {
@@ -44,7 +39,7 @@ TEST_F(QtClipboard, TextFromElsewhereKeepsEveryCharacter) {
     ctrl->SetSelection(3, 3);
     QGuiApplication::clipboard()->setText(QString::fromUtf8("é€ あ 😀"));
     ctrl->Paste();
-    EXPECT_EQ(doc->GetText(), "<p>\xE9\x80 &#12354; &#128512;</p>");
+    EXPECT_EQ(document->GetText(), "<p>\xE9\x80 &#12354; &#128512;</p>");
 }
 
 TEST_F(QtClipboard, TextTheCodePageHoldsIsAlsoOfferedAsItsOwnText) {

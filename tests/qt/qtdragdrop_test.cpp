@@ -7,7 +7,6 @@
 #include <QMimeData>
 #include <QUrl>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtclipboard.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtwindowbackend.h"
@@ -15,17 +14,11 @@
 
 namespace {
 
-class QtDragDrop : public QtViewFixture {
-protected:
-    ~QtDragDrop() override { CloseView(); }
-    ComPtr<CHtmlDocument> doc;
-};
+using QtDragDrop = QtViewFixture;
 
 TEST_F(QtDragDrop, TextDroppedFromElsewhereIsInsertedAndSelected) {
     UseCodePage(1252);
-    doc = CreateHtmlDocument();
-    doc->SetText("abcd");
-    OpenView(doc.Get(), 300, 100);
+    OpenText("abcd", 300, 100);
     auto* backend = static_cast<CQtWindowBackend*>(GetWindowBackend(ctrl->GetSafeHwnd()));
     QWidget* viewport = backend->Widget()->viewport();
     QMimeData mime;
@@ -41,7 +34,7 @@ TEST_F(QtDragDrop, TextDroppedFromElsewhereIsInsertedAndSelected) {
     drop.setDropAction(Qt::CopyAction);
     QCoreApplication::sendEvent(viewport, &drop);
     EXPECT_TRUE(drop.isAccepted());
-    EXPECT_EQ(doc->GetText(), "abXYcd");
+    EXPECT_EQ(document->GetText(), "abXYcd");
     EXPECT_EQ(ctrl->GetSelectionStart(), 2);
     EXPECT_EQ(ctrl->GetSelectionEnd(), 4);
 }

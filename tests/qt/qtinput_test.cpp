@@ -9,7 +9,6 @@
 #include <QKeyEvent>
 #include <string>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "tests/qt/qtviewfixture.h"
 
@@ -17,12 +16,9 @@ namespace {
 
 class QtInput : public QtViewFixture {
 protected:
-    ~QtInput() override { CloseView(); }
     void Open(const std::string& text, UINT cp = 1252) {
         UseCodePage(cp);
-        doc = CreateHtmlDocument();
-        doc->SetText(text);
-        OpenView(doc.Get(), 400, 200);
+        OpenText(text, 400, 200);
         widget = static_cast<CQtControlWidget*>(QtWidgetFromHwnd(hwnd));
         ctrl->SetSelection(static_cast<long>(text.size()), static_cast<long>(text.size()));
         // The offscreen platform gives no window the focus by itself; the control is told as Qt would.
@@ -48,33 +44,32 @@ protected:
         QCoreApplication::sendEvent(widget, &e);
     }
 
-    ComPtr<CHtmlDocument> doc;
     CQtControlWidget* widget = nullptr;
 };
 
 TEST_F(QtInput, KeysTypeMoveDeleteAndUndo) {
     Open("ab");
     Key(Qt::Key_X, Qt::NoModifier, "x");
-    EXPECT_EQ(doc->GetText(), "abx");
+    EXPECT_EQ(document->GetText(), "abx");
     Key(Qt::Key_Left);
     Key(Qt::Key_Left, Qt::ShiftModifier);
     EXPECT_EQ(ctrl->GetSelectionStart(), 1);
     EXPECT_EQ(ctrl->GetSelectionEnd(), 2);
     Key(Qt::Key_Backspace, Qt::NoModifier, "\b");
-    EXPECT_EQ(doc->GetText(), "ax");  // claimed ahead of the toolkit: no second deletion by a character
+    EXPECT_EQ(document->GetText(), "ax");  // claimed ahead of the toolkit: no second deletion by a character
     Key(Qt::Key_Return, Qt::NoModifier, "\r");
-    EXPECT_EQ(doc->GetText(), "a\r\nx");
+    EXPECT_EQ(document->GetText(), "a\r\nx");
     Key(Qt::Key_Z, Qt::ControlModifier, "\x1a");
-    EXPECT_EQ(doc->GetText(), "ax");
+    EXPECT_EQ(document->GetText(), "ax");
 }
 
 TEST_F(QtInput, ACompositionShowsWithoutTouchingTheDocumentUntilItCommits) {
     Open("ab", 932);
     Compose(QString::fromUtf8("にほん"));
-    EXPECT_EQ(doc->GetText(), "ab");
+    EXPECT_EQ(document->GetText(), "ab");
     EXPECT_EQ(widget->PreeditText(), QString::fromUtf8("にほん"));
     Compose({}, QString::fromUtf8("日本"));
-    EXPECT_EQ(doc->GetText(), "ab\x93\xFA\x96\x7B");
+    EXPECT_EQ(document->GetText(), "ab\x93\xFA\x96\x7B");
     EXPECT_TRUE(widget->PreeditText().isEmpty());
     EXPECT_EQ(ctrl->GetSelectionStart(), 6);
 }
@@ -82,9 +77,9 @@ TEST_F(QtInput, ACompositionShowsWithoutTouchingTheDocumentUntilItCommits) {
 TEST_F(QtInput, ACharacterTheCodePageCannotHoldBecomesAReference) {
     Open("<p>");
     Compose({}, QString::fromUtf8("日é"));
-    EXPECT_EQ(doc->GetText(), "<p>&#26085;\xE9");
+    EXPECT_EQ(document->GetText(), "<p>&#26085;\xE9");
     Compose({}, QString::fromUtf8("\U0001F600"));
-    EXPECT_EQ(doc->GetText(), "<p>&#26085;\xE9&#128512;");
+    EXPECT_EQ(document->GetText(), "<p>&#26085;\xE9&#128512;");
 }
 
 TEST_F(QtInput, TheInputMethodIsToldTheCaretAndItsLine) {

@@ -8,7 +8,6 @@
 #include <QPixmap>
 #include <QToolTip>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtcursor.h"
 #include "platform/qt/qtwindow.h"
 #include "src/resources/cursors.h"
@@ -21,12 +20,7 @@ constexpr UINT kCursorIds[] = {IDC_GUTTER_ARROW, IDC_HINT_ARROW, IDC_DOC_ARROW, 
 
 class QtTipFixture : public QtViewFixture {
 protected:
-    ~QtTipFixture() override { CloseView(); }
-    void Open(const std::string& text) {
-        doc = CreateHtmlDocument();
-        doc->SetText(text);
-        OpenView(doc.Get(), 400, 200);
-    }
+    void Open(const std::string& text) { OpenText(text, 400, 200); }
     QWidget* Viewport() { return static_cast<QAbstractScrollArea*>(QtWidgetFromHwnd(hwnd))->viewport(); }
     // The mouse comes to a client point, as the window system moves it.
     void MoveMouse(QPoint pt) {
@@ -39,7 +33,6 @@ protected:
             if (auto* label = qobject_cast<QLabel*>(w); label && label->windowType() == Qt::ToolTip) return label;
         return nullptr;
     }
-    ComPtr<CHtmlDocument> doc;
 };
 
 TEST_F(QtTipFixture, TipComesUpBelowTheRestingMouseInTooltipColoursWithItsText) {

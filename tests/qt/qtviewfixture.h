@@ -6,7 +6,9 @@
 #include <QCoreApplication>
 #include <QWidget>
 #include <optional>
+#include <string>
 
+#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "src/view/module.h"
@@ -49,10 +51,17 @@ protected:
         QtWidgetFromHwnd(hwnd)->show();
         ctrl->SetDocument(document);
     }
+    // The view over a fresh reference document holding `text`.
+    void OpenText(const std::string& text, LONG cx, LONG cy) {
+        document = CreateHtmlDocument();
+        document->SetText(text);
+        OpenView(document.Get(), cx, cy);
+    }
 
     CQtPlatform platform;
     CZentrelCtrl* ctrl = nullptr;
     HWND hwnd = nullptr;
+    ComPtr<CHtmlDocument> document;  // of OpenText
 
 private:
     IPlatformBackend* m_pPrevious;

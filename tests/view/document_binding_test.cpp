@@ -153,10 +153,6 @@ TEST_F(DocumentBinding, GetTextAnswersOtherProgramsAndSwallowsEditMessages) {
     EXPECT_EQ(ctrl->GetDocumentText(), nullptr);
 }
 
-}  // namespace
-
-namespace {
-
 TEST_F(DocumentBinding, BusyCallsNestAndEndWithTheLastPair) {
     ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
     ctrl->m_xTextSink.OnBusy(TRUE, "Loading", 0);

@@ -1,30 +1,23 @@
 // The posted repaint: queued restyle messages merge into one invalidation, every message's
 // reference is given back, and nothing else happens.
 #include "htmldoc/sourcechange.h"
-#include "platform/testing/testplatform.h"
-#include "platform/testing/testwindow.h"
-#include "tests/view/viewtest.h"
+#include "tests/view/viewfixture.h"
 
 namespace {
 
-class RepaintMessage : public ::testing::Test {
+class RepaintMessage : public ViewFixture {
 protected:
     void SetUp() override {
-        control = MakeControlThroughFactory();
-        ctrl = AsControl(control.Get());
-        ctrl->CreateControlWindow(nullptr, {0, 0, 300, 600});
-        doc = CreateHtmlDocument();
         std::string text;
         for (int i = 0; i < 30; ++i) text += "line " + std::to_string(i) + "\n";  // 7 or 8 bytes a line
-        doc->SetText(text);
-        ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
-        window = TestWindow(ctrl->GetSafeHwnd());
+        Open(text, 300, 600);
+        window = &Window();
         window->ClearInvalidated();
         cookie = ctrl->AdviseEvents(&log);
     }
     void TearDown() override {
         ctrl->UnadviseEvents(cookie);
-        ctrl->DestroyControlWindow();
+        ViewFixture::TearDown();
     }
     // Posts a change that the test watches: the returned pointer stays valid while `keep` holds it.
     CSourceChange* Post(long action, long start, long end) {
@@ -40,13 +33,9 @@ protected:
         return c->Release() - 1;
     }
 
-    CTestPlatformScope platform;
     CEventLog log;
     DWORD cookie = 0;
-    ComPtr<IDispatch> control;
-    CZentrelCtrl* ctrl = nullptr;
     CTestWindowBackend* window = nullptr;
-    ComPtr<CHtmlDocument> doc;
     std::vector<ComPtr<CSourceChange>> kept;
 };
 

@@ -1,6 +1,6 @@
-// Scrolling: the scroll bars and their scale, paging, the thumb, keeping a position in view with
-// margins, and where the caret goes. Lines are 19 pixels, plain bytes 9, the gutter 60; the
-// window is 400 by 300, so 15 whole lines show.
+// Scrolling: the scroll bars and their scale, paging, the thumb, keeping a range in view, and where
+// the caret goes; keeping the caret in view is in tests/edit/cases/scrolling.cases. Lines are 19
+// pixels, plain bytes 9, the gutter 60; the window is 400 by 300, so 15 whole lines show.
 #include "platform/window/keys.h"
 #include "tests/view/viewfixture.h"
 
@@ -58,15 +58,6 @@ TEST_F(Scrolling, PagingJumpsAtOnceOrInSevenFramesThatAddUpToThePage) {
     EXPECT_TRUE(Window().PendingRegion().IsEmpty());
 }
 
-TEST_F(Scrolling, ATextShorterThanTheWindowDoesNotScroll) {
-    Open(Lines(5));
-    for (int code : {SB_BOTTOM, SB_PAGEDOWN, SB_LINEDOWN}) {
-        ctrl->OnVScroll(code, 0);
-        EXPECT_EQ(ctrl->GetTopLine(), 0) << code;
-    }
-    EXPECT_FALSE(ctrl->ScrollTo(0, 0));  // nothing moves, nothing happens
-}
-
 TEST_F(Scrolling, SidewaysScrollsMoveTheTextButNotTheGutterAndBothWaysRepaintAll) {
     Open(Lines(50, std::string(200, 'a')));
     ctrl->ScrollTo(0, 90);
@@ -97,31 +88,6 @@ TEST_F(Scrolling, TheCaretOutOfSightBehindTheGutterStaysShown) {
     EXPECT_EQ(Window().CaretRect().Width(), 9);
     platform->MoveFocus(nullptr);
     EXPECT_FALSE(Window().CaretShown());
-}
-
-TEST_F(Scrolling, WithoutMarginsACaretJustRightOfTheViewScrollsByExactlyWhatItTakes) {
-    Open(Lines(30, std::string(100, 'a')));
-    Focus();
-    ctrl->SetScrollMarginHorizontal(0);
-    ctrl->SetScrollByHorizontal(0);
-    ctrl->SetSelection(40, 40);  // x 360, 20 pixels right of the 340-pixel view
-    EXPECT_EQ(ctrl->m_nLeftPixel, 20);
-    // The defaults keep 10 columns of margin and overshoot by 10 more.
-    ctrl->SetScrollMarginHorizontal(120);
-    ctrl->SetScrollByHorizontal(120);
-    ctrl->SetSelection(80, 80);
-    // The caret at 720 with 90 pixels of margin must end at the view's right edge (340 wide),
-    // and then 90 more.
-    EXPECT_EQ(ctrl->m_nLeftPixel, (720 + 90) - 340 + 90);
-}
-
-TEST_F(Scrolling, APartlyVisibleBottomLineCountsAsBelowTheView) {
-    Open(Lines(40));
-    Focus();
-    ctrl->SetSelection(15 * 5, 15 * 5);  // line 15, the sixteenth: only partly shown
-    EXPECT_EQ(ctrl->GetTopLine(), 1);
-    ctrl->SetSelection(14 * 5, 14 * 5);
-    EXPECT_EQ(ctrl->GetTopLine(), 1);
 }
 
 TEST_F(Scrolling, ARangeTallerThanTheWindowShowsTheEndItsFirstArgumentNames) {

@@ -76,11 +76,15 @@ private:
 // A control of the given client size in a test window, with a reference document holding `text`.
 class ViewFixture : public ::testing::Test {
 protected:
-    void Open(const std::string& text, LONG cx = 400, LONG cy = 300, IDispatch* attach = nullptr) {
-        NewControl(cx, cy);
+    void Open(const std::string& text, LONG cx = 400, LONG cy = 300, DWORD options = 0) {
+        NewControl(cx, cy, options);
+        Attach(text);
+    }
+    // A fresh reference document holding `text`, attached to the control.
+    void Attach(const std::string& text) {
         doc = CreateHtmlDocument();
         doc->SetText(text);
-        ctrl->SetDocument(attach ? attach : static_cast<IDispatch*>(doc.Get()));
+        ctrl->SetDocument(static_cast<IDispatch*>(doc.Get()));
     }
     // A new control in a window of the given size, with `options` switched on first; the
     // control before it goes (its window, and with it its document).

@@ -1,6 +1,7 @@
 // Helpers of the control tests: a host-side event sink and a control made the way a host makes one.
 #pragma once
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <map>
 
 #include <string>
@@ -97,6 +98,24 @@ inline std::string SamplePage() {
         page += "  <p class=\"row\">Paragraph " + std::to_string(i) + " with <b>bold</b> text.</p>\n";
     page += "</body>\n</html>\n";
     return page;
+}
+
+// Empty when the control's line table is sound and what a whole layout of its text gives; else
+// the first difference.
+inline std::string DifferenceFromWholeLayout(CZentrelCtrl& ctrl) {
+    CLineIndex fresh;
+    ctrl.WrapAll(ctrl.GetOptionsWord(), ctrl.BreakWidth(), &fresh);
+    const CLineIndex& lines = ctrl.Lines();
+    std::string why;
+    if (!lines.CheckInvariants(&why)) return why;
+    for (long i = 0; i < std::max(lines.m_nCount, fresh.m_nCount); ++i) {
+        const long have = i < lines.m_nCount ? lines.GetAt(i) : -1, want = i < fresh.m_nCount ? fresh.GetAt(i) : -1;
+        if (have != want)
+            return "row " + std::to_string(i) + " is " + std::to_string(have) + ", a whole layout gives " +
+                   std::to_string(want) + " (rows " + std::to_string(lines.m_nCount) + " and " +
+                   std::to_string(fresh.m_nCount) + ")";
+    }
+    return {};
 }
 
 // The collapsed blocks under a node as start-end, children in brackets: `2-9[3-5 6-8] 12-14`.

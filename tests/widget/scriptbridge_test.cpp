@@ -8,6 +8,7 @@
 #include "htmldoc/htmldocument.h"
 #include "platform/com/automation.h"
 #include "platform/qt/qttext.h"
+#include "tests/automation/walkfile.h"
 #include "tests/qt/qtviewfixture.h"
 #include "widget/scriptrunner.h"
 #include "widget/scriptvalues.h"
@@ -189,14 +190,7 @@ TEST_P(ScriptWalkTest, PlaysThroughTheBridge) {
     std::printf("%s\n", qPrintable(printed.join("\n")));
 }
 
-std::vector<std::string> WalkNames() {
-    std::vector<std::string> names;
-    for (const QFileInfo& f : QDir(kWalks).entryInfoList({"*.walk"}, QDir::Files, QDir::Name))
-        names.push_back(f.completeBaseName().toStdString());
-    return names;
-}
-
-INSTANTIATE_TEST_SUITE_P(Walks, ScriptWalkTest, ::testing::ValuesIn(WalkNames()),
+INSTANTIATE_TEST_SUITE_P(Walks, ScriptWalkTest, ::testing::ValuesIn(walk::WalkNames()),
                          [](const auto& info) { return info.param; });
 GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(ScriptWalkTest);
 
