@@ -1,12 +1,15 @@
 // The line table after every change of the text against a whole layout of the same text: random
 // inserts, deletes and replacements of line ends (LF, CR LF, lone CR), tabs, spaces, hyphens,
-// long words and double-byte characters, with word wrap at several widths and without it.
+// long words and double-byte characters, with word wrap at several widths and without it; and a
+// whole layout handed out row by row in pieces against the same layout made in one go.
 // ZENTREL_LONG_TESTS=1 runs many more edits.
 #include <cstdlib>
 #include <random>
 #include <sstream>
 
 #include "platform/codepage/codepage.h"
+#include "src/layout/linelengthlist.h"
+#include "src/layout/rowwrapper.h"
 #include "src/view/module.h"
 #include "tests/codepagescope.h"
 #include "tests/view/viewfixture.h"
@@ -98,10 +101,19 @@ protected:
     // difference.
     std::string DifferenceFromWholeLayout() {
         CLineIndex fresh;
-        ctrl->WrapAll(ctrl->GetOptionsWord(), GetParam().wrap ? ctrl->GetWrapWidth() : WIDTH_UNLIMITED, &fresh);
+        const long width = GetParam().wrap ? ctrl->GetWrapWidth() : WIDTH_UNLIMITED;
+        ctrl->WrapAll(ctrl->GetOptionsWord(), width, &fresh);
         const CLineIndex& lines = ctrl->Lines();
         std::string why;
         if (!lines.CheckInvariants(&why)) return why;
+        // A layout handed out in pieces of random sizes, as a printout asks for it, has the same rows.
+        CRowWrapper wrapper(*ctrl, ctrl->GetDocumentText(), ctrl->GetOptionsWord(), width);
+        CLineLengthList pieces;
+        while (!wrapper.IsDone())
+            if (wrapper.WrapRows(1 + static_cast<long>(rng() % 4), &pieces) == 0) return "a wrapper not done gave no row";
+        for (long i = 0; i < std::max<long>(pieces.m_nCount, fresh.m_nCount); ++i)
+            if (i >= pieces.m_nCount || i >= fresh.m_nCount || pieces.GetAt(i) != fresh.GetAt(i))
+                return "the wrapper's row " + std::to_string(i) + " differs from a whole layout's";
         for (long i = 0; i < std::max(lines.m_nCount, fresh.m_nCount); ++i) {
             const long have = i < lines.m_nCount ? lines.GetAt(i) : -1, want = i < fresh.m_nCount ? fresh.GetAt(i) : -1;
             if (have != want)
