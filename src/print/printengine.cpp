@@ -212,6 +212,9 @@ void CZentrelCtrl::PrintPages(CDC* dc, const char* lpszName) {
     if (setup.m_nColumns < CEditPageSetupDialog::kMinColumns || setup.m_nColumns > CEditPageSetupDialog::kMaxColumns)
         throw PrintError(FormatMessage(LoadString(IDS_BAD_COLUMNS), {std::to_string(CEditPageSetupDialog::kMinColumns),
                                                                      std::to_string(CEditPageSetupDialog::kMaxColumns)}));
+    // The window shows before the printer's metrics take over: while it comes up the desktop may
+    // have the application draw itself, and the view must still draw with the screen's.
+    CPrintProgressDialog progress(GetSafeHwnd());
     PreparePrinterDC(dc);
     BuildFontCache(dc, TRUE);
     const PageLayout page = LayOutPage(dc, setup, m_nLineHeight);
@@ -231,7 +234,6 @@ void CZentrelCtrl::PrintPages(CDC* dc, const char* lpszName) {
     CRowWrapper wrapper(*this, m_pDoc, paint.dwOptions, wrapWidth);
 
     const long perPage = page.nLinesPerColumn * setup.m_nColumns;
-    CPrintProgressDialog progress(GetSafeHwnd());
     std::string name = lpszName && *lpszName ? lpszName : "";
     if (name.empty()) {
         char path[kPathSize] = {};
