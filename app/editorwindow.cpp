@@ -316,10 +316,10 @@ void CEditorWindow::KeepViewState() {
 
 void CEditorWindow::ToggleOption(DWORD mask, bool on) { m_pCtrl->SetOption(mask, on ? TRUE : FALSE); }
 
-int CEditorWindow::PrintToPdf(const PrintRequest& request, const QString& docName) {
+int CEditorWindow::PrintWithoutDialog(const PrintRequest& request, const QString& docName) {
     // No progress window and no message box: the job runs for a script, which reads stderr.
     m_platform.Print().SetQuiet(true);
-    const int result = ::PrintToPdf(m_pCtrl, m_platform.Print(), request, docName);
+    const int result = ::PrintWithoutDialog(m_pCtrl, m_platform.Print(), request, docName);
     m_platform.Print().SetQuiet(false);
     return result;
 }

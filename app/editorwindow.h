@@ -32,7 +32,7 @@ public:
     IDispatch* Control() const { return m_pCtrl; }
     IDispatch* Document() const { return static_cast<IDispatch*>(m_doc.Get()); }
     // Prints the document to a PDF with the request's page setup, without a dialog; 0 on success.
-    int PrintToPdf(const struct PrintRequest& request, const QString& docName);
+    int PrintWithoutDialog(const struct PrintRequest& request, const QString& docName);
     // Opens a file dropped on the view, after the drop, offering unsaved changes for saving.
     void OpenDroppedFile(const QString& path);
 

@@ -3,15 +3,16 @@
 // status line. Without a display it renders the window to a PNG and says where it put it.
 //
 // Usage: zentrel-edit [--screenshot PNG] [--codepage CP] [--script JS [--script-timeout SECONDS]] [FILE]
-//        zentrel-edit --print-pdf OUT.pdf [page setup options] [FILE]
+//        zentrel-edit --print-pdf OUT.pdf|--printer QUEUE [page setup options] [FILE]
 // The process code page is the one that holds the file's characters unless --codepage names one.
 // With --screenshot the editor shows its window, saves what the screen shows of it to PNG once
 // it is painted, and exits: a picture of the real window on a real display, for tests.
 // With --script the editor runs a JavaScript file with `control` and `document` as globals
 // instead of showing its window, prints what the script prints, and exits with 0, or with 1
 // when the script throws or runs longer than its time limit (10 s unless given).
-// With --print-pdf the editor prints the file to a PDF through the control's print engine, with
-// no dialog and no window, and exits; the page setup values come from the options after it.
+// With --print-pdf (or --printer) the editor prints the file to a PDF (or to that printer queue)
+// through the control's print engine, with no dialog and no window, and exits; the page setup
+// values come from the options after it.
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -94,8 +95,8 @@ bool ParseArguments(const QStringList& args, Arguments* out) {
             haveFile = true;
         }
     }
-    if (out->print.any && out->print.pdf.isEmpty()) {
-        std::fprintf(stderr, "zentrel-edit: the page setup options need --print-pdf OUT.pdf\n");
+    if (out->print.any && !out->print.Prints()) {
+        std::fprintf(stderr, "zentrel-edit: the page setup options need --print-pdf OUT.pdf or --printer QUEUE\n");
         return false;
     }
     return true;
@@ -159,7 +160,7 @@ int main(int argc, char** argv) {
     if (!window.OpenFile(args.file)) return 1;
     window.resize(1000, 800);
     if (!args.script.isEmpty()) return RunScript(window, args);
-    if (!args.print.pdf.isEmpty()) return window.PrintToPdf(args.print, args.file);
+    if (args.print.Prints()) return window.PrintWithoutDialog(args.print, args.file);
     if (!HasDisplay()) {
         const QString png = args.screenshot.isEmpty() ? QFileInfo(args.file).completeBaseName() + "-zentrel.png" : args.screenshot;
         if (!SavePicture(window.grab(), png)) return 1;

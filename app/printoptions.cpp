@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QPrinterInfo>
 #include <cstdio>
 
 #include "platform/qt/qtprintdialogs.h"
@@ -71,14 +72,34 @@ void ApplyRequest(const PrintRequest& r, CEditPageSetupDialog* setup) {
     for (const PaperSize& p : kPapers)
         if (r.paper && *r.paper == p.name) mode->nPaperWidth = p.width, mode->nPaperHeight = p.height;
     auto names = std::make_shared<DEVNAMES>();
-    names->strOutput = QFileInfo(r.pdf).absoluteFilePath().toStdString();
+    if (r.printer.isEmpty())
+        names->strOutput = QFileInfo(r.pdf).absoluteFilePath().toStdString();
+    else
+        names->strDevice = r.printer.toStdString();
     setup->m_psd.device = PrinterChoice{mode, names};
+}
+
+// Whether the job's output can be made: the PDF file written, or the queue found. Says why not on stderr.
+bool CanPrintTo(const PrintRequest& request) {
+    if (!request.printer.isEmpty()) {
+        if (!QPrinterInfo::printerInfo(request.printer).isNull()) return true;
+        const QStringList queues = QPrinterInfo::availablePrinterNames();
+        std::fprintf(stderr, "zentrel-edit: there is no printer queue %s (the queues are: %s)\n", qPrintable(request.printer),
+                     queues.isEmpty() ? "none" : qPrintable(queues.join(", ")));
+        return false;
+    }
+    QFile probe(request.pdf);
+    if (!probe.open(QIODevice::WriteOnly)) {
+        std::fprintf(stderr, "zentrel-edit: cannot write %s: %s\n", qPrintable(request.pdf), qPrintable(probe.errorString()));
+        return false;
+    }
+    return true;
 }
 
 }  // namespace
 
 const char* PrintOptionsUsage() {
-    return "       zentrel-edit --print-pdf OUT.pdf [--paper letter|legal|a4|a3|a5] [--margins INCHES|L,T,R,B]\n"
+    return "       zentrel-edit --print-pdf OUT.pdf|--printer QUEUE [--paper letter|legal|a4|a3|a5] [--margins INCHES|L,T,R,B]\n"
            "                    [--columns 1-3] [--column-gap INCHES] [--header TEXT] [--footer TEXT]\n"
            "                    [--header-distance INCHES] [--footer-distance INCHES] [--colour|--no-colour]\n"
            "                    [--line-numbers [--line-number-width INCHES]] [--hidden-characters] [FILE]";
@@ -87,7 +108,7 @@ const char* PrintOptionsUsage() {
 bool ParsePrintOption(const QStringList& args, qsizetype* i, PrintRequest* out, QString* error) {
     const QString& arg = args[*i];
     static const QStringList flags = {"--colour", "--no-colour", "--line-numbers", "--hidden-characters"};
-    static const QStringList valued = {"--print-pdf", "--paper", "--margins", "--columns", "--column-gap", "--header", "--footer",
+    static const QStringList valued = {"--print-pdf", "--printer", "--paper", "--margins", "--columns", "--column-gap", "--header", "--footer",
                                        "--header-distance", "--footer-distance", "--line-number-width"};
     if (!flags.contains(arg) && !valued.contains(arg)) return false;
     out->any = true;
@@ -100,8 +121,9 @@ bool ParsePrintOption(const QStringList& args, qsizetype* i, PrintRequest* out, 
         return true;
     }
     const QString value = args[++*i];
-    if (arg == "--print-pdf") {
-        out->pdf = value;
+    if (arg == "--print-pdf" || arg == "--printer") {
+        (arg == "--print-pdf" ? out->pdf : out->printer) = value;
+        if (!out->pdf.isEmpty() && !out->printer.isEmpty()) *error = "--print-pdf and --printer cannot go together";
     } else if (arg == "--paper") {
         if (std::none_of(std::begin(kPapers), std::end(kPapers), [&](const PaperSize& p) { return value == p.name; }))
             *error = "--paper needs one of letter, legal, a4, a3, a5";
@@ -126,13 +148,8 @@ bool ParsePrintOption(const QStringList& args, qsizetype* i, PrintRequest* out, 
     return true;
 }
 
-int PrintToPdf(CZentrelCtrl* ctrl, CQtPrintBackend& backend, const PrintRequest& request, const QString& docName) {
-    QFile probe(request.pdf);
-    if (!probe.open(QIODevice::WriteOnly)) {
-        std::fprintf(stderr, "zentrel-edit: cannot write %s: %s\n", qPrintable(request.pdf), qPrintable(probe.errorString()));
-        return 1;
-    }
-    probe.close();
+int PrintWithoutDialog(CZentrelCtrl* ctrl, CQtPrintBackend& backend, const PrintRequest& request, const QString& docName) {
+    if (!CanPrintTo(request)) return 1;
     ApplyRequest(request, &ctrl->PageSetupObject());
     bool failed = false;
     backend.SetMessageSink([&](const std::string& text) {
@@ -141,10 +158,11 @@ int PrintToPdf(CZentrelCtrl* ctrl, CQtPrintBackend& backend, const PrintRequest&
     });
     const BOOL printed = ctrl->PrintJob(docName.toLocal8Bit().constData());
     backend.SetMessageSink(nullptr);
-    if (!printed || failed || QFileInfo(request.pdf).size() == 0) {
-        if (!failed) std::fprintf(stderr, "zentrel-edit: nothing was printed to %s\n", qPrintable(request.pdf));
+    const QString where = request.printer.isEmpty() ? QFileInfo(request.pdf).absoluteFilePath() : "printer " + request.printer;
+    if (!printed || failed || (request.printer.isEmpty() && QFileInfo(request.pdf).size() == 0)) {
+        if (!failed) std::fprintf(stderr, "zentrel-edit: nothing was printed to %s\n", qPrintable(where));
         return 1;
     }
-    std::printf("Printed %s to %s\n", qPrintable(docName), qPrintable(QFileInfo(request.pdf).absoluteFilePath()));
+    std::printf("Printed %s to %s\n", qPrintable(docName), qPrintable(where));
     return 0;
 }

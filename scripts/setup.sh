@@ -11,6 +11,7 @@ packages=(
   fonts-liberation fonts-dejavu-core fonts-wqy-microhei
   xvfb xauth x11-apps xdotool xclip
   poppler-utils
+  cups
 )
 
 missing=()

@@ -78,11 +78,26 @@ protected:
     ~IPageSetupHook() = default;
 };
 
-// The window of a running job: a name line, a page line and a bar. It shows at once and is
-// drawn while the job runs, without the rest of the application being served.
+// The moving picture of the progress window, drawn by the control.
+class IPrintAnimation {
+public:
+    // Its size in pixels.
+    virtual SIZE GetSize() const = 0;
+    // Draws the current frame into `rc` of `dc`.
+    virtual void Paint(CDC* dc, const RECT& rc) = 0;
+
+protected:
+    ~IPrintAnimation() = default;
+};
+
+// The window of a running job: an animation, a name line, a page line and a bar. It shows at
+// once and is drawn while the job runs, without the rest of the application being served.
 class IPrintProgress {
 public:
     virtual ~IPrintProgress() = default;
+    // Shows `animation` above the lines, drawn anew at each Redraw; the caller keeps it alive
+    // as long as the window. A window without room for one ignores it.
+    virtual void SetAnimation(IPrintAnimation* animation) {}
     virtual void SetNameText(const std::string& text) = 0;
     virtual void SetPageText(const std::string& text) = 0;
     virtual void SetRange(int low, int high) = 0;

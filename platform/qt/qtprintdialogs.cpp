@@ -6,6 +6,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDoubleSpinBox>
+#include <QElapsedTimer>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -21,6 +22,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <map>
 
 #include "platform/qt/qtcontrolwidget.h"
@@ -43,6 +45,10 @@ struct Paper {
 constexpr Paper kPapers[] = {{"Letter", 8500, 11000}, {"Legal", 8500, 14000}, {"A4", 8268, 11693},
                              {"A3", 11693, 16535}, {"A5", 5827, 8268}};
 constexpr int kPreviewSize = 220;
+// How long a progress window may take to come up before the job goes on without it, and the
+// steps in which events are served meanwhile.
+constexpr qint64 kShowWaitMs = 1000;
+constexpr int kShowWaitStepMs = 10;
 constexpr double kThousandths = 1000.0;
 
 // The page picture: the paper at the dialog's scale, the margins' frame left out, and the text
@@ -324,12 +330,40 @@ private:
 
 // The progress window. It is drawn by repaint at each page, since the job holds the thread and
 // no events are served; its Cancel is shown disabled, because a started job runs to its end.
+// The box of the progress window that shows the control's animation.
+class CAnimationBox final : public QWidget {
+public:
+    void SetAnimation(IPrintAnimation* animation) {
+        m_pAnimation = animation;
+        const SIZE size = animation ? animation->GetSize() : SIZE{0, 0};
+        setFixedSize(size.cx, size.cy);
+        setVisible(animation != nullptr);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        if (!m_pAnimation) return;
+        QImage image(size(), QImage::Format_RGB32);
+        {
+            CQtDC dc(&image);
+            m_pAnimation->Paint(&dc, RECT{0, 0, width(), height()});
+        }
+        QPainter(this).drawImage(0, 0, image);
+    }
+
+private:
+    IPrintAnimation* m_pAnimation = nullptr;
+};
+
 class CQtPrintProgress final : public IPrintProgress {
 public:
     CQtPrintProgress(QWidget* parent, const std::string& title) : m_dialog(parent) {
         m_dialog.setWindowTitle(QString::fromStdString(title));
         m_dialog.setObjectName("printProgress");
         auto* layout = new QVBoxLayout(&m_dialog);
+        m_animation.setObjectName("printAnimation");
+        m_animation.hide();
+        layout->addWidget(&m_animation, 0, Qt::AlignHCenter);
         layout->addWidget(&m_name);
         layout->addWidget(&m_page);
         layout->addWidget(&m_bar);
@@ -338,7 +372,9 @@ public:
         layout->addWidget(cancel, 0, Qt::AlignHCenter);
         m_dialog.setMinimumWidth(320);
         m_dialog.show();
+        WaitUntilShown();
     }
+    void SetAnimation(IPrintAnimation* animation) override { m_animation.SetAnimation(animation); }
     void SetNameText(const std::string& text) override { m_name.setText(QString::fromLocal8Bit(text.c_str())); }
     void SetPageText(const std::string& text) override { m_page.setText(QString::fromStdString(text)); }
     void SetRange(int low, int high) override { m_bar.setRange(low, high); }
@@ -346,7 +382,18 @@ public:
     void Redraw() override { m_dialog.repaint(); }
 
 private:
+    // A window draws only once the desktop has shown it, and the job that follows serves no
+    // events: so events are served here, all but the user's, until it is shown or a while has
+    // passed.
+    void WaitUntilShown() {
+        QElapsedTimer waited;
+        waited.start();
+        while (m_dialog.windowHandle() && !m_dialog.windowHandle()->isExposed() && waited.elapsed() < kShowWaitMs)
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, kShowWaitStepMs);
+    }
+
     QDialog m_dialog;
+    CAnimationBox m_animation;
     QLabel m_name;
     QLabel m_page;
     QProgressBar m_bar;

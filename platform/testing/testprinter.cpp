@@ -147,12 +147,28 @@ public:
     void SetPageText(const std::string& text) override { m_backend.m_progressTexts.push_back(text); }
     void SetRange(int, int) override {}
     void SetPos(int pos) override { m_nPos = pos; }
+    void SetAnimation(IPrintAnimation* animation) override { m_pAnimation = animation; }
     void Redraw() override {
+        if (m_pAnimation) m_backend.m_animationPictures.push_back(PaintAnimation());
         if (m_backend.m_onProgress) m_backend.m_onProgress(m_nPos);
     }
 
 private:
+    // The animation's frame as the rectangles it filled, "left,top,right,bottom:colour" each.
+    std::string PaintAnimation() {
+        const SIZE size = m_pAnimation->GetSize();
+        std::unique_ptr<CTestDC> dc = CTestDC::Screen(size.cx, size.cy);
+        m_pAnimation->Paint(dc.get(), RECT{0, 0, size.cx, size.cy});
+        std::string picture;
+        for (const DrawRecord& draw : dc->Log())
+            if (draw.kind == DrawKind::Fill)
+                picture += std::to_string(draw.rc.left) + "," + std::to_string(draw.rc.top) + "," + std::to_string(draw.rc.right) + "," +
+                           std::to_string(draw.rc.bottom) + ":" + std::to_string(draw.color) + " ";
+        return picture;
+    }
+
     CTestPrintBackend& m_backend;
+    IPrintAnimation* m_pAnimation = nullptr;
     int m_nPos = 0;
 };
 

@@ -118,6 +118,8 @@ public:
     std::vector<std::shared_ptr<PrintJobRecord>> m_jobs;
     std::vector<std::string> m_messages;
     std::vector<std::string> m_progressTexts;
+    // What the progress window's animation drew at each redraw: its filled rectangles.
+    std::vector<std::string> m_animationPictures;
     PrinterChoice m_lastDialogChoice;  // what the print dialog was opened with
 };
 

@@ -10,9 +10,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "src/layout/linelengthlist.h"
+#include "src/layout/rowwrapper.h"
 #include "src/layout/textreader.h"
 #include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
@@ -329,10 +331,46 @@ void CZentrelCtrl::WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, lo
 
 void CZentrelCtrl::WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable) {
     CLineLengthList list;
-    list.InsertAt(0, m_pDoc->GetLength());
-    LayoutRange scratch{0, 0};
-    WrapLinesIn(dwOptions, 0, &scratch, nWidth, 0x7FFFFFFF, &list);
+    CRowWrapper(*this, m_pDoc, dwOptions, nWidth).WrapRows(std::numeric_limits<long>::max(), &list);
     pTable->Build(list.Data(), list.m_nCount);
+}
+
+struct CRowWrapper::Run {
+    Run(CZentrelCtrl& view, ISourceText* doc, DWORD dwOptions, long nWidth)
+        : text(doc), scanner(ScannerFrom(view, text, dwOptions, nWidth, 0)) {}
+    CTextReader text;
+    LineScanner scanner;
+};
+
+CRowWrapper::CRowWrapper(CZentrelCtrl& view, ISourceText* doc, DWORD dwOptions, long nWidth)
+    : m_pRun(std::make_unique<Run>(view, doc, dwOptions, nWidth)) {}
+
+CRowWrapper::~CRowWrapper() = default;
+
+long CRowWrapper::GetLength() const { return m_pRun->text.Length(); }
+
+long CRowWrapper::WrapRows(long nRows, CLineLengthList* pRows) {
+    CTextReader& text = m_pRun->text;
+    const long docLen = text.Length();
+    const long countBefore = pRows->m_nCount;
+    while (!m_bDone && pRows->m_nCount - countBefore < nRows) {
+        if (m_bEmptyRowDue) {
+            pRows->InsertAt(pRows->m_nCount, 0);
+            m_bDone = true;
+            break;
+        }
+        const ScannedLine row = docLen > 0 ? m_pRun->scanner.Scan(m_nPos) : ScannedLine{};
+        // A lead byte that is the last byte of the text leaves the rest as one row; so does a
+        // scan that could not move, which only a text shorter than it was made for gives.
+        const long length = row.runOver || row.newLen <= 0 ? docLen - m_nPos : row.newLen;
+        pRows->InsertAt(pRows->m_nCount, length);
+        m_nPos += length;
+        if (m_nPos < docLen) continue;
+        // The text ends: a final line feed is followed by an empty row.
+        m_bEmptyRowDue = docLen > 0 && text.At(docLen - 1) == kLF;
+        m_bDone = !m_bEmptyRowDue;
+    }
+    return pRows->m_nCount - countBefore;
 }
 
 template <class Table>

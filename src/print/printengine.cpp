@@ -9,6 +9,8 @@
 
 #include "platform/gdi/fontobject.h"
 #include "platform/window/paint.h"
+#include "src/layout/linelengthlist.h"
+#include "src/layout/rowwrapper.h"
 #include "src/layout/textreader.h"
 #include "src/resources/strings.h"
 #include "src/view/module.h"
@@ -184,6 +186,25 @@ PageLayout LayOutPage(CDC* dc, const CEditPageSetupDialog& setup, long lineHeigh
     return page;
 }
 
+// Lays out the rows of the next page into `pLines`, behind one row that stands for all the text
+// in front of them, so that each row keeps its place in the text and the table stays a page
+// long; false when no text is left for another page.
+bool LayOutNextPage(CRowWrapper& wrapper, long perPage, CLineIndex* pLines) {
+    CLineLengthList rows;
+    rows.InsertAt(0, wrapper.GetWrapped());
+    if (wrapper.WrapRows(perPage, &rows) == 0) return false;
+    pLines->Build(rows.Data(), rows.m_nCount);
+    return true;
+}
+
+// The pages of the job: exact once the layout is done, and until then the rows laid out so far
+// scaled up by the share of the text they cover.
+long EstimatePageCount(const CRowWrapper& wrapper, long rows, long perPage) {
+    if (!wrapper.IsDone() && wrapper.GetWrapped() > 0)
+        rows = static_cast<long>(static_cast<double>(rows) * wrapper.GetLength() / wrapper.GetWrapped());
+    return std::max(1L, (rows + perPage - 1) / perPage);
+}
+
 }  // namespace
 
 void CZentrelCtrl::PrintPages(CDC* dc, const char* lpszName) {
@@ -191,10 +212,14 @@ void CZentrelCtrl::PrintPages(CDC* dc, const char* lpszName) {
     if (setup.m_nColumns < CEditPageSetupDialog::kMinColumns || setup.m_nColumns > CEditPageSetupDialog::kMaxColumns)
         throw PrintError(FormatMessage(LoadString(IDS_BAD_COLUMNS), {std::to_string(CEditPageSetupDialog::kMinColumns),
                                                                      std::to_string(CEditPageSetupDialog::kMaxColumns)}));
+    // The window shows before the printer's metrics take over: while it comes up the desktop may
+    // have the application draw itself, and the view must still draw with the screen's.
+    CPrintProgressDialog progress(GetSafeHwnd());
     PreparePrinterDC(dc);
     BuildFontCache(dc, TRUE);
     const PageLayout page = LayOutPage(dc, setup, m_nLineHeight);
 
+    // The job's own table, laid out page by page just before each page prints (LayOutNextPage).
     CLineIndex lines;
     CTextReader text(m_pDoc);
     PaintContext paint;
@@ -206,12 +231,9 @@ void CZentrelCtrl::PrintPages(CDC* dc, const char* lpszName) {
     paint.nGutter = page.nGutter;
     paint.prcBounds = paint.prcUpdate = &page.rcColumn;
     const long wrapWidth = std::max(0L, page.rcColumn.Width() - m_nCharWidth - page.nGutter);
-    WrapAll(paint.dwOptions, wrapWidth, &lines);
+    CRowWrapper wrapper(*this, m_pDoc, paint.dwOptions, wrapWidth);
 
     const long perPage = page.nLinesPerColumn * setup.m_nColumns;
-    const long pages = (lines.m_nCount + perPage - 1) / perPage;
-    CPrintProgressDialog progress(GetSafeHwnd());
-    progress.SetPageCount(static_cast<int>(pages));
     std::string name = lpszName && *lpszName ? lpszName : "";
     if (name.empty()) {
         char path[kPathSize] = {};
@@ -221,9 +243,15 @@ void CZentrelCtrl::PrintPages(CDC* dc, const char* lpszName) {
     const std::time_t clock = std::time(nullptr);
     std::tm now{};
     localtime_r(&clock, &now);
-    const long nTotalHeight = m_nLineHeight * lines.m_nCount;
 
-    for (long nPage = 1; paint.nScrollY < nTotalHeight; ++nPage) {
+    long rowsPrinted = 0;
+    for (long nPage = 1;; ++nPage) {
+        if (!LayOutNextPage(wrapper, perPage, &lines)) break;
+        rowsPrinted += lines.m_nCount - 1;
+        const long pages = EstimatePageCount(wrapper, rowsPrinted, perPage);
+        if (pages != progress.GetPageCount()) progress.SetPageCount(static_cast<int>(pages));
+        paint.nScrollY = m_nLineHeight;  // behind the row of the text in front of the page
+        const long nTotalHeight = m_nLineHeight * lines.m_nCount;
         if (dc->StartPage() <= 0) throw PrintError(LoadString(IDS_PRINT_ERROR));
         PreparePrinterDC(dc);
         progress.SetPage(static_cast<int>(nPage));

@@ -7,6 +7,7 @@
 
 #include "platform/testing/testprinter.h"
 #include "src/print/pagesetup.h"
+#include "src/print/printprogress.h"
 #include "tests/view/viewfixture.h"
 
 namespace {
@@ -229,6 +230,30 @@ TEST_F(PrintJob, ALongJobNeverPaintsTheScreenInTheMiddle) {
     EXPECT_EQ(drawnAtPage.back(), 0u);
     EXPECT_EQ(printer().m_progressTexts.back(), "Page " + std::to_string(drawnAtPage.size()) + " of " +
                                                     std::to_string(drawnAtPage.size()) + " page(s)");
+}
+
+TEST_F(PrintJob, TheProgressAnimationMovesOnWithTheClockWhilePagesPrint) {
+    std::string text;
+    for (int i = 0; i < 100; ++i) text += "line " + std::to_string(i) + "\n";
+    Open(text);
+    Settings().m_strHeader = Settings().m_strFooter = "";
+    PaperForLines(2);
+    const std::vector<std::string>& pictures = printer().m_animationPictures;
+
+    // The clock stands still: every page shows the same frame.
+    ASSERT_TRUE(ctrl->PrintDocument(""));
+    ASSERT_EQ(pictures.size(), 51u) << "one picture a page";
+    EXPECT_EQ(std::set<std::string>(pictures.begin(), pictures.end()).size(), 1u);
+
+    // A frame's time passes with each page: each shows the next frame, and a flight later the first again.
+    printer().m_animationPictures.clear();
+    printer().m_onProgress = [&](int) { platform->AdvanceClock(CPrintAnimation::kFrameMs); };
+    ASSERT_TRUE(ctrl->PrintDocument(""));
+    constexpr size_t kFrames = CPrintAnimation::kFrames;
+    ASSERT_GT(pictures.size(), kFrames);
+    EXPECT_EQ(std::set<std::string>(pictures.begin(), pictures.end()).size(), kFrames);
+    for (size_t i = 1; i < pictures.size(); ++i) EXPECT_NE(pictures[i], pictures[i - 1]) << i;
+    EXPECT_EQ(pictures[kFrames], pictures[0]);
 }
 
 }  // namespace

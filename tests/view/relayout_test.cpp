@@ -1,12 +1,15 @@
 // The line table after every change of the text against a whole layout of the same text: random
 // inserts, deletes and replacements of line ends (LF, CR LF, lone CR), tabs, spaces, hyphens,
-// long words and double-byte characters, with word wrap at several widths and without it.
+// long words and double-byte characters, with word wrap at several widths and without it; and a
+// whole layout handed out row by row in pieces against the same layout made in one go.
 // ZENTREL_LONG_TESTS=1 runs many more edits.
 #include <cstdlib>
 #include <random>
 #include <sstream>
 
 #include "platform/codepage/codepage.h"
+#include "src/layout/linelengthlist.h"
+#include "src/layout/rowwrapper.h"
 #include "src/view/module.h"
 #include "tests/codepagescope.h"
 #include "tests/view/viewfixture.h"
@@ -92,6 +95,21 @@ protected:
         while (p < pos) p += IsLeadByte(static_cast<BYTE>(text[static_cast<size_t>(p)])) ? 2 : 1;
         return p == pos;
     }
+    // An empty string when a layout handed out in pieces of random sizes, as a printout asks for
+    // it, has the rows of a whole layout; else the first difference.
+    std::string PiecewiseDifference() {
+        CLineIndex fresh;
+        ctrl->WrapAll(ctrl->GetOptionsWord(), ctrl->BreakWidth(), &fresh);
+        CRowWrapper wrapper(*ctrl, ctrl->GetDocumentText(), ctrl->GetOptionsWord(), ctrl->BreakWidth());
+        CLineLengthList pieces;
+        while (!wrapper.IsDone())
+            if (wrapper.WrapRows(1 + static_cast<long>(rng() % 4), &pieces) == 0) return "a wrapper not done gave no row";
+        for (long i = 0; i < std::max<long>(pieces.m_nCount, fresh.m_nCount); ++i)
+            if (i >= pieces.m_nCount || i >= fresh.m_nCount || pieces.GetAt(i) != fresh.GetAt(i))
+                return "the wrapper's row " + std::to_string(i) + " differs from a whole layout's";
+        return {};
+    }
+
     std::mt19937 rng;
 };
 
@@ -111,6 +129,7 @@ TEST_P(Relayout, TheTableAfterEveryChangeIsAWholeLayoutOfTheText) {
             RandomEdit();
             ASSERT_EQ(DifferenceFromWholeLayout(*ctrl), "")
                 << "seed " << seed << ", from " << Escaped(before) << " to " << Escaped(doc->GetText());
+            ASSERT_EQ(PiecewiseDifference(), "") << "seed " << seed << ", text " << Escaped(doc->GetText());
         }
     }
 }
