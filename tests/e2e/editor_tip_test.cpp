@@ -53,11 +53,17 @@ TEST_F(EditorTip, RestingOnATagShowsItsDescriptionBelowTheMouse) {
     ASSERT_TRUE(Xdo({"search", "--onlyvisible", "--name", "tip.html", "mousemove", "--window", "%1", "300", "150"}));
     const std::optional<QPoint> mouse = Mouse();
     ASSERT_TRUE(mouse.has_value());
-    // The screen with the mouse away, then the mouse comes back to rest on the tag.
+    // The screen with the mouse away, then the mouse comes back to rest on the tag. A loaded
+    // machine may take the tip's five seconds to grab the screen once, so the rest is tried again
+    // when no grab caught the tip.
     ASSERT_TRUE(Xdo({"mousemove_relative", "0", "300"}));
     const QImage before = Grab("tip-before.png");
-    ASSERT_TRUE(Xdo({"mousemove", std::to_string(mouse->x()), std::to_string(mouse->y())}));
-    const QRect box = WaitForTip(before, *mouse, true, "tip-screen.png");
+    QRect box;
+    for (int rest = 0; rest < 3 && box.width() <= 40; ++rest) {
+        ASSERT_TRUE(Xdo({"mousemove", std::to_string(mouse->x()), std::to_string(mouse->y())}));
+        box = WaitForTip(before, *mouse, true, "tip-screen.png");
+        if (box.width() <= 40) ASSERT_TRUE(Xdo({"mousemove_relative", "0", "300"}));
+    }
     ASSERT_GT(box.width(), 40) << "no tip came up below the mouse at " << mouse->x() << "," << mouse->y();
     EXPECT_GE(box.top(), mouse->y());
     EXPECT_LT(box.top(), mouse->y() + 40);
