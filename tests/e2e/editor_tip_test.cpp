@@ -62,7 +62,9 @@ TEST_F(EditorTip, RestingOnATagShowsItsDescriptionBelowTheMouse) {
     for (int rest = 0; rest < 3 && box.width() <= 40; ++rest) {
         ASSERT_TRUE(Xdo({"mousemove", std::to_string(mouse->x()), std::to_string(mouse->y())}));
         box = WaitForTip(before, *mouse, true, "tip-screen.png");
-        if (box.width() <= 40) ASSERT_TRUE(Xdo({"mousemove_relative", "0", "300"}));
+        if (box.width() <= 40) {
+            ASSERT_TRUE(Xdo({"mousemove_relative", "0", "300"}));
+        }
     }
     ASSERT_GT(box.width(), 40) << "no tip came up below the mouse at " << mouse->x() << "," << mouse->y();
     EXPECT_GE(box.top(), mouse->y());
