@@ -134,6 +134,9 @@ public:
     // which a device of high density keeps instead, to draw it sharp at the same logical size.
     virtual BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) = 0;
     virtual bool IsPrinting() const { return false; }
+    // Whether what is drawn here stays out of sight until the drawing is done (a window's back
+    // buffer, a bitmap), so that a picture built in steps on it never shows half made.
+    virtual bool DrawsOffScreen() const { return false; }
 
     // --- For the window layer ---
     // The area a paint may touch; the whole device when not set.

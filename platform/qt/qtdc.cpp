@@ -4,6 +4,7 @@
 #include <QScreen>
 #include <QtMath>
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -234,7 +235,7 @@ bool CQtDC::GlyphCellsApply(const TextRunPrimitive& run, const CQtFont& font) co
     for (UINT i = 0; i < run.count; ++i) {
         const auto c = static_cast<BYTE>(run.text[i]);
         if (font.GlyphOf(c).face != CQtFont::kPrimary || font.Abc(c).abcA < 0 || run.advances[i] <= 0 ||
-            IsDBCSLeadByteEx(CP_ACP, c))
+            (c >= 0x80 && IsDBCSLeadByteEx(CP_ACP, c)))  // lead bytes are never ASCII
             return false;
     }
     return true;
@@ -248,36 +249,69 @@ bool CQtDC::TextCoversClip(const TextRunPrimitive& run) const {
     return run.origin.x <= run.clip->left && run.origin.x + extent >= run.clip->right;
 }
 
+namespace {
+
+// Copies `W` pixels of each of `rows` rows. Glyph cells are a few pixels wide, and a copy of a
+// width the compiler knows is a few moves, where a call of memcpy for each row costs more.
+template <size_t W>
+void CopyRowsOf(const QRgb* from, qsizetype fromStride, QRgb* to, qsizetype toStride, int rows) {
+    for (int y = 0; y < rows; ++y, from += fromStride, to += toStride) std::memcpy(to, from, W * sizeof(QRgb));
+}
+
+using RowCopy = void (*)(const QRgb*, qsizetype, QRgb*, qsizetype, int);
+
+template <size_t... W>
+constexpr std::array<RowCopy, sizeof...(W)> RowCopies(std::index_sequence<W...>) {
+    return {&CopyRowsOf<W>...};
+}
+
+// Copies of the widths that cells of text fonts have.
+constexpr auto kRowCopies = RowCopies(std::make_index_sequence<24>{});
+
+void CopyRows(const QRgb* from, qsizetype fromStride, QRgb* to, qsizetype toStride, int width, int rows) {
+    if (static_cast<size_t>(width) < kRowCopies.size()) {
+        kRowCopies[static_cast<size_t>(width)](from, fromStride, to, toStride, rows);
+        return;
+    }
+    for (int y = 0; y < rows; ++y, from += fromStride, to += toStride)
+        std::memcpy(to, from, static_cast<size_t>(width) * sizeof(QRgb));
+}
+
+}  // namespace
+
 void CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
     const RECT& clip = *run.clip;
+    CQtGlyphCells& cells = GlyphCells();
+    cells.Trim();
     CQtGlyphCells::Key key{font.Serial(), 0, 0, static_cast<quint16>(clip.Height()),
                            static_cast<qint16>(run.origin.y - clip.top), QColorFromColorRef(run.color).rgb(),
                            QColorFromColorRef(run.background).rgb()};
-    constexpr int kBytesPerPixel = 4;
-    uchar* bits = m_pImage->bits();
+    CQtGlyphCells::Palette& palette = cells.PaletteFor(key);
+    const int rows = clip.Height();
     const qsizetype stride = m_pImage->bytesPerLine();
+    const qsizetype pixelStride = stride / static_cast<qsizetype>(sizeof(QRgb));
+    uchar* const top = m_pImage->bits() + clip.top * stride;
     // Ink that a glyph throws past its cell lands on the next cell once that is copied.
     const CQtGlyphCells::Cell* pending = nullptr;
     LONG x = run.origin.x, pendingAt = 0;
     for (UINT i = 0; i < run.count; ++i) {
         const auto c = static_cast<BYTE>(run.text[i]);
         const int advance = run.advances[i];
-        key.glyph = font.GlyphOf(c).index;
-        key.width = static_cast<quint16>(advance);
-        const CQtGlyphCells::Cell& cell = GlyphCells().Get(font, CQtFont::kPrimary, key, std::max(0, -font.Abc(c).abcC));
-        const LONG left = std::max(x, clip.left), right = std::min(x + advance, clip.right);
-        if (left < right) {
-            const uchar* from = cell.block.constBits() + (left - x) * kBytesPerPixel;
-            uchar* to = bits + clip.top * stride + left * kBytesPerPixel;
-            const size_t bytes = static_cast<size_t>(right - left) * kBytesPerPixel;
-            for (LONG y = clip.top; y < clip.bottom; ++y, from += cell.block.bytesPerLine(), to += stride)
-                std::memcpy(to, from, bytes);
+        const CQtGlyphCells::Cell*& cell = palette.cells[c];
+        if (!cell || cell->width != advance) {
+            key.glyph = font.GlyphOf(c).index;
+            key.width = static_cast<quint16>(advance);
+            cell = &cells.Get(font, CQtFont::kPrimary, key, std::max(0, -font.Abc(c).abcC));
         }
+        const LONG left = std::max(x, clip.left), right = std::min(x + advance, clip.right);
+        if (left < right)
+            CopyRows(cell->pixels + (left - x), cell->stride, reinterpret_cast<QRgb*>(top) + left, pixelStride,
+                     static_cast<int>(right - left), rows);
         if (pending && pendingAt < clip.right)
-            CQtGlyphCells::BlendOverhang(*pending, key.fore, bits + clip.top * stride + pendingAt * kBytesPerPixel, stride,
+            CQtGlyphCells::BlendOverhang(*pending, key.fore, top + pendingAt * static_cast<qsizetype>(sizeof(QRgb)), stride,
                                          static_cast<int>(clip.right - pendingAt));
         x += advance;
-        pending = cell.overhang > 0 ? &cell : nullptr;
+        pending = cell->overhang > 0 ? cell : nullptr;
         pendingAt = x;
     }
     Drew(QRectFromRect(clip));

@@ -30,10 +30,24 @@ size_t CQtGlyphCells::Hash::operator()(const Key& k) const {
     return static_cast<size_t>(h ^ (h >> 29));
 }
 
+void CQtGlyphCells::Trim() {
+    if (m_cells.size() < kLimit) return;
+    m_palettes.clear();
+    m_cells.clear();
+}
+
+CQtGlyphCells::Palette& CQtGlyphCells::PaletteFor(const Key& key) {
+    Key common = key;
+    common.glyph = 0;
+    common.width = 0;
+    std::unique_ptr<Palette>& palette = m_palettes[common];
+    if (!palette) palette = std::make_unique<Palette>();
+    return *palette;
+}
+
 const CQtGlyphCells::Cell& CQtGlyphCells::Get(const CQtFont& font, CQtFont::Face face, const Key& key, int overhang) {
     auto it = m_cells.find(key);
     if (it != m_cells.end()) return it->second;
-    if (m_cells.size() >= kLimit) m_cells.clear();
     Cell cell;
     cell.block = Drawn(font, face, key.glyph, key.width, key.height, key.baseline, key.fore, key.back);
     if (overhang > 0) {
@@ -48,7 +62,11 @@ const CQtGlyphCells::Cell& CQtGlyphCells::Get(const CQtFont& font, CQtFont::Face
                 for (int channel : {qRed(row[x]), qGreen(row[x]), qBlue(row[x])}) cell.coverage.push_back(static_cast<uint8_t>(channel));
         }
     }
-    return m_cells.emplace(key, std::move(cell)).first->second;
+    Cell& kept = m_cells.emplace(key, std::move(cell)).first->second;
+    kept.pixels = reinterpret_cast<const QRgb*>(kept.block.constBits());
+    kept.stride = kept.block.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb));
+    kept.width = kept.block.width();
+    return kept;
 }
 
 void CQtGlyphCells::BlendOverhang(const Cell& cell, QRgb fore, uchar* to, qsizetype stride, int count) {
