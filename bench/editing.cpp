@@ -11,11 +11,13 @@
 // Built with QScintilla, the same workloads run on a QScintilla widget, with each figure's
 // ratio (peer time / ours: above 1 means faster than the peer). The peer's drag frame is its
 // selection extended by the rows that our frame scrolls, with the caret scrolled into view; its
-// bursts and page runs are shorter (see kPeerBurst), and their medians are compared.
+// bursts and page runs are shorter (see kPeerBurst), and their medians are compared. The peer
+// leaves out the sizes that its budget refuses (bench/peerworkloads.h), with a line saying so.
 // Usage: bench_editing [MEGABYTES...]   (ZENTREL_BENCH_NO_PEER=1 leaves the peer out)
 #include <QApplication>
 #include <QClipboard>
 #include <cstdlib>
+#include <malloc.h>
 #include <string>
 #include <vector>
 
@@ -131,9 +133,12 @@ void MeasureSize(double megabytes) {
 }
 
 #ifdef ZENTREL_HAVE_QSCINTILLA
-void PeerSize(double megabytes) {
-    const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
+// Every workload of one size on the peer; gives the resident bytes the peer took per byte of text.
+double PeerSize(double megabytes, const std::string& tag) {
+    malloc_trim(0);
+    const double before = ResidentBytes();
     CPeer peer(htmlgen::GenerateHtml(static_cast<size_t>(megabytes * 1e6)), true);
+    const double perByte = (ResidentBytes() - before) / (megabytes * 1e6);
     const long mid = peer.Length() / 2;
     peer.Send(QsciScintillaBase::SCI_SETEMPTYSELECTION, static_cast<unsigned long>(mid));
     peer.Send(QsciScintillaBase::SCI_SCROLLCARET);
@@ -183,6 +188,7 @@ void PeerSize(double megabytes) {
             QApplication::processEvents();
         });
     ReportPeer("paste_10mb_into_" + tag, paste, "ms");
+    return perByte;
 }
 #endif
 
@@ -194,7 +200,14 @@ int main(int argc, char** argv) {
     };
 #ifdef ZENTREL_HAVE_QSCINTILLA
     return RunViewBenchmark(argc, argv, ours, [](const std::vector<double>& sizes) {
-        for (double megabytes : sizes) PeerSize(megabytes);
+        CPeerBudget budget("peer");
+        for (double megabytes : sizes) {
+            const std::string tag = std::to_string(static_cast<int>(megabytes)) + "mb";
+            if (!budget.Allows(megabytes, tag)) continue;
+            const auto t0 = Clock::now();
+            const double perByte = PeerSize(megabytes, tag);
+            budget.Measured(megabytes, SecondsSince(t0), perByte);
+        }
     });
 #else
     return RunViewBenchmark(argc, argv, ours, nullptr);
