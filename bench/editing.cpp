@@ -3,7 +3,8 @@
 //   - a burst of typed characters in the middle, each through the whole path: WM_CHAR, the
 //     document's edit, the notifications, the repair of the layout, and the repaint of what
 //     changed (us per character, median and p99);
-//   - Page Down from the top to the end of the text, each page repainted (us per page, median);
+//   - Page Down from the top to the end of the text, or for kPages pages at most, each page
+//     repainted (us per page, median);
 //   - a drag selection held below the window, which scrolls the view a few rows a frame, each
 //     frame repainted, until it has gone over 10,000 rows (us per frame, median);
 //   - a paste of 10 MB of HTML from the system clipboard in the middle, through the repaint
@@ -40,6 +41,8 @@ constexpr int kBurst = 10000;
 // 100 MB; it types a shorter burst, and pages through the first pages only.
 constexpr int kPeerBurst = 200;
 constexpr int kPeerPages = 2000;
+// Enough to page through 100 MB; through 1000 MB it would take a quarter of an hour.
+constexpr size_t kPages = 40000;
 constexpr long kDragRows = 10000;
 // How far below the window the mouse rests during the drag, in rows.
 constexpr int kRowsBelow = 3;
@@ -79,7 +82,7 @@ void MeasurePageDown(CView& view, CHtmlDocument* doc, const std::string& tag) {
     UpdateWindow(view.Hwnd());
     std::vector<double> micros;
     const long end = doc->GetLength();
-    while (view->GetSelectionStart() < end) {
+    while (view->GetSelectionStart() < end && micros.size() < kPages) {
         const auto t0 = Clock::now();
         SendMessage(view.Hwnd(), WM_KEYDOWN, VK_NEXT, 1);
         UpdateWindow(view.Hwnd());
