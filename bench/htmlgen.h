@@ -3,10 +3,12 @@
 // nesting; line ends switch between LF and CR LF every few hundred lines. Lines average about
 // 70 bytes. The same seed gives the same text.
 #pragma once
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace htmlgen {
 
@@ -29,6 +31,13 @@ inline const char* Element(std::mt19937& rng) {
     return kBlocks[std::uniform_int_distribution<size_t>(0, std::size(kBlocks) - 1)(rng)];
 }
 
+// Appends a number in decimal.
+inline void Number(std::string& out, int n) {
+    char digits[16];
+    const auto end = std::to_chars(digits, digits + sizeof digits, n).ptr;
+    out.append(digits, end);
+}
+
 // One line of content, without indentation and line end.
 inline void ContentLine(std::string& out, std::mt19937& rng) {
     int kind = std::uniform_int_distribution<int>(0, 99)(rng);
@@ -36,15 +45,21 @@ inline void ContentLine(std::string& out, std::mt19937& rng) {
     if (kind < 45) {
         out += "<p class=\"text\">";
         Words(out, rng, 4 + n % 5);
-        out += " <a href=\"/page/" + std::to_string(n) + ".html\">";
+        out += " <a href=\"/page/";
+        Number(out, n);
+        out += ".html\">";
         Words(out, rng, 1 + n % 2);
         out += "</a>.</p>";
     } else if (kind < 65) {
-        out += "<li><span style=\"color: #" + std::to_string(100000 + n % 900000) + "\">";
+        out += "<li><span style=\"color: #";
+        Number(out, 100000 + n % 900000);
+        out += "\">";
         Words(out, rng, 2 + n % 4);
         out += "</span></li>";
     } else if (kind < 80) {
-        out += "<td align=\"left\" width=\"" + std::to_string(n % 400) + "\">";
+        out += "<td align=\"left\" width=\"";
+        Number(out, n % 400);
+        out += "\">";
         Words(out, rng, 2 + n % 3);
         out += "</td>";
     } else if (kind < 88) {
@@ -52,12 +67,19 @@ inline void ContentLine(std::string& out, std::mt19937& rng) {
         Words(out, rng, 3 + n % 4);
         out += " -->";
     } else if (kind < 94) {
-        out += "<img src=\"images/pic" + std::to_string(n) + ".png\" alt=\"";
+        out += "<img src=\"images/pic";
+        Number(out, n);
+        out += ".png\" alt=\"";
         Words(out, rng, 2);
         out += "\" width=\"64\" height=\"48\">";
     } else {
-        out += "<script>var item" + std::to_string(n) + " = { id: " + std::to_string(n % 977) +
-               ", name: \"" + Word(rng) + "\" };</script>";
+        out += "<script>var item";
+        Number(out, n);
+        out += " = { id: ";
+        Number(out, n % 977);
+        out += ", name: \"";
+        out += Word(rng);
+        out += "\" };</script>";
     }
 }
 
@@ -72,19 +94,31 @@ inline std::string GenerateHtml(size_t bytes, uint32_t seed = 1) {
     while (out.size() < bytes) {
         if (++lines % 400 == 0) crlf = !crlf;
         int kind = std::uniform_int_distribution<int>(0, 99)(rng);
-        std::string indent(open.size(), '\t');
         if (kind < 12 && open.size() < 10) {
             const char* name = Element(rng);
-            out += indent + "<" + name + " class=\"" + Word(rng) + "-" + Word(rng) + "\" id=\"n" +
-                   std::to_string(lines) + "\">";
+            // The class's second word is drawn first: the order the generated pages have always had.
+            const char* second = Word(rng);
+            out.append(open.size(), '\t');
+            out += '<';
+            out += name;
+            out += " class=\"";
+            out += Word(rng);
+            out += '-';
+            out += second;
+            out += "\" id=\"n";
+            Number(out, static_cast<int>(lines));
+            out += "\">";
             open.push_back(name);
         } else if (kind < 24 && !open.empty()) {
-            out += std::string(open.size() - 1, '\t') + "</" + open.back() + ">";
+            out.append(open.size() - 1, '\t');
+            out += "</";
+            out += open.back();
+            out += '>';
             open.pop_back();
         } else if (kind < 28) {
             // a blank line
         } else {
-            out += indent;
+            out.append(open.size(), '\t');
             ContentLine(out, rng);
         }
         out += crlf ? "\r\n" : "\n";

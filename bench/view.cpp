@@ -6,7 +6,8 @@
 //     with a full repaint (us, median and p99 over 200);
 //   - a full repaint of the window (ms, median and p99 over 100);
 //   - a jump to the middle and to the end of a text just put in, through the paint (ms);
-//   - a text put into a document that the view shows, as a host's file load is (MB/s);
+//   - a text put into a document that the view shows, as a host's file load is, through the
+//     first paint (MB/s, and ms);
 //   - the line table's memory per line, and the process's memory per byte of text after the
 //     load and layout, and again once the whole text is classified;
 // and once:
@@ -19,7 +20,8 @@
 // QPlainTextEdit with an HTML highlighter ("plaintext_", "ratio_plaintext_"), which gives the
 // jumps, the typed characters, the repaint, the load through the first paint, and its memory
 // once the whole text is coloured. A peer leaves out a size that the last one says would take
-// over 60 s or 8 GB (ZENTREL_BENCH_PEER_SECONDS, ZENTREL_BENCH_PEER_GB), with a line saying so.
+// over 60 s or 6 GB (ZENTREL_BENCH_PEER_SECONDS, ZENTREL_BENCH_PEER_GB), and a first size above
+// 100 MB, with a line saying so.
 // Usage: bench_view [MEGABYTES...]   (ZENTREL_BENCH_NO_PEER=1 leaves the peers out)
 #include <QApplication>
 #include <QWidget>
@@ -124,7 +126,9 @@ void MeasureLoadIntoView(const std::string& text, double megabytes, const std::s
     const auto t0 = Clock::now();
     doc->SetText(text);
     UpdateWindow(view.Hwnd());
-    Report("load_into_view_" + tag, megabytes / SecondsSince(t0), "MB/s");
+    const double seconds = SecondsSince(t0);
+    Report("load_into_view_" + tag, megabytes / seconds, "MB/s");
+    Report("open_to_first_paint_" + tag, seconds * 1e3, "ms");
 }
 
 void MeasureSize(double megabytes) {

@@ -16,6 +16,15 @@ void SetNibble(uint8_t* buf, long i, uint8_t code) {
 
 uint8_t GetNibble(const uint8_t* buf, long i) { return static_cast<uint8_t>((buf[i >> 1] >> ((i & 1) << 2)) & 0xF); }
 
+// Copies nibbles one at a time, first to last or last to first.
+void MoveNibblesOneByOne(uint8_t* dst, long to, const uint8_t* src, long from, long count, bool forward) {
+    if (forward) {
+        for (long i = 0; i < count; ++i) SetNibble(dst, to + i, GetNibble(src, from + i));
+    } else {
+        for (long i = count - 1; i >= 0; --i) SetNibble(dst, to + i, GetNibble(src, from + i));
+    }
+}
+
 }  // namespace
 
 void CClassStore::Reset(long length) {
@@ -64,11 +73,26 @@ void CClassStore::MoveNibbles(uint8_t* dst, long to, const uint8_t* src, long fr
         if (last) SetNibble(dst, end - 1, tail);
         return;
     }
-    // Different parity: nibble by nibble, in the direction that overlap allows.
-    if (dst != src || to < from) {
-        for (long i = 0; i < count; ++i) SetNibble(dst, to + i, GetNibble(src, from + i));
+    // Different parity: the odd edges nibble by nibble; between them each byte of the target
+    // joins the high nibble of one source byte to the low nibble of the next. Going forward is
+    // safe where the target lies in front of the source, backward where it lies behind.
+    const bool forward = dst != src || to < from;
+    const long head = to & 1, tail = (to + count) & 1;
+    if (count <= head + tail) {
+        MoveNibblesOneByOne(dst, to, src, from, count, forward);
+        return;
+    }
+    const long bytes = (count - head - tail) / 2;
+    uint8_t* out = dst + (to + head) / 2;
+    const uint8_t* in = src + (from + head) / 2;  // the source's nibbles start in the high half
+    if (forward) {
+        if (head) SetNibble(dst, to, GetNibble(src, from));
+        for (long j = 0; j < bytes; ++j) out[j] = static_cast<uint8_t>((in[j] >> 4) | (in[j + 1] << 4));
+        if (tail) SetNibble(dst, to + count - 1, GetNibble(src, from + count - 1));
     } else {
-        for (long i = count - 1; i >= 0; --i) SetNibble(dst, to + i, GetNibble(src, from + i));
+        if (tail) SetNibble(dst, to + count - 1, GetNibble(src, from + count - 1));
+        for (long j = bytes - 1; j >= 0; --j) out[j] = static_cast<uint8_t>((in[j] >> 4) | (in[j + 1] << 4));
+        if (head) SetNibble(dst, to, GetNibble(src, from));
     }
 }
 

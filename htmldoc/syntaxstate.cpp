@@ -304,9 +304,11 @@ void CSyntaxState::NoteOutsideEdit(long from, long to, uint8_t code) {
 
 void CSyntaxState::NoteOverGuesses(long from, long end, uint8_t code) {
     if (from >= end || m_guesses.empty() || end <= m_guesses.front().start) return;
-    for (const CGuess& g : m_guesses) {
-        if (g.start >= end) break;
-        if (g.end > from) NoteOutsideEdit(std::max(from, g.start), std::min(end, g.end), code);
+    // Found by halving: thousands of far jumps leave thousands of windows, and every run of
+    // codes the lexer gives comes here.
+    for (size_t i = GuessAfter(from); i < m_guesses.size() && m_guesses[i].start < end; ++i) {
+        const CGuess& g = m_guesses[i];
+        NoteOutsideEdit(std::max(from, g.start), std::min(end, g.end), code);
     }
 }
 

@@ -68,7 +68,7 @@ void CBookmarkManager::SetDocument(ISourceText* doc) {
 
 CBookmark* CBookmarkManager::GetAt(long index) const {
     if (index < 0 || index >= GetCount()) return nullptr;
-    return m_bookmarks[static_cast<size_t>(index)].get();
+    return m_bookmarks[m_bookmarks.size() - 1 - static_cast<size_t>(index)].get();
 }
 
 void CBookmarkManager::FireChanged(bool set, const std::string& name) {
@@ -80,9 +80,25 @@ CBookmark* CBookmarkManager::PushFront(const std::string& name, long activePos, 
     if (!bookmark->Init(this, name, activePos, anchorPos)) return nullptr;
     CBookmark* added = bookmark.get();
     added->SetSerial(++m_nNextSerial);
-    m_bookmarks.insert(m_bookmarks.begin(), std::move(bookmark));
+    m_bookmarks.push_back(std::move(bookmark));
     m_index.Insert(added);
+    FileName(added);
     return added;
+}
+
+void CBookmarkManager::FileName(CBookmark* bookmark) {
+    std::vector<CBookmark*>& same = m_byName[bookmark->GetName()];
+    const auto at = std::partition_point(same.begin(), same.end(), [bookmark](const CBookmark* b) {
+        return b->GetSerial() < bookmark->GetSerial();
+    });
+    same.insert(at, bookmark);
+}
+
+void CBookmarkManager::UnfileName(CBookmark* bookmark) {
+    const auto it = m_byName.find(bookmark->GetName());
+    if (it == m_byName.end()) return;
+    std::erase(it->second, bookmark);
+    if (it->second.empty()) m_byName.erase(it);
 }
 
 CBookmark* CBookmarkManager::Add(long activePos, long anchorPos, const std::string& name) {
@@ -102,11 +118,15 @@ CBookmark* CBookmarkManager::InsertLoaded(const std::string& name, long activePo
 }
 
 BOOL CBookmarkManager::Remove(CBookmark* bookmark) {
-    auto it = std::find_if(m_bookmarks.begin(), m_bookmarks.end(),
-                           [bookmark](const std::unique_ptr<CBookmark>& b) { return b.get() == bookmark; });
-    if (it == m_bookmarks.end()) return FALSE;
+    if (!bookmark) return FALSE;
+    // Serials ascend along the list, so the halving finds the only place it can be.
+    const auto it = std::partition_point(m_bookmarks.begin(), m_bookmarks.end(), [bookmark](const std::unique_ptr<CBookmark>& b) {
+        return b->GetSerial() < bookmark->GetSerial();
+    });
+    if (it == m_bookmarks.end() || it->get() != bookmark) return FALSE;
     const std::string name = (*it)->GetName();
     m_index.Erase(bookmark);
+    UnfileName(bookmark);
     m_bookmarks.erase(it);
     FireChanged(false, name);
     return TRUE;
@@ -116,15 +136,21 @@ void CBookmarkManager::RemoveAll() {
     if (!m_pDoc) return;
     std::vector<std::unique_ptr<CBookmark>> gone;
     m_index.Clear();
+    m_byName.clear();
     gone.swap(m_bookmarks);
-    gone.clear();
+    while (!gone.empty()) gone.pop_back();  // newest first, each giving its range back
     FireChanged(false, std::string());
 }
 
 CBookmark* CBookmarkManager::FindByName(const std::string& name) const {
-    for (const auto& b : m_bookmarks)
-        if (b->GetName() == name) return b.get();
-    return nullptr;
+    const auto it = m_byName.find(name);
+    return it == m_byName.end() ? nullptr : it->second.back();
+}
+
+void CBookmarkManager::Rename(CBookmark* bookmark, const std::string& name) {
+    UnfileName(bookmark);
+    bookmark->m_strName = name;
+    FileName(bookmark);
 }
 
 CBookmark* CBookmarkManager::FindAtPosition(long pos) const {

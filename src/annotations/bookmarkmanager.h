@@ -5,6 +5,7 @@
 #pragma once
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/com/classfactory.h"
@@ -33,13 +34,14 @@ public:
     int GetBitmapId() const;
 
     const std::string& GetName() const { return m_strName; }
-    void SetName(std::string name) { m_strName = std::move(name); }
     ISourceRange* GetRange() const { return m_pRange.Get(); }
     // Higher for a bookmark put in the list later: the newest of a line is the one shown.
     unsigned long GetSerial() const { return m_nSerial; }
     void SetSerial(unsigned long serial) { m_nSerial = serial; }
 
 private:
+    friend class CBookmarkManager;  // renames through the manager, which finds bookmarks by name
+
     CModuleLock m_moduleLock;  // a live bookmark keeps the module loaded
     CBookmarkManager* m_pManager = nullptr;
     unsigned long m_nSerial = 0;
@@ -72,6 +74,8 @@ public:
     void RemoveAll();
     // The first bookmark of the name, case-sensitively, newest first; null if none.
     CBookmark* FindByName(const std::string& name) const;
+    // Gives the bookmark another name; its place in the list stays.
+    void Rename(CBookmark* bookmark, const std::string& name);
     // The newest bookmark whose lower end lies on the line of `pos`; null if none.
     CBookmark* FindAtPosition(long pos) const;
     // Keeps the lookup by position right after a change of the document's text that may have
@@ -82,10 +86,16 @@ private:
     void FireChanged(bool set, const std::string& name);
     // Makes a bookmark and puts it at the front of the list; null if its range cannot be made.
     CBookmark* PushFront(const std::string& name, long activePos, long anchorPos);
+    // Files the bookmark under its name, or takes it out of that file.
+    void FileName(CBookmark* bookmark);
+    void UnfileName(CBookmark* bookmark);
 
     CZentrelCtrl* m_pOwner = nullptr;
     ISourceText* m_pDoc = nullptr;  // not counted: the control holds the document
+    // The list, oldest first, so that a new bookmark goes on at the back; serials ascend along it.
     std::vector<std::unique_ptr<CBookmark>> m_bookmarks;
+    // The same bookmarks by name, each name's oldest first: names repeat after a load or a rename.
+    std::unordered_map<std::string, std::vector<CBookmark*>> m_byName;
     CBookmarkIndex m_index;          // the same bookmarks by position
     unsigned long m_nNextSerial = 0;
 };

@@ -75,6 +75,6 @@ CBookmark& CZentrelCtrl::BookmarkAt(long nIndex) const {
 std::string CZentrelCtrl::GetBookmarkName(long nIndex) const { return BookmarkAt(nIndex).GetName(); }
 
 void CZentrelCtrl::SetBookmarkName(long nIndex, const std::string& name) {
-    BookmarkAt(nIndex).SetName(name);
+    m_Bookmarks.Rename(&BookmarkAt(nIndex), name);
     SetModifiedFlag();
 }
