@@ -19,11 +19,11 @@ export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
 run() {
   if [ "${ZENTREL_BENCH_RUNS:-1}" = 1 ]; then "$@"; else scripts/bench-runs.sh "$@"; fi
 }
-for program in lineindex htmldoc encodings syntax qtdc extrainfo automation; do
+for program in lineindex htmldoc encodings syntax qtdc extrainfo automation paint print; do
   echo "== bench_$program =="
   run build/bench/bench_$program
 done
-for program in view editing folding; do
+for program in view editing folding picker accessibility; do
   echo "== bench_$program ${sizes[*]} =="
   run build/bench/bench_$program "${sizes[@]}"
 done
