@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "src/edit/completionscan.h"
+#include "tests/platform/casefile.h"
 
 namespace {
 
@@ -18,20 +19,6 @@ char Letter(long context) {
                                                   {CTX_TAGNAME, 'n'}, {CTX_ATTRIBUTE, 'a'}, {CTX_VALUE, 'v'}};
     const auto it = kLetters.find(context);
     return it == kLetters.end() ? '?' : it->second;
-}
-
-// \r, \n, \t and \\ in the data.
-std::string Unescape(const std::string& s) {
-    std::string out;
-    for (size_t i = 0; i < s.size(); ++i) {
-        if (s[i] != '\\' || i + 1 == s.size()) {
-            out += s[i];
-            continue;
-        }
-        const char c = s[++i];
-        out += c == 'r' ? '\r' : c == 'n' ? '\n' : c == 't' ? '\t' : c;
-    }
-    return out;
 }
 
 std::string Dash(const std::string& s) { return s.empty() ? "-" : s; }
@@ -47,7 +34,7 @@ ContextData ReadData() {
     ContextData data;
     std::string line, text;
     for (int number = 1; std::getline(in, line); ++number) {
-        if (line.rfind("< ", 0) == 0) text = Unescape(line.substr(2));
+        if (line.rfind("< ", 0) == 0) text = UnescapeCaseField(line.substr(2));
         if (line.rfind("> ", 0) == 0) data.lines.emplace_back(text, line.substr(2));
         if (line.rfind("@ ", 0) == 0) data.places.emplace_back(line.substr(2), number);
     }
@@ -74,7 +61,7 @@ TEST(CompletionScan, RangeAndNamesAtPlaces) {
     for (const auto& [place, number] : data.places) {
         const size_t bar = place.find(" | ");
         ASSERT_NE(bar, std::string::npos) << "line " << number;
-        std::string text = Unescape(place.substr(bar + 3));
+        std::string text = UnescapeCaseField(place.substr(bar + 3));
         const size_t caret = text.find("{|}");
         ASSERT_NE(caret, std::string::npos) << "line " << number;
         text.erase(caret, 3);
