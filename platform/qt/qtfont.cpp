@@ -1,12 +1,14 @@
 #include "platform/qt/qtfont.h"
 
 #include <QFont>
+#include <QCoreApplication>
 #include <QFontDatabase>
 #include <QHash>
 #include <QtMath>
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "platform/codepage/codepage.h"
 #include "platform/codepage/convert.h"
@@ -96,9 +98,51 @@ CQtFont::CQtFont() {
     m_nSerial = ++serials;
 }
 
+namespace {
+
+bool SameRequest(const LOGFONTA& a, const LOGFONTA& b) {
+    return a.lfHeight == b.lfHeight && a.lfWidth == b.lfWidth && a.lfEscapement == b.lfEscapement &&
+           a.lfOrientation == b.lfOrientation && a.lfWeight == b.lfWeight && a.lfItalic == b.lfItalic &&
+           a.lfUnderline == b.lfUnderline && a.lfStrikeOut == b.lfStrikeOut && a.lfCharSet == b.lfCharSet &&
+           a.lfOutPrecision == b.lfOutPrecision && a.lfClipPrecision == b.lfClipPrecision &&
+           a.lfQuality == b.lfQuality && a.lfPitchAndFamily == b.lfPitchAndFamily &&
+           strncmp(a.lfFaceName, b.lfFaceName, LF_FACESIZE) == 0;
+}
+
+// The fonts realised last, newest first. Realising one looks up and measures the glyph of every
+// byte, which takes milliseconds, and a printout makes its header and footer fonts anew for each
+// page; a realised font never changes, so the same request in the same code page gets it again.
+struct RealisedFont {
+    LOGFONTA request;
+    UINT codePage;
+    std::shared_ptr<CQtFont> font;
+};
+constexpr size_t kRealisedFontsKept = 16;
+
+// Emptied when the application goes, while Qt's font engines are still there to release.
+std::vector<RealisedFont>& RealisedFonts() {
+    static std::vector<RealisedFont> fonts;
+    static const bool emptiedAtExit = (qAddPostRoutine([] { RealisedFonts().clear(); }), true);
+    (void)emptiedAtExit;
+    return fonts;
+}
+
+}  // namespace
+
 std::shared_ptr<CQtFont> CQtFont::Create(const LOGFONTA& lf) {
+    std::vector<RealisedFont>& kept = RealisedFonts();
+    const UINT codePage = GetProcessCodePage();
+    const auto same = std::find_if(kept.begin(), kept.end(), [&](const RealisedFont& f) {
+        return f.codePage == codePage && SameRequest(f.request, lf);
+    });
+    if (same != kept.end()) {
+        std::rotate(kept.begin(), same, same + 1);
+        return kept.front().font;
+    }
     std::shared_ptr<CQtFont> font(new CQtFont);
     if (!font->Realise(lf)) return nullptr;
+    if (kept.size() == kRealisedFontsKept) kept.pop_back();
+    kept.insert(kept.begin(), RealisedFont{lf, codePage, font});
     return font;
 }
 
