@@ -19,13 +19,7 @@ namespace {
 using namespace bench;
 
 double MedianRepaint(CView& view, int repaints, const std::string& name) {
-    std::vector<double> millis;
-    millis.reserve(static_cast<size_t>(repaints));
-    for (int i = 0; i < repaints; ++i) {
-        const auto t0 = Clock::now();
-        view.RepaintAll();
-        millis.push_back(1e3 * SecondsSince(t0));
-    }
+    const std::vector<double> millis = RepaintTimes(view, repaints);
     PrintMedianAndP99(name, millis, "ms");
     return Percentile(millis, 0.5);
 }

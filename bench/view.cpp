@@ -89,13 +89,7 @@ void MeasureTyping(CView& view, CHtmlDocument* doc, const std::string& tag, bool
 }
 
 void MeasureRepaint(CView& view, const std::string& tag) {
-    std::vector<double> millis;
-    for (int i = 0; i < kRepaints; ++i) {
-        const auto t0 = Clock::now();
-        view.RepaintAll();
-        millis.push_back(1e3 * SecondsSince(t0));
-    }
-    ReportMedianAndP99("repaint_" + tag, millis, "ms");
+    ReportMedianAndP99("repaint_" + tag, RepaintTimes(view, kRepaints), "ms");
 }
 
 // A jump from the top of a freshly loaded text, not yet classified, to its middle and to its

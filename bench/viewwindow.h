@@ -62,6 +62,18 @@ inline std::vector<double> TypeBurst(CView& view, int count) {
     return micros;
 }
 
+// Repaints the whole window `count` times; gives the milliseconds of each.
+inline std::vector<double> RepaintTimes(CView& view, int count) {
+    std::vector<double> millis;
+    millis.reserve(static_cast<size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        const auto t0 = Clock::now();
+        view.RepaintAll();
+        millis.push_back(1e3 * SecondsSince(t0));
+    }
+    return millis;
+}
+
 // Runs a view benchmark: a Qt application (offscreen without a display) with the Qt backend
 // installed, the sizes from the command line in megabytes (default 1 10 100), our workloads and
 // then, unless ZENTREL_BENCH_NO_PEER is set, the peer's.

@@ -328,8 +328,6 @@ private:
     CPagePreview* m_pPreview = nullptr;
 };
 
-// The progress window. It is drawn by repaint at each page, since the job holds the thread and
-// no events are served; its Cancel is shown disabled, because a started job runs to its end.
 // The box of the progress window that shows the control's animation.
 class CAnimationBox final : public QWidget {
 public:
@@ -355,6 +353,8 @@ private:
     IPrintAnimation* m_pAnimation = nullptr;
 };
 
+// The progress window. It is drawn by repaint at each page, since the job holds the thread and
+// no events are served; its Cancel is shown disabled, because a started job runs to its end.
 class CQtPrintProgress final : public IPrintProgress {
 public:
     CQtPrintProgress(QWidget* parent, const std::string& title) : m_dialog(parent) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "platform/gdi/geometry.h"
 #include "platform/window/olecontrol.h"
 #include "platform/window/window.h"
 #include "src/resources/strings.h"
@@ -20,11 +21,9 @@ constexpr COLORREF kPrinterBody = 0x707070, kPrinterTop = 0x909090, kSlot = 0x20
 constexpr LONG kSheetWidth = 22, kSheetHeight = 28;
 constexpr LONG kFlightTop = 4, kFlightArc = 16;  // the sheet's highest point, and how far the arc sags
 
-RECT Offset(const RECT& rc, LONG x, LONG y) { return RECT{rc.left + x, rc.top + y, rc.right + x, rc.bottom + y}; }
-
 // A sheet with its outline and a few lines of text, its top left at (x, y) of `at`.
 void PaintSheet(CDC* dc, const RECT& at, LONG x, LONG y) {
-    const RECT sheet = Offset(RECT{0, 0, kSheetWidth, kSheetHeight}, at.left + x, at.top + y);
+    const RECT sheet = OffsetRect(RECT{0, 0, kSheetWidth, kSheetHeight}, at.left + x, at.top + y);
     dc->FillSolidRect(sheet, kInk);
     dc->FillSolidRect(RECT{sheet.left + 1, sheet.top + 1, sheet.right - 1, sheet.bottom - 1}, kPaper);
     for (LONG line = 0; line < 4; ++line) {
@@ -37,15 +36,12 @@ void PaintSheet(CDC* dc, const RECT& at, LONG x, LONG y) {
 
 SIZE CPrintAnimation::GetSize() const { return SIZE{kWidth, kHeight}; }
 
-bool CPrintAnimation::Advance(DWORD now) {
+void CPrintAnimation::Advance(DWORD now) {
     if (!m_bStarted) {
         m_bStarted = true;
         m_dwStart = now;
     }
-    const int frame = static_cast<int>((now - m_dwStart) / kFrameMs % kFrames);
-    if (frame == m_nFrame) return false;
-    m_nFrame = frame;
-    return true;
+    m_nFrame = static_cast<int>((now - m_dwStart) / kFrameMs % kFrames);
 }
 
 void CPrintAnimation::Paint(CDC* dc, const RECT& rc) {
@@ -62,10 +58,10 @@ void CPrintAnimation::Paint(CDC* dc, const RECT& rc) {
     PaintSheet(dc, rc, x, y);
     // The printer, with the slot the sheet goes into and its light on.
     const LONG printerLeft = kWidth - 54;
-    dc->FillSolidRect(Offset(RECT{printerLeft, 30, kWidth - 2, kHeight - 2}, rc.left, rc.top), kPrinterBody);
-    dc->FillSolidRect(Offset(RECT{printerLeft + 4, 24, kWidth - 6, 30}, rc.left, rc.top), kPrinterTop);
-    dc->FillSolidRect(Offset(RECT{printerLeft + 10, 26, kWidth - 12, 28}, rc.left, rc.top), kSlot);
-    dc->FillSolidRect(Offset(RECT{kWidth - 12, kHeight - 10, kWidth - 7, kHeight - 6}, rc.left, rc.top), kLight);
+    dc->FillSolidRect(OffsetRect(RECT{printerLeft, 30, kWidth - 2, kHeight - 2}, rc.left, rc.top), kPrinterBody);
+    dc->FillSolidRect(OffsetRect(RECT{printerLeft + 4, 24, kWidth - 6, 30}, rc.left, rc.top), kPrinterTop);
+    dc->FillSolidRect(OffsetRect(RECT{printerLeft + 10, 26, kWidth - 12, 28}, rc.left, rc.top), kSlot);
+    dc->FillSolidRect(OffsetRect(RECT{kWidth - 12, kHeight - 10, kWidth - 7, kHeight - 6}, rc.left, rc.top), kLight);
 }
 
 CPrintProgressDialog::CPrintProgressDialog(HWND parent)

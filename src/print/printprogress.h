@@ -19,9 +19,8 @@ public:
     SIZE GetSize() const override;
     void Paint(CDC* dc, const RECT& rc) override;
     // Moves to the frame that the time `now` (milliseconds, GetTickCount) falls in, counted from
-    // the first call; true when the frame changed.
-    bool Advance(DWORD now);
-    int GetFrame() const { return m_nFrame; }
+    // the first call.
+    void Advance(DWORD now);
 
 private:
     bool m_bStarted = false;
