@@ -60,6 +60,11 @@
 //   is asked for, then the move), `hold Ctrl|Shift|Ctrl+Shift|none` (keys that stay down),
 //   `leave` (the mouse leaves the window); checks `tip "TEXT"|none` (the tip on screen) and
 //   `cursor NAME` (arrow, ibeam, gutter, hint, doc, expand, collapse).
+// Formats and paint: setup `class FROM COUNT K` and `tagname POS NAME` (the document's syntax
+//   classes and tag items, all else class 0: scriptedsyntax.h) or `nosyntax` (a document without
+//   the syntax interfaces); `format POS ...` (a byte's colours and font); `repaint` (everything
+//   painted again), after which `runs`, `run N ...`, `numbers LIST` (the gutter's texts),
+//   `fill RECT COLOUR` and `pixel X Y COLOUR` look at that paint (see the verbs below).
 #include <gtest/gtest.h>
 
 #include <map>
@@ -81,6 +86,7 @@
 #include "tests/edit/scriptedhints.h"
 #include "platform/window/cursor.h"
 #include "src/resources/cursors.h"
+#include "tests/view/scriptedsyntax.h"
 #include "tests/view/viewtest.h"
 
 namespace {
@@ -224,8 +230,10 @@ private:
         m_platform->ResetBeeps();
     }
 
-    // The document itself, or the wrapper that answers the case's own items and descriptions.
+    // The document itself, or the wrapper that answers the case's own items and descriptions, or
+    // the one that answers the case's own syntax classes and tag names.
     IDispatch* ScriptedDocument() {
+        if (SetupValue("class") || SetupValue("tagname") || SetupValue("nosyntax")) return ScriptedSyntax();
         m_hints = std::make_unique<CScriptedHints>(m_doc.Get());
         bool scripted = false;
         for (const EditStep& s : m_case.setup) {
@@ -235,6 +243,16 @@ private:
             EXPECT_TRUE(s.verb == "item" ? m_hints->AddItem(args) : m_hints->AddDoc(args)) << "line " << s.line;
         }
         return scripted ? static_cast<IDispatch*>(m_hints.get()) : static_cast<IDispatch*>(m_doc.Get());
+    }
+
+    IDispatch* ScriptedSyntax() {
+        m_syntax = std::make_unique<CScriptedSyntax>(m_doc.Get(), !SetupValue("nosyntax"));
+        for (const EditStep& s : m_case.setup) {
+            const auto words = Words(s.rest);
+            if (s.verb == "class") m_syntax->SetClass(Number(words.at(0)), Number(words.at(1)), Number(words.at(2)));
+            if (s.verb == "tagname") m_syntax->SetTagName(Number(words.at(0)), words.at(1));
+        }
+        return m_syntax.get();
     }
 
     void SetProperties(const std::string& assignments) {
@@ -288,6 +306,10 @@ private:
             {"hover", &CEditPlayer::Hover},       {"hold", &CEditPlayer::Hold},
             {"leave", &CEditPlayer::Leave},       {"tip", &CEditPlayer::Tip},
             {"cursor", &CEditPlayer::Cursor},
+            {"format", &CEditPlayer::Format},     {"repaint", &CEditPlayer::Repaint},
+            {"runs", &CEditPlayer::Runs},         {"run", &CEditPlayer::TextRun},
+            {"numbers", &CEditPlayer::Numbers},   {"fill", &CEditPlayer::Fill},
+            {"pixel", &CEditPlayer::Pixel},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -709,6 +731,101 @@ private:
         EXPECT_EQ(b ? std::to_string(b->GetBitmapId()) : "none", words.at(1));
     }
 
+    // --- What the view shows ---
+
+    // `format POS [printed] WHAT...`: the format of the byte at POS on the screen or in a printout
+    // (whose option word lacks the screen bit). WHAT: `style N` (the colours and font of that
+    // style), or text=, back=, font= in hex and bytes= (the bytes the format covers).
+    void Format(const std::string& rest) {
+        const auto words = Words(rest);
+        const long pos = Number(words.at(0));
+        const bool printed = words.size() > 1 && words[1] == "printed";
+        const DWORD options = m_ctrl->GetOptionsWord() & (printed ? ~OPT_SCREENMETRICS : ~0u);
+        CharFormat f{};
+        const int bytes = m_ctrl->GetCharFormat(static_cast<BYTE>(m_doc->GetCharAt(pos)), pos, options, &f);
+        const auto field = [&](const std::string& key, const FormatStyle& from) {
+            if (key == "bytes") return key + "=" + std::to_string(bytes);
+            return key + "=" + Hex(key == "text" ? from.crText : key == "back" ? from.crBack : from.dwFont);
+        };
+        std::string expected, actual;
+        for (size_t i = printed ? 2 : 1; i < words.size(); ++i) {
+            if (words[i] == "style") {
+                const FormatStyle& style = m_ctrl->GetFormatStyle(static_cast<int>(Number(words.at(++i))));
+                for (const char* key : {"text", "back", "font"}) {
+                    expected += " " + field(key, style);
+                    actual += " " + field(key, f);
+                }
+                continue;
+            }
+            expected += " " + words[i];
+            actual += " " + field(words[i].substr(0, words[i].find('=')), f);
+        }
+        EXPECT_EQ(actual, expected);
+    }
+    static std::string Hex(DWORD value) {
+        char out[16];
+        std::snprintf(out, sizeof out, "%06X", static_cast<unsigned>(value));
+        return out;
+    }
+    static std::string Rect(const RECT& rc) {
+        return std::to_string(rc.left) + "," + std::to_string(rc.top) + "," + std::to_string(rc.right) + "," + std::to_string(rc.bottom);
+    }
+
+    // Paints the whole client area again; the checks below look at what that paint did.
+    void Repaint(const std::string&) {
+        m_ctrl->InvalidateControl();
+        Window().ClearDrawn();
+        Window().Paint();
+    }
+    // The text runs of the last paint in the text area (`numbers`: in the gutter), in order.
+    std::vector<const DrawRecord*> TextRuns(bool gutter) {
+        std::vector<const DrawRecord*> runs;
+        const long textLeft = m_ctrl->GetIndentSize() - m_ctrl->m_nLeftPixel;
+        for (const DrawRecord& r : Window().Drawn())
+            if (r.kind == DrawKind::Text && (r.origin.x < textLeft) == gutter) runs.push_back(&r);
+        return runs;
+    }
+    // `runs TEXT@X,Y | ...`: each run's bytes, escaped, with a byte repeated more than eight times
+    // written as `a*401`, and the left end of its baseline.
+    void Runs(const std::string& expected) {
+        std::string actual;
+        for (const DrawRecord* r : TextRuns(false)) {
+            const bool repeated = r->text.size() > 8 && r->text.find_first_not_of(r->text[0]) == std::string::npos;
+            const std::string text = repeated ? FormatMarkedText(r->text.substr(0, 1), -1, -1) + "*" + std::to_string(r->text.size())
+                                              : FormatMarkedText(r->text, -1, -1);
+            actual += (actual.empty() ? "" : " | ") + text + "@" + std::to_string(r->origin.x) + "," + std::to_string(r->origin.y);
+        }
+        EXPECT_EQ(actual.empty() ? "none" : actual, expected);
+    }
+    // `run N weight=W colour=HEX face=NAME clip=L,T,R,B|none`: the look of the Nth text run.
+    void TextRun(const std::string& rest) {
+        const size_t space = rest.find(' ');
+        const auto runs = TextRuns(false);
+        const size_t n = static_cast<size_t>(Number(rest.substr(0, space)));
+        ASSERT_LT(n, runs.size());
+        const DrawRecord& r = *runs[n];
+        EXPECT_EQ("weight=" + std::to_string(r.font.lfWeight) + " colour=" + Hex(r.color) + " face=" + r.font.lfFaceName +
+                      " clip=" + (r.clipped ? Rect(r.clip) : "none"),
+                  rest.substr(space + 1));
+    }
+    void Numbers(const std::string& expected) {
+        std::string actual;
+        for (const DrawRecord* r : TextRuns(true)) actual += (actual.empty() ? "" : " ") + r->text;
+        EXPECT_EQ(actual.empty() ? "none" : actual, expected);
+    }
+    // `fill L,T,R,B COLOUR|none`: the colour of the last fill of exactly that rectangle.
+    void Fill(const std::string& rest) {
+        const auto words = Words(rest);
+        std::string actual = "none";
+        for (const DrawRecord& r : Window().Drawn())
+            if (r.kind == DrawKind::Fill && Rect(r.rc) == words.at(0)) actual = Hex(r.color);
+        EXPECT_EQ(actual, words.at(1));
+    }
+    void Pixel(const std::string& rest) {
+        const auto words = Words(rest);
+        EXPECT_EQ(Hex(Window().Pixel(static_cast<int>(Number(words.at(0))), static_cast<int>(Number(words.at(1))))), words.at(2));
+    }
+
     // --- The picker ---
 
     const CHTMLSyntaxPicker* Picker() const { return m_ctrl->PickerIfAny(); }
@@ -793,6 +910,7 @@ private:
     CZentrelCtrl* m_ctrl = nullptr;
     ComPtr<CHtmlDocument> m_doc;
     std::unique_ptr<CScriptedHints> m_hints;
+    std::unique_ptr<CScriptedSyntax> m_syntax;
     CEventLog m_log;
     DWORD m_cookie = 0;
     size_t m_nEventsSeen = 0;

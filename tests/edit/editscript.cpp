@@ -64,7 +64,8 @@ void ReadFile(const std::filesystem::path& path, std::vector<EditCase>* cases) {
         }
         static const char* const kSetup[] = {"text", "options", "codepage", "wrapcolumns", "nodoc", "nofocus",
                                              "pickerevents", "desktop", "size", "rows", "nowindow", "swapbuttons",
-                                             "takedrops", "item", "doc", "defaultfont"};
+                                             "takedrops", "item", "doc", "defaultfont", "class", "tagname",
+                                             "nosyntax"};
         const bool setup = std::find(std::begin(kSetup), std::end(kSetup), step.verb) != std::end(kSetup);
         (setup ? cases->back().setup : cases->back().steps).push_back(step);
     }

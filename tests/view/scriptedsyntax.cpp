@@ -1,4 +1,4 @@
-#include "tests/view/viewfixture.h"
+#include "tests/view/scriptedsyntax.h"
 
 namespace {
 
