@@ -65,6 +65,10 @@
 //   the syntax interfaces); `format POS ...` (a byte's colours and font); `repaint` (everything
 //   painted again), after which `runs`, `run N ...`, `numbers LIST` (the gutter's texts),
 //   `fill RECT COLOUR` and `pixel X Y COLOUR` look at that paint (see the verbs below).
+// Scrolling: setup `repeat N TEXT` (TEXT N times behind the text); `hscroll CODE [POS]` (the
+//   codes of vscroll), `scrollto LINE PIXEL`, `scrollrange FROM TO` (FROM is the end to show),
+//   `clamp` (the top line clamped as a reformat does); checks `scrolls`, `bar`, `scale N`,
+//   `caret`, `caretmoves N`, `painted`, `wrapwidth N` (see the verbs below).
 #include <gtest/gtest.h>
 
 #include <map>
@@ -216,7 +220,12 @@ private:
                                         static_cast<LONG>(Number(d.at(2))), static_cast<LONG>(Number(d.at(3)))});
         }
         const std::string* text = SetupValue("text");
-        const MarkedText start = ParseMarkedText(text ? *text : "");
+        MarkedText start = ParseMarkedText(text ? *text : "");
+        for (const EditStep& s : m_case.setup)
+            if (s.verb == "repeat") {
+                const size_t space = s.rest.find(' ');
+                for (long n = Number(s.rest.substr(0, space)); n > 0; --n) start.text += ParseMarkedText(s.rest.substr(space + 1)).text;
+            }
         if (!SetupValue("nodoc")) {
             m_doc = CreateHtmlDocument();
             m_doc->SetText(start.text);
@@ -310,6 +319,12 @@ private:
             {"runs", &CEditPlayer::Runs},         {"run", &CEditPlayer::TextRun},
             {"numbers", &CEditPlayer::Numbers},   {"fill", &CEditPlayer::Fill},
             {"pixel", &CEditPlayer::Pixel},
+            {"hscroll", &CEditPlayer::HScroll},   {"scrollto", &CEditPlayer::ScrollTo},
+            {"scrollrange", &CEditPlayer::ScrollRange}, {"clamp", &CEditPlayer::Clamp},
+            {"scrolls", &CEditPlayer::Scrolls},   {"bar", &CEditPlayer::Bar},
+            {"scale", &CEditPlayer::Scale},       {"caret", &CEditPlayer::Caret},
+            {"caretmoves", &CEditPlayer::CaretMoves}, {"painted", &CEditPlayer::Painted},
+            {"wrapwidth", &CEditPlayer::WrapWidth},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -474,6 +489,19 @@ private:
         const auto w = Words(rest);
         m_ctrl->OnVScroll(ScrollCode(w.at(0)), w.size() > 1 ? Number(w[1]) : 0);
     }
+    void HScroll(const std::string& rest) {
+        const auto w = Words(rest);
+        m_ctrl->OnHScroll(ScrollCode(w.at(0)), w.size() > 1 ? Number(w[1]) : 0);
+    }
+    void ScrollTo(const std::string& rest) {
+        const auto w = Words(rest);
+        m_ctrl->ScrollTo(Number(w.at(0)), Number(w.at(1)));
+    }
+    void ScrollRange(const std::string& rest) {
+        const auto w = Words(rest);
+        m_ctrl->ScrollRangeIntoView(Number(w.at(0)), Number(w.at(1)));
+    }
+    void Clamp(const std::string&) { m_ctrl->ClampScrollPosition(); }
     void Wait(const std::string& ms) { m_platform->AdvanceClock(static_cast<DWORD>(Number(ms))); }
     void Focus(const std::string&) { m_platform->MoveFocus(Hwnd()); }
     void Lock(const std::string&) { m_doc->SetLocked(true); }
@@ -826,6 +854,53 @@ private:
         EXPECT_EQ(Hex(Window().Pixel(static_cast<int>(Number(words.at(0))), static_cast<int>(Number(words.at(1))))), words.at(2));
     }
 
+    // --- Scrolling ---
+
+    // `scrolls DX,DY[@SCROLLLEFT,CLIPLEFT] ...`: the window's pixels moved since the last look, or none;
+    // the left edges of the scrolled rectangle and of the clip are given where the text moved sideways.
+    void Scrolls(const std::string& expected) {
+        std::string actual;
+        const auto& scrolls = Window().Scrolls();
+        for (size_t i = m_nScrollsSeen; i < scrolls.size(); ++i) {
+            const ScrollCall& c = scrolls[i];
+            actual += (actual.empty() ? "" : " ") + std::to_string(c.dx) + "," + std::to_string(c.dy);
+            if (c.dx) actual += "@" + std::to_string(c.scroll.left) + "," + std::to_string(c.clip.left);
+        }
+        m_nScrollsSeen = scrolls.size();
+        EXPECT_EQ(actual.empty() ? "none" : actual, expected);
+    }
+    // `bar vert|horz MAX PAGE POS shown|hidden`, a * for a field that does not matter.
+    void Bar(const std::string& rest) {
+        auto w = Words(rest);
+        const ScrollBarState& bar = Window().Bar(w.at(0) == "vert" ? SB_VERT : SB_HORZ);
+        const std::vector<std::string> actual = {w[0], std::to_string(bar.info.nMax), std::to_string(bar.info.nPage),
+                                                 std::to_string(bar.info.nPos), bar.visible ? "shown" : "hidden"};
+        for (size_t i = 0; i < w.size() && i < actual.size(); ++i)
+            if (w[i] == "*") w[i] = actual[i];
+        EXPECT_EQ(w, actual);
+    }
+    void Scale(const std::string& n) { EXPECT_EQ(m_ctrl->GetScrollScale(), Number(n)); }
+    // `caret shown|hidden LEFT WIDTH HEIGHT`
+    void Caret(const std::string& expected) {
+        const auto rc = Window().CaretRect();
+        EXPECT_EQ(std::string(Window().CaretShown() ? "shown " : "hidden ") + std::to_string(rc.left) + " " +
+                      std::to_string(rc.Width()) + " " + std::to_string(rc.Height()),
+                  expected);
+    }
+    // `caretmoves N|*`: the caret's changes since the last look.
+    void CaretMoves(const std::string& n) {
+        if (n != "*") EXPECT_EQ(Window().CaretChanges() - m_nCaretChangesSeen, Number(n));
+        m_nCaretChangesSeen = Window().CaretChanges();
+    }
+    // `painted yes|no`: whether anything was drawn since the last look, and then nothing is left
+    // to paint.
+    void Painted(const std::string& expected) {
+        EXPECT_EQ(Window().Drawn().empty() ? "no" : "yes", expected);
+        EXPECT_TRUE(Window().PendingRegion().IsEmpty());
+        Window().ClearDrawn();
+    }
+    void WrapWidth(const std::string& n) { EXPECT_EQ(m_ctrl->GetWrapWidth(), Number(n)); }
+
     // --- The picker ---
 
     const CHTMLSyntaxPicker* Picker() const { return m_ctrl->PickerIfAny(); }
@@ -904,6 +979,8 @@ private:
 
     const EditCase& m_case;
     size_t m_nDialogsSeen = 0;
+    size_t m_nScrollsSeen = 0;
+    int m_nCaretChangesSeen = 0;
     std::optional<CodePageScope> m_codePage;
     CTestPlatformScope m_platform;
     ComPtr<IDispatch> m_control;

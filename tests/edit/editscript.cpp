@@ -65,7 +65,7 @@ void ReadFile(const std::filesystem::path& path, std::vector<EditCase>* cases) {
         static const char* const kSetup[] = {"text", "options", "codepage", "wrapcolumns", "nodoc", "nofocus",
                                              "pickerevents", "desktop", "size", "rows", "nowindow", "swapbuttons",
                                              "takedrops", "item", "doc", "defaultfont", "class", "tagname",
-                                             "nosyntax"};
+                                             "nosyntax", "repeat"};
         const bool setup = std::find(std::begin(kSetup), std::end(kSetup), step.verb) != std::end(kSetup);
         (setup ? cases->back().setup : cases->back().steps).push_back(step);
     }

@@ -1,5 +1,6 @@
-// The wrap width and what a change of text or width does to the rows; where the breaker ends rows
-// is in tests/edit/cases/linebreaks.cases. Plain bytes are 9 pixels, lines 19; the gutter is 60.
+// What a change of text or width does to the rows; where the breaker ends rows is in
+// tests/edit/cases/linebreaks.cases, the wrap width in wrap.cases. Plain bytes are 9 pixels,
+// lines 19; the gutter is 60.
 #include "platform/window/keys.h"
 #include "tests/view/viewfixture.h"
 
@@ -18,23 +19,6 @@ protected:
         return Lengths(ctrl->Lines());
     }
 };
-
-TEST_F(Wrapping, ANarrowWindowStillWrapsAtFiveAverageCharacters) {
-    Wrap("text", 100);
-    EXPECT_EQ(ctrl->GetWrapWidth(), 5 * 9 + 60);
-    Wrap("text", 400);
-    EXPECT_EQ(ctrl->GetWrapWidth(), 340);
-    ctrl->SetOption(OPT_WORDWRAP, FALSE);
-    EXPECT_EQ(ctrl->GetWrapWidth(), 0x3FFFFFFF);
-    EXPECT_EQ(Lengths(ctrl->Lines()), (std::vector<long>{4}));
-}
-
-TEST_F(Wrapping, WithoutWordWrapOnlyLineFeedsEndLines) {
-    Wrap("x");
-    ctrl->SetOption(OPT_WORDWRAP, FALSE);
-    doc->SetText(std::string(5000, 'a') + "\n" + std::string(300, 'b'));
-    EXPECT_EQ(Lengths(ctrl->Lines()), (std::vector<long>{5001, 300}));
-}
 
 TEST_F(Wrapping, ALineFeedTypedIntoALineAddsALineAndInvalidatesToTheBottom) {
     Wrap("ab\ncd\nef\n");
