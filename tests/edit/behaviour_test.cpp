@@ -64,7 +64,8 @@
 //   classes and tag items, all else class 0: scriptedsyntax.h) or `nosyntax` (a document without
 //   the syntax interfaces); `format POS ...` (a byte's colours and font); `repaint` (everything
 //   painted again), after which `runs`, `run N ...`, `numbers LIST` (the gutter's texts),
-//   `fill RECT COLOUR` and `pixel X Y COLOUR` look at that paint (see the verbs below).
+//   `fill RECT COLOUR`, `pixel X Y COLOUR` and `picture ID X Y` look at that paint; `update`
+//   paints what is invalid, and `fresh RECT` checks that it left what a full repaint gives.
 // Scrolling: setup `repeat N TEXT` (TEXT N times behind the text); `hscroll CODE [POS]` (the
 //   codes of vscroll), `scrollto LINE PIXEL`, `scrollrange FROM TO` (FROM is the end to show),
 //   `clamp` (the top line clamped as a reformat does); checks `scrolls`, `bar`, `scale N`,
@@ -90,6 +91,7 @@
 #include "tests/edit/scriptedhints.h"
 #include "platform/window/cursor.h"
 #include "src/resources/cursors.h"
+#include "src/resources/gutterpictures.h"
 #include "tests/view/scriptedsyntax.h"
 #include "tests/view/viewtest.h"
 
@@ -324,7 +326,8 @@ private:
             {"scrolls", &CEditPlayer::Scrolls},   {"bar", &CEditPlayer::Bar},
             {"scale", &CEditPlayer::Scale},       {"caret", &CEditPlayer::Caret},
             {"caretmoves", &CEditPlayer::CaretMoves}, {"painted", &CEditPlayer::Painted},
-            {"wrapwidth", &CEditPlayer::WrapWidth},
+            {"wrapwidth", &CEditPlayer::WrapWidth}, {"picture", &CEditPlayer::Picture},
+            {"update", &CEditPlayer::Update},     {"fresh", &CEditPlayer::Fresh},
         };
         auto it = handlers.find(step.verb);
         ASSERT_NE(it, handlers.end()) << "unknown verb " << step.verb;
@@ -849,9 +852,50 @@ private:
             if (r.kind == DrawKind::Fill && Rect(r.rc) == words.at(0)) actual = Hex(r.color);
         EXPECT_EQ(actual, words.at(1));
     }
+    // `pixel X[..X2] Y[..Y2] COLOUR`: every pixel of the span has the colour; the first that has
+    // not is named.
     void Pixel(const std::string& rest) {
         const auto words = Words(rest);
-        EXPECT_EQ(Hex(Window().Pixel(static_cast<int>(Number(words.at(0))), static_cast<int>(Number(words.at(1))))), words.at(2));
+        const auto span = [](const std::string& w) {
+            const size_t dots = w.find("..");
+            return std::make_pair(Number(w.substr(0, dots)), Number(dots == std::string::npos ? w : w.substr(dots + 2)));
+        };
+        const auto [x0, x1] = span(words.at(0));
+        const auto [y0, y1] = span(words.at(1));
+        for (long y = y0; y <= y1; ++y)
+            for (long x = x0; x <= x1; ++x)
+                ASSERT_EQ(Hex(Window().Pixel(static_cast<int>(x), static_cast<int>(y))), words.at(2)) << "at " << x << "," << y;
+    }
+    // `picture ID X Y`: the gutter picture of that resource stands with its top left at X,Y.
+    void Picture(const std::string& rest) {
+        const auto words = Words(rest);
+        const PixelPicture* picture = FindGutterPicture(static_cast<UINT>(Number(words.at(0))));
+        ASSERT_NE(picture, nullptr);
+        const long left = Number(words.at(1)), top = Number(words.at(2));
+        for (int y = 0; y < picture->cy; ++y)
+            for (int x = 0; x < picture->cx; ++x)
+                ASSERT_EQ(Hex(Window().Pixel(static_cast<int>(left + x), static_cast<int>(top + y))),
+                          Hex(picture->pixels[static_cast<size_t>(y * picture->cx + x)]))
+                    << "at " << left + x << "," << top + y;
+    }
+    // Paints only what is invalid, as the window would.
+    void Update(const std::string&) {
+        Window().ClearDrawn();
+        Window().Paint();
+    }
+    // `fresh L,T,R,B`: the pixels of the rectangle are those a full repaint gives.
+    void Fresh(const std::string& rect) {
+        int l = 0, t = 0, r = 0, b = 0;
+        ASSERT_EQ(std::sscanf(rect.c_str(), "%d,%d,%d,%d", &l, &t, &r, &b), 4) << rect;
+        const auto pixels = [&] {
+            std::vector<COLORREF> out;
+            for (int y = t; y < b; ++y)
+                for (int x = l; x < r; ++x) out.push_back(Window().Pixel(x, y));
+            return out;
+        };
+        const std::vector<COLORREF> before = pixels();
+        Repaint("");
+        EXPECT_EQ(before, pixels());
     }
 
     // --- Scrolling ---

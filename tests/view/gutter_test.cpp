@@ -1,14 +1,12 @@
-// The gutter on the test backend's pixels: the background tile and where it starts, bookmark
-// flags, and the bracket along the selection, also after the selection changed and only what
-// it invalidated was painted. Lines are 19 pixels high, a character is 9 wide; the gutter is 60
-// wide, of which 51 are painted.
+// The gutter on the test backend's pixels: the background tile and where it starts, and bookmark
+// flags; the bracket along the selection is in tests/edit/cases/gutter.cases. Lines are 19
+// pixels high, a character is 9 wide; the gutter is 60 wide, of which 51 are painted.
 #include "src/resources/gutterpictures.h"
 #include "tests/view/viewfixture.h"
 
 namespace {
 
 constexpr LONG kLine = 19, kPainted = 51, kRows = 15;
-constexpr LONG kBoxLeft = 14, kBoxTop = 5, kBracketX = 18;  // the box's place in a row, its middle column
 constexpr LONG kFlagLeft = 2, kFlagTop = 3;
 const COLORREF kFace = GetSysColor(COLOR_BTNFACE);
 
@@ -36,19 +34,6 @@ protected:
                 if (Window().Pixel(x + px, y + py) != PixelOf(p, px, py))
                     return ::testing::AssertionFailure() << "differs at " << x + px << "," << y + py;
         return ::testing::AssertionSuccess();
-    }
-    bool BoxOnRow(LONG row, UINT id) { return PictureAt(*FindGutterPicture(id), kBoxLeft, row * kLine + kBoxTop); }
-    // The rows whose bracket column is black from the row's top down to `from` and below.
-    int BlackInColumn(LONG row, LONG from, LONG to) {
-        int n = 0;
-        for (LONG y = row * kLine + from; y < row * kLine + to; ++y) n += Window().Pixel(kBracketX, y) == 0x000000;
-        return n;
-    }
-    std::vector<COLORREF> GutterPixels() {
-        std::vector<COLORREF> out;
-        for (LONG y = 0; y < kRows * kLine; ++y)
-            for (LONG x = 0; x < kPainted; ++x) out.push_back(Window().Pixel(x, y));
-        return out;
     }
 };
 
@@ -101,63 +86,6 @@ TEST_F(Gutter, FlagsMarkBookmarkedLinesAndANarrowGutterOrTheOptionHidesThem) {
     ctrl->SetGutterSize(10);
     Repaint();
     for (const DrawRecord& r : Window().Drawn()) EXPECT_FALSE(r.kind == DrawKind::Blit && r.rc.left == kFlagLeft);
-}
-
-TEST_F(Gutter, TheBracketRunsAlongASelectionOfSeveralLines) {
-    ctrl->SetOption(OPT_COLLAPSEBLOCKENABLE, TRUE);
-    ctrl->SetSelection(LineStart(1) + 2, LineStart(4) + 2);
-    Repaint();
-    // Boxes on the first and the last line, the line from one box to the other.
-    EXPECT_TRUE(BoxOnRow(1, IDB_FOLD));
-    EXPECT_TRUE(BoxOnRow(4, IDB_FOLD));
-    EXPECT_EQ(BlackInColumn(1, kBoxTop + 9, kLine), kLine - kBoxTop - 9);
-    EXPECT_EQ(BlackInColumn(2, 0, kLine), kLine);
-    EXPECT_EQ(BlackInColumn(3, 0, kLine), kLine);
-    EXPECT_EQ(BlackInColumn(4, 0, kBoxTop), kBoxTop);
-    EXPECT_EQ(BlackInColumn(0, 0, kLine), 0);
-    EXPECT_EQ(BlackInColumn(5, 0, kLine), 0);
-    EXPECT_EQ(Window().Pixel(kBracketX - 1, 2 * kLine + 3), kFace);
-
-    // A selection that ends at a line's end has its lower box on that line.
-    ctrl->SetSelection(LineStart(1) + 2, LineStart(3));
-    Repaint();
-    EXPECT_TRUE(BoxOnRow(2, IDB_FOLD));
-    EXPECT_EQ(BlackInColumn(3, 0, kLine), 0);
-
-    // No bracket within one line, with the selection hidden, or without blocks.
-    const auto noBracket = [&] {
-        Repaint();
-        int black = 0;
-        for (LONG row = 0; row < kRows; ++row) black += BlackInColumn(row, 0, kLine);
-        return black == 0;
-    };
-    ctrl->SetSelection(LineStart(1), LineStart(1) + 4);
-    EXPECT_TRUE(noBracket());
-    ctrl->SetSelection(LineStart(1), LineStart(3) + 1);
-    ctrl->SetOption(OPT_HIDESELECTION, TRUE);
-    EXPECT_TRUE(noBracket());
-    ctrl->SetOption(OPT_HIDESELECTION, FALSE);
-    ctrl->SetOption(OPT_COLLAPSEBLOCKENABLE, FALSE);
-    EXPECT_TRUE(noBracket());
-}
-
-TEST_F(Gutter, ASelectionChangeRepaintsTheBracketWhereverItChanged) {
-    ctrl->SetOption(OPT_COLLAPSEBLOCKENABLE, TRUE);
-    ctrl->SetSelection(LineStart(2) + 1, LineStart(5) + 1);
-    Repaint();
-    const struct {
-        long from, to;
-    } steps[] = {{LineStart(1) + 2, LineStart(3)},         {LineStart(1) + 2, LineStart(5) + 1},
-                 {LineStart(1) + 2, LineStart(3)},         {LineStart(2) + 1, LineStart(8) + 1}, {LineStart(4) + 1, LineStart(8) + 1}, {LineStart(6), LineStart(7)},
-                 {LineStart(6) + 1, LineStart(6) + 2}, {LineStart(1), LineStart(9) + 3}, {LineStart(3), LineStart(3)}};
-    for (const auto& step : steps) {
-        SCOPED_TRACE(testing::Message() << "selection " << step.from << " to " << step.to);
-        ctrl->SetSelection(step.from, step.to);
-        PaintNow();
-        const std::vector<COLORREF> painted = GutterPixels();
-        Repaint();
-        EXPECT_EQ(painted, GutterPixels());
-    }
 }
 
 TEST_F(Gutter, AChangeOfTheDesktopColoursRepaintsTheGutterWithNewPictures) {
