@@ -1,10 +1,9 @@
 // What the view counts on from the document: order and timing of notifications, references
-// handed over, and the shape of the text it reads.
+// handed over, and the shape of the text it reads; more of it is in cases/contract.cases.
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "platform/com/textdataobject.h"
 #include "platform/testing/testplatform.h"
 #include "tests/htmldoc/recordingsink.h"
 
@@ -21,31 +20,6 @@ TEST(DocumentContract, TextPointerIsOneTerminatedArrayAlsoWhenEmpty) {
     EXPECT_STREQ(p, "Xhello</p>");
     doc->InsertText(1, p, 3, nullptr);  // from its own text: the source moves as the gap opens
     EXPECT_EQ(doc->GetText(), "<Xhep>Xhello</p>");
-}
-
-TEST(DocumentContract, SelectionReportFollowsTheChangeOfTheSameEdit) {
-    CAttachedDoc d("abc\r\ndef");
-    d.sel->SetRange(5, 5);
-    d.sink.events.clear();
-    d.sel->ReplaceText("X", 1, &d.sink);
-    EXPECT_EQ(d.sink.Log(), "REPLACE 5-6/9 sel 6,6");
-    // An edit in front of the selection moves it too, reported after the change.
-    d.sink.events.clear();
-    d.doc->DeleteText(0, 2, &d.sink);
-    EXPECT_EQ(d.sink.Log(), "DELETE 0-2/7 sel 4,4");
-    // An edit behind it does not report the selection, nor does a range that is not it.
-    d.sink.events.clear();
-    d.doc->InsertText(d.doc->GetLength(), "!", 1, &d.sink);
-    ComPtr<ISourceRange> other;
-    d.doc->CreateRange(other.Out());
-    DWORD cookie;
-    other->AdviseRangeSink(&d.sink, &cookie);
-    other->SetRange(2, 4);
-    other->UnadviseRangeSink(cookie);
-    // The ends keep their order, active behind anchor; setting them again reports nothing.
-    d.sel->SetRange(6, 1);
-    d.sel->SetRange(6, 1);
-    EXPECT_EQ(d.sink.Log(), "INSERT 7-8/8 sel 6,1");
 }
 
 TEST(DocumentContract, ReattachingMakesTheNewRangeTheSelectionAndDropsTheOldOne) {
@@ -120,50 +94,13 @@ TEST(DocumentContract, RangesHeldPastTheDocumentStopSafely) {
     EXPECT_EQ(range->GetActive(), 1);
 }
 
-TEST(DocumentContract, BadArgumentsAreRefusedAndChangeNothing) {
+// Arguments that no case file can write: a null text and a negative length.
+TEST(DocumentContract, NullTextAndNegativeLengthsAreRefused) {
     CAttachedDoc d("hello");
-    EXPECT_EQ(d.doc->InsertText(6, "x", 1, nullptr), E_INVALIDARG);
     EXPECT_EQ(d.doc->InsertText(0, nullptr, 1, nullptr), E_POINTER);
-    EXPECT_EQ(d.doc->DeleteText(3, 3, nullptr), E_INVALIDARG);
-    EXPECT_EQ(d.doc->ReplaceText(0, -1, "x", 1, nullptr), E_INVALIDARG);
-    EXPECT_EQ(d.sel->SetRange(0, 6), E_INVALIDARG);
     EXPECT_EQ(d.sel->ReplaceText("x", -1, nullptr), E_INVALIDARG);
-    char buf[8];
-    EXPECT_EQ(d.doc->CopyText(buf, 4, 2), E_INVALIDARG);
-    long out;
-    EXPECT_EQ(d.doc->GetTextLineStart(1, &out), E_INVALIDARG);
-    EXPECT_EQ(d.doc->GetCharAt(5), 0);
     EXPECT_EQ(d.Text(), "hello");
     EXPECT_TRUE(d.sink.events.empty());
-    EXPECT_TRUE(d.doc->IsUndoEmpty());
-}
-
-TEST(DocumentContract, InsertDataTakesClipboardTextUpToItsNul) {
-    CAttachedDoc d("<b></b>");
-    d.sel->SetRange(3, 3);
-    long inserted = 0;
-    auto data = CreateTextDataObject("bold");
-    EXPECT_EQ(d.doc->InsertData(3, 0, &inserted, data.Get(), &d.sink), S_OK);
-    EXPECT_EQ(inserted, 4);
-    EXPECT_EQ(d.Text(), "<b>bold</b>");
-    EXPECT_EQ(d.sink.Log(), "sel 3,3 INSERT 3-7/11 sel 7,7");  // a paste at the caret leaves it behind the text
-
-    // Replacing a selection: reported as a replacement of the new span.
-    d.sel->SetRange(3, 7);
-    d.sink.events.clear();
-    auto other = CreateTextDataObject("it");
-    d.doc->InsertData(3, 4, &inserted, other.Get(), &d.sink);
-    EXPECT_EQ(d.Text(), "<b>it</b>");
-    EXPECT_EQ(inserted, 2);
-    EXPECT_EQ(d.sink.Log(), "REPLACE 3-5/9 sel 5,5");
-
-    // No text offered: failure, nothing changes.
-    ComPtr<CDataObject> files(new CDataObject);
-    files->SetData(RegisterClipboardFormat("FileName"), std::string("a.htm\0", 6));
-    inserted = 0;
-    EXPECT_TRUE(FAILED(d.doc->InsertData(0, 2, &inserted, files.Get(), &d.sink)));
-    EXPECT_EQ(inserted, 0);
-    EXPECT_EQ(d.Text(), "<b>it</b>");
 }
 
 TEST(DocumentContract, LongOperationsAreBracketedByBusy) {

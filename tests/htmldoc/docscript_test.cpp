@@ -1,8 +1,8 @@
 // Edits, undo history, automation and files of a document with a view's sink and selection
-// attached, played from case files (cases/undo.cases, dispatch.cases, files.cases). A row is a
-// step; a step that gives a result compares it with the row's last field when the row has one
-// more field than the step's arguments. The verbs are listed at the top of undo.cases and
-// dispatch.cases, and above AddFileVerbs.
+// attached, played from case files (cases/undo.cases, dispatch.cases, files.cases,
+// contract.cases). A row is a step; a step that gives a result compares it with the row's last
+// field when the row has one more field than the step's arguments. The verbs are listed at the
+// top of undo.cases, dispatch.cases and contract.cases, and above AddFileVerbs.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,6 +14,7 @@
 
 #include <sys/stat.h>
 
+#include "platform/com/textdataobject.h"
 #include "tests/codepagescope.h"
 #include "tests/htmldoc/recordingsink.h"
 #include "tests/htmldoc/tempfolder.h"
@@ -117,6 +118,32 @@ private:
         return HrName(hr) + (Shown(result).empty() ? "" : " " + Shown(result));
     }
 
+    // A range that is not the selection, set while the sink listens to it.
+    std::string OtherRange(long active, long anchor) {
+        ComPtr<ISourceRange> other;
+        Doc().CreateRange(other.Out());
+        DWORD cookie = 0;
+        other->AdviseRangeSink(&m_doc->sink, &cookie);
+        const HRESULT hr = other->SetRange(active, anchor);
+        other->UnadviseRangeSink(cookie);
+        Doc().DestroyRange(other.Get());
+        return HrName(hr);
+    }
+    // `insertdata | POS | COUNT | text:TEXT or file:NAME | RESULT`: clipboard data put in place of
+    // COUNT bytes; the outcome and the bytes inserted.
+    std::string InsertData(const CaseRow& r) {
+        ComPtr<CDataObject> data;
+        if (r[3].starts_with("text:")) {
+            data = CreateTextDataObject(r[3].substr(5));
+        } else {
+            data = ComPtr<CDataObject>(new CDataObject);
+            data->SetData(RegisterClipboardFormat("FileName"), r[3].substr(5) + std::string(1, '\0'));
+        }
+        long inserted = 0;
+        const HRESULT hr = Doc().InsertData(r.Long(1), r.Long(2), &inserted, data.Get(), &m_doc->sink);
+        return (FAILED(hr) ? std::string("failed") : HrName(hr)) + " " + std::to_string(inserted);
+    }
+
     void AddVerbs() {
         auto bit = [](bool value) { return std::string(value ? "1" : "0"); };
         m_verbs = {
@@ -151,6 +178,20 @@ private:
                  return log;
              }}},
             {"invoke", {4, [this](const CaseRow& r) { return Invoke(r); }}},
+            {"selreplace", {1, [this](const CaseRow& r) {
+                 return HrName(Sel().ReplaceText(r[1].data(), static_cast<long>(r[1].size()), &m_doc->sink));
+             }}},
+            {"otherrange", {2, [this](const CaseRow& r) { return OtherRange(r.Long(1), r.Long(2)); }}},
+            {"insertdata", {3, [this](const CaseRow& r) { return InsertData(r); }}},
+            {"copytext", {2, [this](const CaseRow& r) {
+                 char buffer[16] = {};
+                 return HrName(Doc().CopyText(buffer, r.Long(1), r.Long(2)));
+             }}},
+            {"linestart", {1, [this](const CaseRow& r) {
+                 long start = -1;
+                 return HrName(Doc().GetTextLineStart(r.Long(1), &start)) + " " + std::to_string(start);
+             }}},
+            {"charat", {1, [this](const CaseRow& r) { return std::to_string(Doc().GetCharAt(r.Long(1))); }}},
         };
     }
 
@@ -251,7 +292,7 @@ TEST_P(DocumentScripts, StepsGiveTheirResults) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, DocumentScripts, ::testing::Values("undo.cases", "dispatch.cases", "files.cases"),
+INSTANTIATE_TEST_SUITE_P(Cases, DocumentScripts, ::testing::Values("undo.cases", "dispatch.cases", "files.cases", "contract.cases"),
                          [](const auto& info) {
                              const std::string name = info.param;
                              return name.substr(0, name.find('.'));
