@@ -4,6 +4,7 @@
 
 #include "platform/testing/testprinter.h"
 #include "src/print/pagesetup.h"
+#include "tests/platform/casefile.h"
 #include "tests/view/viewfixture.h"
 
 namespace {
@@ -16,15 +17,10 @@ protected:
 };
 
 TEST(InchEdit, TextAndThousandthsBothWays) {
-    const struct {
-        const char* text;
-        long value;
-        const char* tidy;
-    } cases[] = {{"0.5", 500, "0.500\""}, {"2\"", 2000, "2\""}, {"1.5", 1500, "1.500\""}, {"", 0, "0\""},
-                 {"0.0004", 0, "0\""},   {"12.3456", 12345, "12.345\""}, {"1e999", 0, "0\""}, {".", 0, "0\""}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(CInchEdit::ValueFromText(c.text), c.value) << c.text;
-        EXPECT_EQ(CInchEdit::TextFromValue(CInchEdit::ValueFromText(c.text)), c.tidy) << c.text;
+    for (const CaseRow& row : ReadCaseRows("print/cases/texts.cases")) {
+        if (row[0] != "inch") continue;
+        EXPECT_EQ(CInchEdit::ValueFromText(row[1]), row.Long(2)) << row.where;
+        EXPECT_EQ(CInchEdit::TextFromValue(CInchEdit::ValueFromText(row[1])), row[3]) << row.where;
     }
     for (unsigned ch : {'-', 'a', ',', ' '}) EXPECT_FALSE(CInchEdit::AcceptsChar(ch)) << char(ch);
     for (unsigned ch : {'0', '9', '.', '"', '\b'}) EXPECT_TRUE(CInchEdit::AcceptsChar(ch)) << ch;

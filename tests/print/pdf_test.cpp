@@ -9,6 +9,7 @@
 #include <regex>
 #include <sstream>
 
+#include "tests/platform/casefile.h"
 #include "tests/print/shell.h"
 
 namespace {
@@ -138,22 +139,11 @@ TEST_F(PdfPrint, ColoursOnlyWhenAskedAndAnEmptyDocumentIsOnePage) {
 
 TEST_F(PdfPrint, BadInputIsRefusedWithAReason) {
     const std::string file = Write("doc.html", "<p>x</p>\n");
-    const struct {
-        std::string options;
-        int code;
-        const char* says;
-    } cases[] = {
-        {"--columns 0", 2, "--columns needs a whole number from 1 to 3"},
-        {"--columns -1", 2, "--columns needs a whole number from 1 to 3"},
-        {"--margins -0.5", 2, "--margins needs one length"},
-        {"--margins 1,2", 2, "--margins needs one length"},
-        {"--column-gap x", 2, "--column-gap needs a length in inches"},
-        {"--margins 5", 1, "The margins leave no room for text on the page."},
-    };
-    for (const auto& c : cases) {
-        const Outcome run = Print(c.options, file);
-        EXPECT_EQ(run.code, c.code) << c.options << ": " << run.output;
-        EXPECT_NE(run.output.find(c.says), std::string::npos) << c.options << ": " << run.output;
+    for (const CaseRow& row : ReadCaseRows("print/cases/texts.cases")) {
+        if (row[0] != "badoption") continue;
+        const Outcome run = Print(row[1], file);
+        EXPECT_EQ(run.code, row.Long(2)) << row.where << ": " << run.output;
+        EXPECT_NE(run.output.find(row[3]), std::string::npos) << row.where << ": " << run.output;
     }
     const Outcome unwritable =
         Shell("QT_QPA_PLATFORM=offscreen " + std::string(ZENTREL_EDIT) + " --print-pdf /nonexistent/folder/out.pdf " + Quote(file));

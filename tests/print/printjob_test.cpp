@@ -8,6 +8,7 @@
 #include "platform/testing/testprinter.h"
 #include "src/print/pagesetup.h"
 #include "src/print/printprogress.h"
+#include "tests/platform/casefile.h"
 #include "tests/view/viewfixture.h"
 
 namespace {
@@ -124,22 +125,11 @@ TEST_F(PrintJob, TemplatesExpandTokensAndDropWhatIsNotOne) {
     now.tm_hour = 3;
     now.tm_min = 4;
     now.tm_sec = 5;
-    const struct {
-        const char* in;
-        const char* out;
-    } cases[] = {
-        {"Page <PAGE> of <DocPathName>", "Page 7 of name.html"},
-        {"<date>|<TIME>", "11/24/26|03:04:05"},
-        {"<DATETIME>", "11/24/26 03:04:05"},
-        {"a<>b<unknown>c", "abc"},
-        {"keep <PAGE and the rest", "keep "},
-        {"<<PAGE>>", ">"},
-        {"", ""},
-    };
-    for (const auto& c : cases) {
+    for (const CaseRow& row : ReadCaseRows("print/cases/texts.cases")) {
+        if (row[0] != "template") continue;
         std::string out = "stale";
-        CZentrelCtrl::ExpandTemplate(&out, c.in, "name.html", 7, now);
-        EXPECT_EQ(out, c.out) << c.in;
+        CZentrelCtrl::ExpandTemplate(&out, row[1], "name.html", 7, now);
+        EXPECT_EQ(out, row[2]) << row.where;
     }
 }
 

@@ -9,6 +9,7 @@
 #include "platform/com/automation.h"
 #include "platform/qt/qttext.h"
 #include "tests/automation/walkfile.h"
+#include "tests/platform/casefile.h"
 #include "tests/qt/qtviewfixture.h"
 #include "widget/scriptrunner.h"
 #include "widget/scriptvalues.h"
@@ -101,23 +102,10 @@ TEST_F(ScriptBridgeTest, LoopingHandlerIsStoppedAndTheControlCarriesOn) {
 }
 
 TEST_F(ScriptBridgeTest, FailuresNameTheScriptLine) {
-    const struct {
-        const char* program;
-        const char* message;  // the start of the report
-    } cases[] = {
-        {"var a = 1;\n\nthrow new Error('plain');", "case.js:3: Error: plain"},
-        {"var a = 1;\ncontrol.NoSuchMember;", "case.js:2: Error: NoSuchMember: Unknown name"},
-        {"function f() {\n  control.HighlightStyle = 9;\n}\nf();", "case.js:2: Error: HighlightStyle: Invalid property value"},
-        {"\nthrow 'text';", "case.js:2: uncaught text"},
-        {"control.on('DocumentChanged', () => {\n  throw new Error('in handler');\n});\ndocument.Text = 'z';",
-         "case.js:2: in a handler of DocumentChanged: Error: in handler"},
-        {"control.on('KeyPress', k => { k.value = 'no key'; });\nhost.fireKeyPress(65);",
-         "case.js:2: in a handler of KeyPress: TypeError: KeyPress: argument 1 cannot take no key"},
-    };
-    for (const auto& c : cases) {
-        const CScriptRunner::Outcome outcome = runner->Run(QString::fromUtf8(c.program), "case.js", kLimit);
-        EXPECT_FALSE(outcome.ok) << c.program;
-        EXPECT_TRUE(outcome.message.startsWith(c.message)) << outcome.message.toStdString() << "\nfor " << c.program;
+    for (const CaseRow& row : ReadCaseRows("widget/cases/failures.cases")) {
+        const CScriptRunner::Outcome outcome = runner->Run(QString::fromStdString(row[0]), "case.js", kLimit);
+        EXPECT_FALSE(outcome.ok) << row.where;
+        EXPECT_TRUE(outcome.message.startsWith(QString::fromStdString(row[1]))) << row.where << ": " << outcome.message.toStdString();
         MakeRunner();  // handlers of one case stay out of the next
     }
     EXPECT_EQ(doc->GetText(), "z");  // the handler's throw did not stop the change
