@@ -223,11 +223,12 @@ private:
         }
         const std::string* text = SetupValue("text");
         MarkedText start = ParseMarkedText(text ? *text : "");
-        for (const EditStep& s : m_case.setup)
-            if (s.verb == "repeat") {
-                const size_t space = s.rest.find(' ');
-                for (long n = Number(s.rest.substr(0, space)); n > 0; --n) start.text += ParseMarkedText(s.rest.substr(space + 1)).text;
-            }
+        for (const EditStep& s : m_case.setup) {
+            if (s.verb != "repeat") continue;
+            const size_t space = s.rest.find(' ');
+            const std::string piece = ParseMarkedText(s.rest.substr(space + 1)).text;
+            for (long n = Number(s.rest.substr(0, space)); n > 0; --n) start.text += piece;
+        }
         if (!SetupValue("nodoc")) {
             m_doc = CreateHtmlDocument();
             m_doc->SetText(start.text);
@@ -900,8 +901,8 @@ private:
 
     // --- Scrolling ---
 
-    // `scrolls DX,DY[@SCROLLLEFT,CLIPLEFT] ...`: the window's pixels moved since the last look, or none;
-    // the left edges of the scrolled rectangle and of the clip are given where the text moved sideways.
+    // `scrolls DX,DY[@SCROLLLEFT,CLIPLEFT] ...`: the window's pixels moved since the last look, or
+    // none; the left edges of the scrolled rectangle and of the clip where the text moved sideways.
     void Scrolls(const std::string& expected) {
         std::string actual;
         const auto& scrolls = Window().Scrolls();
@@ -933,7 +934,9 @@ private:
     }
     // `caretmoves N|*`: the caret's changes since the last look.
     void CaretMoves(const std::string& n) {
-        if (n != "*") EXPECT_EQ(Window().CaretChanges() - m_nCaretChangesSeen, Number(n));
+        if (n != "*") {
+            EXPECT_EQ(Window().CaretChanges() - m_nCaretChangesSeen, Number(n));
+        }
         m_nCaretChangesSeen = Window().CaretChanges();
     }
     // `painted yes|no`: whether anything was drawn since the last look, and then nothing is left

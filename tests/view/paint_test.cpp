@@ -53,7 +53,7 @@ TEST_F(Painting, TheBusyPanelShowsItsTextAndAnimationWhileNested) {
     EXPECT_TRUE(platform->ChildControlsOf(ctrl->GetSafeHwnd()).empty());
 }
 
-TEST_F(Painting, ALargeReformatRaisesThePanelAndTheWaitCursorAndTakesThemDownAgain) {
+TEST_F(Painting, ALargeReformatLeavesNeitherThePanelNorTheWaitCursorUp) {
     OpenText(std::string(400000, 'x'));
     EXPECT_EQ(platform->WaitCursorDepth(), 0);
     EXPECT_EQ(ctrl->GetBusyCount(), 0);
