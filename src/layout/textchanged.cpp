@@ -103,7 +103,7 @@ void CZentrelCtrl::ApplyTextChange(long nPos, long nRemoved, long nInserted, Lay
     if (!HasWindow()) {
         if (nRemoved > 0) TakeBytes(m_Lines, nPos, nRemoved, nPos + nRemoved, pRange);
         if (nInserted > 0) m_Lines.AddAt(ReceivingLine(m_Lines, nPos), nInserted);
-    } else if (LaysOutWhole(nRemoved, nInserted, m_pDoc->GetLength())) {
+    } else if (LaysOutWhole(nRemoved, nInserted, m_pDoc ? m_pDoc->GetLength() : 0)) {
         RelayoutAll(nPos, pRange);
     } else {
         RelayoutChange(nPos, nRemoved, nInserted, pRange);
