@@ -10,10 +10,10 @@ namespace {
 constexpr size_t kChunkLines = 128;
 constexpr size_t kMaxChunkLines = 2 * kChunkLines;
 
-// The lengths of the lines that `text` makes when it stands between `prefix` bytes of a line
-// and `suffix` bytes of the rest of that line.
-std::vector<long> SplitLines(long prefix, std::string_view text, long suffix) {
-    std::vector<long> lens;
+// Gives `add` the length of each line that `text` makes when it stands between `prefix` bytes of
+// a line and `suffix` bytes of the rest of that line, in order.
+template <class Add>
+void EachLine(long prefix, std::string_view text, long suffix, Add add) {
     long run = prefix;
     const char* p = text.data();
     const char* end = p + text.size();
@@ -21,11 +21,16 @@ std::vector<long> SplitLines(long prefix, std::string_view text, long suffix) {
         const void* hit = std::memchr(p, '\n', static_cast<size_t>(end - p));
         if (!hit) break;
         const char* lf = static_cast<const char*>(hit);
-        lens.push_back(run + (lf - p) + 1);
+        add(run + (lf - p) + 1);
         run = 0;
         p = lf + 1;
     }
-    lens.push_back(run + (end - p) + suffix);
+    add(run + (end - p) + suffix);
+}
+
+std::vector<long> SplitLines(long prefix, std::string_view text, long suffix) {
+    std::vector<long> lens;
+    EachLine(prefix, text, suffix, [&lens](long len) { lens.push_back(len); });
     return lens;
 }
 
@@ -42,12 +47,14 @@ CHardLines::CHardLines() { Assign({}); }
 void CHardLines::Assign(std::string_view text) {
     m_chunks.clear();
     m_nLines = 0;
-    for (long len : SplitLines(0, text, 0)) AddLine(len);
+    // Straight into the chunks: a list of every line first would be as large again.
+    EachLine(0, text, 0, [this](long len) { AddLine(len); });
     Rebuild();
 }
 
 void CHardLines::AddLine(long len) {
-    if (m_chunks.empty() || m_chunks.back().lens.size() >= kChunkLines) m_chunks.emplace_back();
+    if (m_chunks.empty() || m_chunks.back().lens.size() >= kChunkLines)
+        m_chunks.emplace_back().lens.reserve(kChunkLines);
     m_chunks.back().lens.push_back(len);
     m_chunks.back().bytes += len;
 }

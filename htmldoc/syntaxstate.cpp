@@ -203,9 +203,12 @@ void CSyntaxState::Advance(long target) {
     size_t next = CheckpointAfter(pos);
     bool converged = false;
     while (pos < length && (pos < target || !m_lexer.IsClean())) {
-        long limit = std::min(length, pos + kCheckpointSpacing);
-        bool atOld = next < m_checkpoints.size() && CheckpointPos(next) <= limit;
-        if (atOld) limit = CheckpointPos(next);
+        // An old checkpoint less than two spacings ahead is the next stop, with no new one in
+        // front of it: else typing in front of a checkpoint would add one at every keystroke
+        // once the gap grew past a spacing, each an insert into the middle of the list.
+        const bool atOld =
+            next < m_checkpoints.size() && CheckpointPos(next) <= std::min(length, pos + 2 * kCheckpointSpacing);
+        const long limit = atOld ? CheckpointPos(next) : std::min(length, pos + kCheckpointSpacing);
         FeedText(pos, limit);
         pos = limit;
         if (atOld) {

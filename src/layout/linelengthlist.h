@@ -39,6 +39,8 @@ public:
         return m_nCount > 0 ? m_nCount - 1 : 0;
     }
     const int32_t* Data() const { return m_aLength.data(); }
+    // Room for this many lengths without a move: pages of it that are never written cost nothing.
+    void Reserve(long nCount) { m_aLength.reserve(static_cast<size_t>(nCount)); }
 
     int32_t m_nTotal = 0;
     int32_t m_nCount = 0;

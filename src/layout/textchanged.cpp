@@ -8,10 +8,17 @@
 
 namespace {
 
-// A change that moves more bytes than this is laid out anew in one pass over the whole text, as
-// a Reformat does: breaking a long run of new text into lines one insertion into the table at a
-// time (a loaded file arrives as one insertion) costs far more than a whole layout.
+// A change that moves more bytes than this and most of the text (a loaded file arrives as one
+// insertion) is laid out anew in one pass over the whole text, as a Reformat does. A smaller
+// share of a large text, a paste of megabytes, is laid out around the change: the rows it gives
+// are spliced into the table in one rebuild, which costs a copy of the table, not a scan of all
+// the text.
 constexpr long kWholeLayoutBytes = 1 << 20;
+
+bool LaysOutWhole(long nRemoved, long nInserted, long docLen) {
+    const long moved = std::max(nRemoved, nInserted);
+    return moved > kWholeLayoutBytes && moved > docLen / 2;
+}
 
 // The line that receives bytes inserted at `pos`: the last line for an insert at the very end.
 long ReceivingLine(const CLineIndex& lines, long pos) {
@@ -89,14 +96,14 @@ void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
                                       Variant::Long(std::abs(nSecond - nFirst))});
 }
 
-// In a window the rows are laid out anew: a large change in one pass over the whole text, any
-// other around the change. Without a window only the table's total is kept right; the layout
+// In a window the rows are laid out anew: a change of most of a large text in one pass over the
+// whole text, any other around the change. Without a window only the table's total is kept right; the layout
 // that follows the window's creation breaks the lines.
 void CZentrelCtrl::ApplyTextChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange) {
     if (!HasWindow()) {
         if (nRemoved > 0) TakeBytes(m_Lines, nPos, nRemoved, nPos + nRemoved, pRange);
         if (nInserted > 0) m_Lines.AddAt(ReceivingLine(m_Lines, nPos), nInserted);
-    } else if (std::max(nRemoved, nInserted) > kWholeLayoutBytes) {
+    } else if (LaysOutWhole(nRemoved, nInserted, m_pDoc ? m_pDoc->GetLength() : 0)) {
         RelayoutAll(nPos, pRange);
     } else {
         RelayoutChange(nPos, nRemoved, nInserted, pRange);

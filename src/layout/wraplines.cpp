@@ -8,6 +8,7 @@
 // in front of the character that overflowed. CR has no width and is no break opportunity, so a
 // CR and the LF behind it stay together. A tab runs to the next stop, m_nTabPixels apart.
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -54,6 +55,14 @@ const ByteKinds& Kinds() {
         built = true;
     }
     return kinds;
+}
+
+// From x to the next tab stop, tabPixels apart: in 32 bits where x fits, as a 64-bit division
+// costs several times as much, and lines start with tabs.
+inline long TabAdvance(long x, long tabPixels) {
+    if (x >= 0 && x <= 0xFFFFFFFFL && tabPixels > 0 && tabPixels <= 0xFFFFFFFFL)
+        return tabPixels - static_cast<long>(static_cast<uint32_t>(x) % static_cast<uint32_t>(tabPixels));
+    return tabPixels - x % tabPixels;
 }
 
 // How one line came out of the scan.
@@ -173,7 +182,7 @@ struct LineScanner {
                     return EndedByLineFeed(lineStart, scan, &out);
                 } else if (kind == kTabStop) {
                     breakPos = scan + 1;
-                    x += tabPixels - (x % tabPixels);
+                    x += TabAdvance(x, tabPixels);
                 } else if (kind == kLead) {
                     // A line may break in front of any double-byte character.
                     breakPos = scan;
@@ -331,6 +340,9 @@ void CZentrelCtrl::WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, lo
 
 void CZentrelCtrl::WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable) {
     CLineLengthList list;
+    // Enough for rows of 32 bytes on average, so that a large text's list is not copied over and
+    // over while it grows; a text of shorter rows grows it from there.
+    list.Reserve(m_pDoc ? m_pDoc->GetLength() / 32 + 16 : 16);
     CRowWrapper(*this, m_pDoc, dwOptions, nWidth).WrapRows(std::numeric_limits<long>::max(), &list);
     pTable->Build(list.Data(), list.m_nCount);
 }

@@ -124,4 +124,26 @@ TEST(SyntaxRandomEdits, ALargeTextThatIsEditedInManyPlaces) {
     }
 }
 
+TEST(SyntaxRandomEdits, TypingARunAtOnePlaceGrowsTheGapsBetweenCheckpoints) {
+    // Thousands of pieces typed one behind the other, so that the text between two saved states
+    // grows past several spacings of them while the classification keeps up with each piece.
+    std::string text;
+    for (int i = 0; i < 4; ++i) text += ReadPage("modern.html");
+    std::mt19937 rng(11);
+    ComPtr<CHtmlDocument> doc = CreateHtmlDocument();
+    doc->SetText(text);
+    long caret = doc->GetLength() / 3;
+    for (int step = 0; step < (LongRun() ? 20000 : 3000); ++step) {
+        const char* piece = kPieces[std::uniform_int_distribution<size_t>(0, std::size(kPieces) - 1)(rng)];
+        const long length = static_cast<long>(std::strlen(piece));
+        doc->InsertText(caret, piece, length, nullptr);
+        caret += length;
+        doc->GetClassAt(caret - 1);
+        if (step % 500 == 499) {
+            CheckAgainstFresh(*doc, false, "step " + std::to_string(step));
+            if (HasFailure()) return;
+        }
+    }
+}
+
 }  // namespace

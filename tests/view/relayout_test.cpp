@@ -1,7 +1,8 @@
 // The line table after every change of the text against a whole layout of the same text: random
 // inserts, deletes and replacements of line ends (LF, CR LF, lone CR), tabs, spaces, hyphens,
-// long words and double-byte characters, with word wrap at several widths and without it; and a
-// whole layout handed out row by row in pieces against the same layout made in one go.
+// long words and double-byte characters, with word wrap at several widths and without it; a
+// whole layout handed out row by row in pieces against the same layout made in one go; and a
+// whole layout at random byte widths against a walk of the breaking rules one byte at a time.
 // ZENTREL_LONG_TESTS=1 runs many more edits.
 #include <cstdlib>
 #include <random>
@@ -110,8 +111,62 @@ protected:
         return {};
     }
 
+    // Text with long stretches of common bytes between the bytes that end them.
+    std::string StretchyText() {
+        static const char* const kEnds[] = {"\n", "\r\n", "\r", "\t", " ", "-", "\xE9", "\x82\xA0", "a\x88\x9F"};
+        std::string out;
+        for (unsigned n = rng() % 60; n > 0; --n) {
+            for (unsigned k = rng() % 40; k > 0; --k) out += static_cast<char>(rng() % 3 == 0 ? ' ' : 'a' + rng() % 26);
+            out += kEnds[rng() % std::size(kEnds)];
+        }
+        return out;
+    }
+
     std::mt19937 rng;
 };
+
+// The rows of `text` by the breaking rules taken one byte at a time, without collapsed blocks:
+// a line feed ends a row; at the width the row breaks behind the last space, hyphen or tab, or
+// in front of the last double-byte character, or else in front of the byte that overflowed.
+std::vector<long> ByteWiseRows(const std::string& text, const LONG* widths, long charWidth, long tabPixels,
+                               long width) {
+    std::vector<long> rows;
+    const long n = static_cast<long>(text.size());
+    for (long pos = 0; pos < n;) {
+        long scan = pos, breakPos = pos, x = 0;
+        while (scan < n) {
+            const auto c = static_cast<unsigned char>(text[static_cast<size_t>(scan)]);
+            long size = 1;
+            if (c == '\n') {
+                ++scan;
+                break;
+            }
+            if (c == '\t') {
+                breakPos = scan + 1;
+                x += tabPixels - x % tabPixels;
+            } else if (IsLeadByte(c)) {
+                breakPos = scan;
+                size = 2;
+                x += 2 * charWidth;
+            } else if (c != '\r') {
+                x += widths[c];
+                if (c == ' ' || c == '-') breakPos = scan + 1;
+            }
+            scan += size;
+            if (x >= width) {
+                if (breakPos > pos) scan = breakPos;
+                else if (scan - pos > size) scan -= size;
+                break;
+            }
+        }
+        // A lead byte as the text's last byte leaves the rest as one row.
+        const long len = scan > n ? n - pos : scan - pos;
+        rows.push_back(len);
+        pos += len;
+    }
+    if (n == 0 || text.back() == '\n') rows.push_back(0);
+    return rows;
+}
 
 TEST_P(Relayout, TheTableAfterEveryChangeIsAWholeLayoutOfTheText) {
     // A fixed seed per setting, so that a failure repeats; the long run tries new ones.
@@ -131,6 +186,25 @@ TEST_P(Relayout, TheTableAfterEveryChangeIsAWholeLayoutOfTheText) {
                 << "seed " << seed << ", from " << Escaped(before) << " to " << Escaped(doc->GetText());
             ASSERT_EQ(PiecewiseDifference(), "") << "seed " << seed << ", text " << Escaped(doc->GetText());
         }
+    }
+}
+
+TEST_P(Relayout, AWholeLayoutAtRandomWidthsBreaksWhereAByteWiseWalkBreaks) {
+    const Setting& s = GetParam();
+    rng.seed(s.codePage * 7u + static_cast<unsigned>(s.width) + s.wrap);
+    const DWORD options = ctrl->GetOptionsWord() | OPT_SCREENMETRICS;
+    for (int t = 0; t < (LongRun() ? 4000 : 200); ++t) {
+        // Zero widths now and then, and wide bytes that overflow a row in a few.
+        for (LONG& w : ctrl->m_WrapMetrics.m_aWidth) w = static_cast<LONG>(rng() % 5 == 0 ? 0 : rng() % 24);
+        const std::string text = StretchyText();
+        doc->SetText(text);
+        CLineIndex table;
+        ctrl->WrapAll(options, ctrl->BreakWidth(), &table);
+        const std::vector<long> expected =
+            ByteWiseRows(text, ctrl->m_WrapMetrics.m_aWidth, ctrl->m_nCharWidth, ctrl->m_nTabPixels, ctrl->BreakWidth());
+        std::vector<long> rows;
+        for (long i = 0; i < table.m_nCount; ++i) rows.push_back(table.GetAt(i));
+        ASSERT_EQ(rows, expected) << "text " << Escaped(text);
     }
 }
 
