@@ -45,6 +45,7 @@ public:
     BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) override;
     // A window's surface is shown only once a paint is over, and a bitmap only when copied.
     bool DrawsOffScreen() const override { return m_pImage != nullptr; }
+    bool WritesPixelsInMemory() const override { return m_pImage != nullptr; }
 
 protected:
     // For a context over another device: the painter that the derived class begins on it, and
