@@ -137,6 +137,9 @@ public:
     // Whether what is drawn here stays out of sight until the drawing is done (a window's back
     // buffer, a bitmap), so that a picture built in steps on it never shows half made.
     virtual bool DrawsOffScreen() const { return false; }
+    // Whether drawing writes the pixels of an image in memory, where a pixel written twice costs
+    // twice: a painter then leaves to opaque text cells what they cover instead of filling first.
+    virtual bool WritesPixelsInMemory() const { return false; }
 
     // --- For the window layer ---
     // The area a paint may touch; the whole device when not set.

@@ -180,10 +180,31 @@ void CQtDC::UseClip(ClipState state) {
 void CQtDC::Drew(const QRect& rc) { m_rcDrawn |= rc & QRectFromRect(Visible().Bounds()); }
 
 void CQtDC::FillPrimitive(const RECT& rc, COLORREF color) {
+    if (FillPixelsDirectly(rc, color)) return;
     QPainter* p = Painter(QRectFromRect(rc));
     if (!p) return;
     p->fillRect(QRectFromRect(rc), QColorFromColorRef(color));
     Drew(QRectFromRect(rc));
+}
+
+bool CQtDC::FillPixelsDirectly(const RECT& rc, COLORREF color) {
+    // A solid fill of opaque pixels is a row of equal words; the painter's call around it costs
+    // more than the filling itself for the small cells of tabs and margins.
+    if (rc.IsEmpty() || !m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32 ||
+        !OnePixelPerUnit(*m_pImage) || !Visible().InsideOneRect(rc))
+        return false;
+    const QRgb pixel = QColorFromColorRef(color).rgb();
+    const qsizetype stride = m_pImage->bytesPerLine();
+    uchar* const first = m_pImage->bits() + rc.top * stride + rc.left * static_cast<qsizetype>(sizeof(QRgb));
+    // The first row by doubling what is already written, the others as copies of it: block
+    // moves, where a loop of single words would store one pixel at a time.
+    const size_t bytes = static_cast<size_t>(rc.Width()) * sizeof(QRgb);
+    std::memcpy(first, &pixel, sizeof pixel);
+    for (size_t done = sizeof pixel; done < bytes; done *= 2) std::memcpy(first + done, first, std::min(done, bytes - done));
+    uchar* row = first + stride;
+    for (LONG y = rc.top + 1; y < rc.bottom; ++y, row += stride) std::memcpy(row, first, bytes);
+    Drew(QRectFromRect(rc));
+    return true;
 }
 
 // Glyphs stand at the pen position the base laid out: each byte's advance moves it on, a

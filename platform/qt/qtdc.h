@@ -45,6 +45,7 @@ public:
     BOOL CreatePixelBitmap(CBitmap* bitmap, int cx, int cy, const COLORREF* pixels, const COLORREF* doubled) override;
     // A window's surface is shown only once a paint is over, and a bitmap only when copied.
     bool DrawsOffScreen() const override { return m_pImage != nullptr; }
+    bool WritesPixelsInMemory() const override { return m_pImage != nullptr; }
 
 protected:
     // For a context over another device: the painter that the derived class begins on it, and
@@ -80,6 +81,8 @@ private:
     // an opaque cell of one colour, wholly visible, its ink inside its cells; and the copying.
     bool GlyphCellsApply(const TextRunPrimitive& run, const class CQtFont& font) const;
     void CopyGlyphCells(const TextRunPrimitive& run, const class CQtFont& font);
+    // Fills with one colour by writing the pixels; false when the fill needs the painter.
+    bool FillPixelsDirectly(const RECT& rc, COLORREF color);
     // Copies pixels of another image row by row; false when the copy needs the painter.
     bool CopyPixels(const RECT& dst, const QImage& from, const RECT& srcRect);
     void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);

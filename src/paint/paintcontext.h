@@ -27,4 +27,8 @@ struct LinePaint {
     long nLength = 0;
     long xText = 0;  // x of the text origin: bounds' left - nScrollX + nGutter
     long yTop = 0;   // top of this line
+    // Set where each line fills what its runs leave of its band, after them; otherwise the
+    // background was filled under all lines beforehand.
+    bool bFillAfterRuns = false;
+    COLORREF crBack = 0;
 };

@@ -3,6 +3,7 @@
 // the line table and draws each line's text in runs of one format. Every byte's format comes
 // from GetCharFormat; nothing of the picture or the text is kept between paints.
 #include <algorithm>
+#include <climits>
 
 #include "src/layout/textreader.h"
 #include "src/view/module.h"
@@ -39,6 +40,7 @@ struct CZentrelCtrl::RunPainter {
     DWORD options;
     RECT rcLine;      // what is left of the line to paint; its left edge follows the runs
     long x;           // where the next run starts
+    long right = LONG_MIN;  // the right edge of the cells drawn
     CharFormat cur{}; // the format on the device
     long overhang = 0;
 
@@ -70,6 +72,7 @@ struct CZentrelCtrl::RunPainter {
                 dc->ExtTextOut(0, 0, ETO_OPAQUE, &cell, nullptr, 0);
             }
         }
+        right = std::max(right, end);
         x = end;
     }
 
@@ -97,6 +100,7 @@ struct CZentrelCtrl::RunPainter {
         if (dc->RectVisible(cell))
             dc->ExtTextOut(static_cast<int>(x), static_cast<int>(lp.yTop + view.m_nAscent), ETO_OPAQUE | ETO_CLIPPED, &cell,
                            buffer, static_cast<UINT>(count));
+        right = std::max(right, x + cx);
         x += cx - overhang;
     }
 
@@ -171,13 +175,17 @@ void CZentrelCtrl::PaintLines(PaintContext* pCtx) {
     std::unique_ptr<CDC> mem = dc->CreateCompatibleDC();
     if (!mem) return;
     const long gutter = pCtx->nGutter - m_nCharWidth;
+    // Where pixels cost per write, only the margin left of the lines is filled now: each line
+    // fills what its runs leave, and the area below the lines is filled last.
+    const bool fillAfterRuns = dc->WritesPixelsInMemory();
+    RECT background = update;
+    if (fillAfterRuns) background.right = std::min(update.right, static_cast<LONG>(bounds.left + pCtx->nGutter));
     if (gutter < 1) {
-        dc->FillSolidRect(update, clrBack);
+        dc->FillSolidRect(background, clrBack);
     } else {
         PaintGutterColumn(pCtx, mem.get(), gutter);
-        RECT text = update;
-        text.left = static_cast<LONG>(bounds.left - m_nCharWidth + pCtx->nGutter);
-        dc->FillSolidRect(text, clrBack);
+        background.left = static_cast<LONG>(bounds.left + gutter);
+        dc->FillSolidRect(background, clrBack);
         if (options & OPT_LEFTMARGINVISIBLE) {
             const COLORREF color = (options & OPT_MONODRAW) ? 0x000000 : GetSysColor(COLOR_BTNSHADOW);
             const LONG lx = static_cast<LONG>(bounds.left + gutter - 1);
@@ -190,6 +198,8 @@ void CZentrelCtrl::PaintLines(PaintContext* pCtx) {
     lp.pMemDC = mem.get();
     lp.xText = bounds.left - pCtx->nScrollX + pCtx->nGutter;
     lp.yTop = update.top - skip;
+    lp.bFillAfterRuns = fillAfterRuns;
+    lp.crBack = clrBack;
     const CLineIndex& lines = *pCtx->pLines;
     if (firstLine >= 0 && firstLine < lines.m_nCount) {
         lp.nStart = lines.GetLineStart(firstLine);
@@ -231,26 +241,38 @@ void CZentrelCtrl::PaintLine(LinePaint* pLine) {
         dc->ExcludeClipRect(gutter);  // no text spills into the gutter
     }
     rcLine.left = std::max(rcLine.left, gutter.right);
-    if (pLine->nLength == 0 || !dc->RectVisible(rcLine)) return;
-    if (collapsed) {
-        PaintCollapsedLine(pLine, blockStart, blockEnd);
-        return;
+    if (!dc->RectVisible(rcLine)) return;
+    long uncovered = rcLine.left;  // where what the line draws leaves the background
+    if (pLine->nLength == 0) {
+        // an empty last line shows only the background
+    } else if (collapsed) {
+        if (PaintCollapsedLine(pLine, blockStart, blockEnd)) uncovered = ctx->prcUpdate->right;
+    } else {
+        RunPainter runs{*this, *pLine, dc, *ctx->pText, ctx->dwOptions, rcLine, pLine->xText};
+        runs.Paint();
+        uncovered = std::max(uncovered, runs.right);
     }
-    RunPainter runs{*this, *pLine, dc, *ctx->pText, ctx->dwOptions, rcLine, pLine->xText};
-    runs.Paint();
+    FillLineTail(pLine, uncovered);
 }
 
-void CZentrelCtrl::PaintCollapsedLine(LinePaint* pLine, long, long) {
+void CZentrelCtrl::FillLineTail(LinePaint* pLine, long nFrom) {
+    if (!pLine->bFillAfterRuns) return;
+    const RECT& update = *pLine->pPaint->prcUpdate;
+    const RECT tail = IntersectRects(LineRect(nFrom, update.right, pLine->yTop, m_nLineHeight), update);
+    pLine->pPaint->pDC->FillSolidRect(tail, pLine->crBack);
+}
+
+bool CZentrelCtrl::PaintCollapsedLine(LinePaint* pLine, long, long) {
     PaintContext* ctx = pLine->pPaint;
     CDC* dc = ctx->pDC;
     const RECT& bounds = *ctx->prcBounds;
     const RECT band = LineRect(bounds.left + ctx->nGutter, ctx->prcUpdate->right, pLine->yTop, m_nLineHeight);
     const RECT cell = IntersectRects(band, *ctx->prcUpdate);
-    if (cell.IsEmpty()) return;
+    if (cell.IsEmpty()) return true;
     const long low = std::min(m_nSelActive, m_nSelAnchor), high = std::max(m_nSelActive, m_nSelAnchor);
     const bool selected = pLine->nStart >= low && pLine->nStart < high;
     CFontMetrics* metrics = GetFontMetrics(m_Styles[STYLE_COLLAPSED].dwFont);
-    if (!metrics) return;
+    if (!metrics) return false;
 
     // The label: the line's text without tabs and line ends, cut with an ellipsis where it
     // would run past the window.
@@ -286,4 +308,5 @@ void CZentrelCtrl::PaintCollapsedLine(LinePaint* pLine, long, long) {
     dc->SelectObject(old);
     dc->FillSolidRect(RECT{band.left, band.top, band.right, band.top + 1}, GetSysColor(COLOR_3DHIGHLIGHT));
     dc->FillSolidRect(RECT{band.left, band.bottom - 1, band.right, band.bottom}, GetSysColor(COLOR_BTNSHADOW));
+    return true;
 }

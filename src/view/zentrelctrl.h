@@ -240,7 +240,9 @@ public:
                        BOOL bBuffered);
     void PaintLines(PaintContext* pCtx);
     void PaintLine(LinePaint* pLine);
-    void PaintCollapsedLine(LinePaint* pLine, long nBlockStart, long nBlockEnd);
+    // False when it could not draw the line's band (no font for it).
+    bool PaintCollapsedLine(LinePaint* pLine, long nBlockStart, long nBlockEnd);
+    void FillLineTail(LinePaint* pLine, long nFrom);
     // --- The gutter (src/paint/gutter.cpp) ---
     void LoadGutterBitmaps();
     void PaintGutterColumn(PaintContext* pCtx, CDC* pMemDC, long nWidth);

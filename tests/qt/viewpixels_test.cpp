@@ -312,6 +312,29 @@ TEST_F(ViewPixels, RightMarginLineStandsAtItsColumnInTheInvisibleCharactersColou
         ASSERT_LT(CountOf(hidden, QRect(x, 0, 1, hidden.height()), ToQRgb(kRed)), hidden.height()) << "a line at " << x;
 }
 
+// Rows paint the background right of their text, on an empty line and below the last line,
+// over whatever the window showed there before: nothing of longer lines that stood there stays.
+TEST_F(ViewPixels, ARepaintLeavesNothingOfTheLongerLinesThatStoodThere) {
+    const std::string wide(45, 'W');
+    OpenPage(wide + "\n" + wide + "\n" + wide + "\n" + wide + "\n" + wide + "\n");
+    ctrl->SetOption(OPT_RIGHTMARGINVISIBLE, FALSE);
+    Repaint();
+    doc->SetText("ab\n\n<!-- c -->\n");
+    const QImage image = Repaint();
+    const int h = static_cast<int>(ctrl->m_nLineHeight);
+    const QRgb white = ToQRgb(kWhite);
+    auto expectBlankFrom = [&](int x, int row) {
+        const QRect rest(x, row * h, image.width() - x, h);
+        EXPECT_EQ(CountOf(image, rest, white), rest.width() * rest.height()) << "row " << row << " from " << x;
+    };
+    EXPECT_TRUE(InkOfColour(image, Cell(1), kWhite, kBlack));
+    expectBlankFrom(PointOf(2).x(), 0);
+    expectBlankFrom(GutterRight(), 1);
+    EXPECT_EQ(Background(image, Cell(5)), ToQRgb(kGrey));  // the comment keeps its cells
+    expectBlankFrom(PointOf(14).x(), 2);
+    for (int row = 3; row < 5; ++row) expectBlankFrom(GutterRight(), row);
+}
+
 TEST_F(ViewPixels, AHiddenTabShowsItsArrowOnlyUnderDisplayAll) {
     OpenPage("a\tb\r\nc\n");
     const QRect tab = Cell(1);
