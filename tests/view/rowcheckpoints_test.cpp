@@ -136,8 +136,8 @@ TEST_F(LongRows, CheckpointsGiveWhatAWalkFromTheRowStartGives) {
     Focus();
     for (int step = 0; step < 300; ++step) {
         RandomStep();
-        ExpectSamePaint(step);
-        ExpectSameMapping(step);
+        ASSERT_NO_FATAL_FAILURE(ExpectSamePaint(step));
+        ASSERT_NO_FATAL_FAILURE(ExpectSameMapping(step));
     }
 }
 
