@@ -9,7 +9,9 @@
 // selected. The owner drops the states at and after a changed text or class position
 // (DropFrom), and all of them when the fonts or the exception tags change (Clear); the store
 // drops the rest by itself when it sees that what the walks depend on has changed (Sync,
-// SyncSelection).
+// SyncSelection). States are kept by their row's start and used only below the row's end, so a
+// new layout leaves them right: a row that starts at the same place has the same bytes before
+// each of its states.
 #pragma once
 #include <algorithm>
 #include <limits>
