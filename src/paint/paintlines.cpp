@@ -4,6 +4,7 @@
 // from GetCharFormat; nothing of the picture or the text is kept between paints, but where the
 // runs of a long row start (rowcheckpoints.h), so that a paint far along it starts near there.
 #include <algorithm>
+#include <limits>
 
 #include "src/layout/textreader.h"
 #include "src/view/module.h"
@@ -46,7 +47,7 @@ struct CZentrelCtrl::RunPainter {
     bool fontSelected = false;
     long maxX = 0, reach = 0;   // the largest x so far, and the right edge of the furthest cell
     CRowCheckpoints* checkpoints = nullptr;
-    long nextMark = 0;          // where the walk remembers its state next
+    long nextMark = std::numeric_limits<long>::max();  // where the walk remembers its state next
 
     // Puts the format on the device: colours, and the font if the cache has it.
     void Apply(const CharFormat& format, bool all) {
@@ -130,8 +131,9 @@ struct CZentrelCtrl::RunPainter {
     RECT StripBefore(long right) const { return LineRect(-(1L << 29), right, lp.yTop, view.m_nLineHeight); }
 
     // Takes up the walk at the last remembered state before whose runs nothing of the line is
-    // visible; false where the walk starts at the row's start.
-    bool Resume(long lineEnd, long* pos) {
+    // visible; false where the walk starts at the row's start. Kept out of line, as is Remember,
+    // so that the run loop of ordinary rows stays as tight as it was.
+    [[gnu::noinline]] bool Resume(long lineEnd, long* pos) {
         if (lp.pPaint->pLines != &view.m_Lines || lp.nLength <= CRowCheckpoints::kSpacing) return false;
         checkpoints = &view.RowCheckpoints(options);
         nextMark = checkpoints->NextPaintMark(lp.nStart);
@@ -153,8 +155,7 @@ struct CZentrelCtrl::RunPainter {
     }
 
     // Remembers the state at the start of a run, every so often along a long row.
-    void Remember(long pos) {
-        if (!checkpoints || pos < nextMark) return;
+    [[gnu::noinline]] void Remember(long pos) {
         checkpoints->AddPaint(lp.nStart, {pos, x - lp.xText, maxX - lp.xText, reach - lp.xText, cur, fontWord, overhang});
         nextMark = pos + CRowCheckpoints::kSpacing;
     }
@@ -179,7 +180,10 @@ struct CZentrelCtrl::RunPainter {
             Apply(nxt, true);
             // A format whose font the cache lacks measures in the font the device has from
             // before the row: then x depends on more than the row, and nothing is remembered.
-            if (!fontSelected) checkpoints = nullptr;
+            if (!fontSelected) {
+                checkpoints = nullptr;
+                nextMark = std::numeric_limits<long>::max();
+            }
             scan = lp.nStart + size;
             tabRun = first == kTab;
         }
@@ -213,7 +217,7 @@ struct CZentrelCtrl::RunPainter {
             rcLine.left = std::max<LONG>(rcLine.left, static_cast<LONG>(x));
             if (x > update || !dc->RectVisible(rcLine)) return;
             if (!SameFormat(nxt, cur)) Apply(nxt, false);
-            if (runStart == scan) Remember(scan);
+            if (scan >= nextMark && runStart == scan) Remember(scan);
         }
     }
 };
