@@ -50,6 +50,7 @@ BOOL CZentrelCtrl::AttachDocument(IDispatch* pDocument) {
 }
 
 void CZentrelCtrl::DetachDocument() {
+    m_RowCheckpoints.Clear();
     if (m_pDoc) {
         for (; m_nAdviceRefs > 0; --m_nAdviceRefs) AddRef();
         m_Bookmarks.RemoveAll();

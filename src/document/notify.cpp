@@ -74,6 +74,7 @@ HRESULT CZentrelCtrl::OnEnsureVisible(long) {
 
 LRESULT CZentrelCtrl::OnSourceRepaint(WPARAM, LPARAM lParam) {
     if (lParam == 0) {
+        m_RowCheckpoints.Clear();
         Refresh();
         return 0;
     }
@@ -97,6 +98,8 @@ LRESULT CZentrelCtrl::OnSourceRepaint(WPARAM, LPARAM lParam) {
         PeekMessage(&next, m_hWnd, WM_SOURCE_REPAINT, WM_SOURCE_REPAINT, PM_REMOVE);
         reinterpret_cast<IUnknown*>(next.lParam)->Release();
     }
+    // Re-classified bytes may be drawn in other fonts and colours from their first on.
+    m_RowCheckpoints.DropFrom(std::min(range.nStart, range.nEnd));
     InvalidateRange(range.nStart, range.nEnd);
     return 0;
 }

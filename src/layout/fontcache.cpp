@@ -105,6 +105,7 @@ BOOL CZentrelCtrl::RebuildFontCache() {
 }
 
 void CZentrelCtrl::ClearFontCache() {
+    m_RowCheckpoints.Clear();
     m_FontMetrics.clear();
     m_nCharWidth = 1;
     m_nLineHeight = 1;

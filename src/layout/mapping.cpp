@@ -1,10 +1,13 @@
 // Mapping between byte positions and points. Every caret placement, click and popup goes
 // through here. The functions walk a line's characters from its start and add up their widths
-// from the font cache, each in the font of its own format; nothing is cached between calls.
+// from the font cache, each in the font of its own format. On a long row the walk remembers
+// its state every few thousand bytes (rowcheckpoints.h), and a later walk starts from the last
+// state it would have passed.
 //
 // Document points have x 0 at the text's left edge with no horizontal scrolling and y 0 at the
 // top of line 0. Client points add the gutter and the scroll position.
 #include <algorithm>
+#include <limits>
 
 #include "src/layout/textreader.h"
 #include "src/view/zentrelctrl.h"
@@ -17,7 +20,21 @@ constexpr unsigned char kCR = '\r', kLF = '\n', kTab = '\t';
 // ends at a CR or LF, which have no place of their own, and at the end of the text.
 class CWidthWalk {
 public:
-    CWidthWalk(CZentrelCtrl& view, CTextReader& text, long pos) : m_view(view), m_text(text), m_nPos(pos) {}
+    // A walk of the row that starts at rowStart, from the last remembered state that passes
+    // `fits` below `stop`. A walk that cannot go as far as kSpacing leaves the store alone.
+    template <class Fits>
+    CWidthWalk(CZentrelCtrl& view, CTextReader& text, long rowStart, long stop, Fits fits)
+        : m_view(view), m_text(text), m_nPos(rowStart), m_nRowStart(rowStart) {
+        if (stop - rowStart <= CRowCheckpoints::kSpacing) return;
+        m_pStore = &view.RowCheckpoints(view.GetOptionsWord());
+        if (const MapCheckpoint* point = m_pStore->LastMap(rowStart, stop, fits)) {
+            m_nPos = point->pos;
+            m_nPixels = point->pixels;
+            m_nColumns = point->columns;
+            m_nReach = point->reach;
+        }
+        m_nNextMark = m_pStore->NextMapMark(rowStart);
+    }
 
     long Pos() const { return m_nPos; }
     long Pixels() const { return m_nPixels; }
@@ -45,9 +62,11 @@ public:
     }
 
     void Advance(long width, long size) {
+        m_nReach = std::max(m_nReach, m_nPixels + width);
         m_nPixels += width;
         m_nColumns += m_nColumnStep;
         m_nPos += size;
+        if (m_nPos >= m_nNextMark) Remember();
     }
 
     // Walks on while the position is below `stop`.
@@ -57,6 +76,11 @@ public:
     }
 
 private:
+    void Remember() {
+        m_pStore->AddMap(m_nRowStart, {m_nPos, m_nPixels, m_nColumns, m_nReach});
+        m_nNextMark = m_nPos + CRowCheckpoints::kSpacing;
+    }
+
     // The widths of a font word, looked up again only when the word changes.
     const LONG* Metrics(DWORD word) {
         if (!m_pWidths || word != m_dwFont) {
@@ -73,6 +97,10 @@ private:
     long m_nPixels = 0;
     long m_nColumns = 0;
     long m_nColumnStep = 0;
+    long m_nReach = 0;  // the right edge of the furthest character passed
+    long m_nRowStart;
+    CRowCheckpoints* m_pStore = nullptr;
+    long m_nNextMark = std::numeric_limits<long>::max();
     DWORD m_dwFont = 0;
     const LONG* m_pWidths = nullptr;
 };
@@ -94,7 +122,7 @@ CZentrelCtrl::LinePlace CZentrelCtrl::PlaceOfPosition(long nPos) {
     CTextReader text(m_pDoc);
     long start;
     const long line = LineOfPosition(nPos, text.Length(), &start);
-    CWidthWalk walk(*this, text, start);
+    CWidthWalk walk(*this, text, start, nPos + 1, [](const MapCheckpoint&) { return true; });
     walk.WalkTo(nPos);
     return {line, walk.Pixels(), walk.Columns()};
 }
@@ -133,7 +161,9 @@ long CZentrelCtrl::PositionFromDocPoint(long x, long y) {
     CTextReader text(m_pDoc);
     const unsigned char first = text.At(pos);
     if (first == kCR || first == kLF || pos >= end) return pos;
-    CWidthWalk walk(*this, text, pos);
+    // A walk stops at the first character that reaches the point, so it may start behind any
+    // character that ends short of it.
+    CWidthWalk walk(*this, text, pos, end, [x](const MapCheckpoint& p) { return p.reach < x; });
     long width, size;
     while (walk.Peek(&width, &size)) {
         const long left = walk.Pixels();

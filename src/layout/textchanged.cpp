@@ -65,6 +65,7 @@ LayoutRange RangesTouched(long action, long first, long second) {
 void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
     LayoutRange range{std::min(nFirst, nSecond), std::max(nFirst, nSecond)};
     const LayoutRange touched = RangesTouched(nAction, nFirst, nSecond);
+    m_RowCheckpoints.DropFrom(nAction == SA_RESET ? 0 : range.nStart);
     m_CollapseRoot.RemoveEmptyIn(touched.nStart, touched.nEnd);
     m_Bookmarks.OnTextChanged(touched.nStart, touched.nEnd);
     switch (nAction) {

@@ -1,9 +1,11 @@
 // The painter. It works only from its PaintContext, so that the screen and the print engine
 // call the same code: it fills the gutter and the background, then walks the visible lines of
 // the line table and draws each line's text in runs of one format. Every byte's format comes
-// from GetCharFormat; nothing of the picture or the text is kept between paints.
+// from GetCharFormat; nothing of the picture or the text is kept between paints, but where the
+// runs of a long row start (rowcheckpoints.h), so that a paint far along it starts near there.
 #include <algorithm>
 #include <climits>
+#include <limits>
 
 #include "src/layout/textreader.h"
 #include "src/view/module.h"
@@ -43,6 +45,11 @@ struct CZentrelCtrl::RunPainter {
     long right = LONG_MIN;  // the right edge of the cells drawn
     CharFormat cur{}; // the format on the device
     long overhang = 0;
+    DWORD fontWord = 0;         // the word of the font last selected, once one was
+    bool fontSelected = false;
+    long maxX = 0, reach = 0;   // the largest x so far, and the right edge of the furthest cell
+    CRowCheckpoints* checkpoints = nullptr;
+    long nextMark = std::numeric_limits<long>::max();  // where the walk remembers its state next
 
     // Puts the format on the device: colours, and the font if the cache has it.
     void Apply(const CharFormat& format, bool all) {
@@ -52,6 +59,8 @@ struct CZentrelCtrl::RunPainter {
             if (CFontMetrics* metrics = view.FindFontMetrics(format.dwFont)) {
                 dc->SelectObject(&metrics->m_hFont);
                 overhang = metrics->m_tm.tmOverhang;
+                fontWord = format.dwFont;
+                fontSelected = true;
             }
         }
         cur = format;
@@ -107,15 +116,52 @@ struct CZentrelCtrl::RunPainter {
     // Draws the bytes from runStart to scan, if any.
     void Flush(long runStart, long scan) {
         if (scan <= runStart) return;
-        if (text.At(runStart) == kTab)
+        if (text.At(runStart) == kTab) {
             FlushTab();
-        else
+            reach = std::max(reach, x);
+        } else {
             FlushText(runStart, scan);
+            reach = std::max(reach, x + overhang);
+        }
+        maxX = std::max(maxX, x);
     }
 
     bool InSelection(long pos) const {
         const long low = std::min(view.m_nSelActive, view.m_nSelAnchor), high = std::max(view.m_nSelActive, view.m_nSelAnchor);
         return pos >= low && pos < high;
+    }
+
+    // The strip of the line left of `right`, from far outside the window.
+    RECT StripBefore(long right) const { return LineRect(-(1L << 29), right, lp.yTop, view.m_nLineHeight); }
+
+    // Takes up the walk at the last remembered state before whose runs nothing of the line is
+    // visible; false where the walk starts at the row's start. Kept out of line, as is Remember,
+    // so that the run loop of ordinary rows stays as tight as it was.
+    [[gnu::noinline]] bool Resume(long lineEnd, long* pos) {
+        if (lp.pPaint->pLines != &view.m_Lines || lp.nLength <= CRowCheckpoints::kSpacing) return false;
+        checkpoints = &view.RowCheckpoints(options);
+        nextMark = checkpoints->NextPaintMark(lp.nStart);
+        const PaintCheckpoint* point = checkpoints->LastPaint(
+            lp.nStart, lineEnd, [&](const PaintCheckpoint& p) { return !dc->RectVisible(StripBefore(lp.xText + p.reach)); });
+        if (!point) return false;
+        dc->SetTextColor(point->format.crText);
+        dc->SetBkColor(point->format.crBack);
+        if (CFontMetrics* metrics = view.FindFontMetrics(point->fontWord)) dc->SelectObject(&metrics->m_hFont);
+        cur = point->format;
+        fontWord = point->fontWord;
+        fontSelected = true;
+        overhang = point->overhang;
+        x = lp.xText + point->x;
+        maxX = lp.xText + point->maxX;
+        reach = lp.xText + point->reach;
+        *pos = point->pos;
+        return true;
+    }
+
+    // Remembers the state at the start of a run, every so often along a long row.
+    [[gnu::noinline]] void Remember(long pos) {
+        checkpoints->AddPaint(lp.nStart, {pos, x - lp.xText, maxX - lp.xText, reach - lp.xText, cur, fontWord, overhang});
+        nextMark = pos + CRowCheckpoints::kSpacing;
     }
 
     void Paint() {
@@ -124,11 +170,27 @@ struct CZentrelCtrl::RunPainter {
         // A line that starts with its line end shows nothing: the background stands.
         const unsigned char first = text.At(lp.nStart);
         if (first == kLF || (first == kCR && !(options & OPT_DISPLAYALL) && !InSelection(lp.nStart))) return;
-        CharFormat nxt;
-        long size = view.GetCharFormat(first, lp.nStart, options, &nxt);
-        Apply(nxt, true);
-        long runStart = lp.nStart, scan = lp.nStart + size;
-        bool tabRun = first == kTab;
+        CharFormat nxt{};
+        long size = 0, runStart = lp.nStart, scan = lp.nStart;
+        bool tabRun = false;
+        maxX = reach = x;
+        if (Resume(lineEnd, &scan)) {
+            // The walk from the row's start ends here when the rest of the line is out of sight.
+            runStart = scan;
+            rcLine.left = std::max<LONG>(rcLine.left, static_cast<LONG>(maxX));
+            if (maxX > update || !dc->RectVisible(rcLine)) return;
+        } else {
+            size = view.GetCharFormat(first, lp.nStart, options, &nxt);
+            Apply(nxt, true);
+            // A format whose font the cache lacks measures in the font the device has from
+            // before the row: then x depends on more than the row, and nothing is remembered.
+            if (!fontSelected) {
+                checkpoints = nullptr;
+                nextMark = std::numeric_limits<long>::max();
+            }
+            scan = lp.nStart + size;
+            tabRun = first == kTab;
+        }
         bool last = false;
         while (scan <= lineEnd) {
             bool flush = true;
@@ -159,6 +221,7 @@ struct CZentrelCtrl::RunPainter {
             rcLine.left = std::max<LONG>(rcLine.left, static_cast<LONG>(x));
             if (x > update || !dc->RectVisible(rcLine)) return;
             if (!SameFormat(nxt, cur)) Apply(nxt, false);
+            if (scan >= nextMark && runStart == scan) Remember(scan);
         }
     }
 };

@@ -279,9 +279,13 @@ void CZentrelCtrl::AddExceptionTag(const std::string& lpszTagName, OLE_COLOR col
     }
     it->second.crText = colForeground;
     it->second.crBack = colBackground;
+    m_RowCheckpoints.Clear();
 }
 
-void CZentrelCtrl::RemoveAllExceptionTags() { m_ExceptionTags.clear(); }
+void CZentrelCtrl::RemoveAllExceptionTags() {
+    m_ExceptionTags.clear();
+    m_RowCheckpoints.Clear();
+}
 
 BOOL CZentrelCtrl::PointInGutter(long nClientX, long nClientY) const {
     bool inClient = nClientX >= m_rcClient.left && nClientX < m_rcClient.right && nClientY >= m_rcClient.top &&

@@ -25,6 +25,7 @@
 #include "src/layout/lineindex.h"
 #include "src/paint/formatstyle.h"
 #include "src/paint/paintcontext.h"
+#include "src/paint/rowcheckpoints.h"
 #include "src/print/pagesetup.h"
 #include "src/print/printprogress.h"
 #include "src/view/options.h"
@@ -252,6 +253,9 @@ public:
     void PaintSelectionBracket(LinePaint* pLine, const RECT& rcBox);
     // Copies a gutter bitmap into a rectangle of the line's device, through the memory context.
     void PaintGutterBitmap(LinePaint* pLine, CBitmap* pBitmap, const RECT& rc);
+    // The checkpoints of long rows, first brought in step with the format table, the fonts, the
+    // option word and the selection in force (src/paint/viewcheckpoints.cpp).
+    CRowCheckpoints& RowCheckpoints(DWORD dwOptions);
     void InvalidateRange(long nFrom, long nTo);
     void InvalidateGutter();
     void InvalidateGutterAt(long nPos);
@@ -619,6 +623,7 @@ public:
     std::map<std::string, FormatStyle> m_ExceptionTags;  // key: tag name in upper case; font word unused
     std::map<DWORD, std::unique_ptr<CFontMetrics>> m_FontMetrics;  // by font word
     CFontMetrics m_WrapMetrics;
+    CRowCheckpoints m_RowCheckpoints;  // where the walks along long rows may start
     CPen m_penHidden;
     CBitmap m_bmpGutter;  // the background tile
     CBitmap m_bmpFold;    // the minus box
