@@ -1,6 +1,9 @@
 // Rebuilding the whole layout: after a change of width, font or a layout setting.
 #include "platform/window/caret.h"
 #include "platform/window/controls.h"
+#include "platform/window/scrollbar.h"
+#include "src/layout/linelengthlist.h"
+#include "src/layout/rowwrapper.h"
 #include "src/view/zentrelctrl.h"
 
 namespace {
@@ -23,10 +26,30 @@ long CZentrelCtrl::GetWrapWidth() {
     return std::max(static_cast<long>(rc.Width()) - m_nIndentSize, floor);
 }
 
+// A large wrapped text laid out while the vertical bar is hidden would be laid out twice: the
+// bar that its rows call for narrows the window, and the resize lays the text out again. When
+// the first rows already fill the window twice over, the bar is shown before the layout, and the
+// resize that it causes lays the text out once at the narrower width. Gives whether that layout
+// took place.
+bool CZentrelCtrl::LaidOutBehindVerticalBar(long nWidth) {
+    ScrollBarState bar;
+    if (!HasWindow() || !GetOption(OPT_WORDWRAP) || m_pDoc->GetLength() <= kBusyPanelThreshold ||
+        !GetScrollBarState(m_hWnd, SB_VERT, &bar) || bar.visible)
+        return false;
+    const long rows = 2 * GetVisibleLines() + 2;
+    CLineLengthList first;
+    if (CRowWrapper(*this, m_pDoc, m_Options, nWidth).WrapRows(rows, &first) < rows) return false;
+    // No layout stands at any width until one is made: a resize delivered at once lays out.
+    m_nWrapWidth = -1;
+    ShowScrollBar(m_hWnd, SB_VERT, TRUE);
+    return m_nWrapWidth != -1;
+}
+
 BOOL CZentrelCtrl::Reformat(BOOL bOnlyIfWidthChanged) {
     if (!m_pDoc || !GetEnabled()) return FALSE;
     long width = GetWrapWidth();
     if (bOnlyIfWidthChanged && width == m_nWrapWidth) return FALSE;
+    if (LaidOutBehindVerticalBar(width)) return TRUE;
     if (HasWindow()) HideCaret(m_hWnd);
     m_nWrapWidth = width;
     long length = m_pDoc->GetLength();

@@ -165,6 +165,7 @@ public:
     long BreakWidth();
     BOOL Reformat(BOOL bOnlyIfWidthChanged);
     long GetWrapWidth();
+    bool LaidOutBehindVerticalBar(long nWidth);
     void WrapLines(DWORD dwOptions, long nPos, LayoutRange* pRange, long nWidth, long nLines, CLineIndex* pTable);
     void RewrapLines(long nPos, LayoutRange* pRange, long nLines);
     // Lays out the whole text into pTable in one pass: the same breaks as WrapLines from 0.
