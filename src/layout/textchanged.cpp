@@ -98,8 +98,8 @@ void CZentrelCtrl::OnTextChanged(long nAction, long nFirst, long nSecond) {
 }
 
 // In a window the rows are laid out anew: a change of most of a large text in one pass over the
-// whole text, any other around the change. Without a window only the table's total is kept right; the layout
-// that follows the window's creation breaks the lines.
+// whole text, any other around the change. Without a window only the table's total is kept
+// right; the layout that follows the window's creation breaks the lines.
 void CZentrelCtrl::ApplyTextChange(long nPos, long nRemoved, long nInserted, LayoutRange* pRange) {
     if (!HasWindow()) {
         if (nRemoved > 0) TakeBytes(m_Lines, nPos, nRemoved, nPos + nRemoved, pRange);
