@@ -42,12 +42,12 @@ struct CZentrelCtrl::RunPainter {
     DWORD options;
     RECT rcLine;      // what is left of the line to paint; its left edge follows the runs
     long x;           // where the next run starts
-    long right = LONG_MIN;  // the right edge of the cells drawn
     CharFormat cur{}; // the format on the device
     long overhang = 0;
     DWORD fontWord = 0;         // the word of the font last selected, once one was
     bool fontSelected = false;
-    long maxX = 0, reach = 0;   // the largest x so far, and the right edge of the furthest cell
+    long maxX = 0;              // the largest x so far
+    long reach = LONG_MIN;      // the right edge of the furthest cell drawn
     CRowCheckpoints* checkpoints = nullptr;
     long nextMark = std::numeric_limits<long>::max();  // where the walk remembers its state next
 
@@ -81,7 +81,6 @@ struct CZentrelCtrl::RunPainter {
                 dc->ExtTextOut(0, 0, ETO_OPAQUE, &cell, nullptr, 0);
             }
         }
-        right = std::max(right, end);
         x = end;
     }
 
@@ -109,7 +108,6 @@ struct CZentrelCtrl::RunPainter {
         if (dc->RectVisible(cell))
             dc->ExtTextOut(static_cast<int>(x), static_cast<int>(lp.yTop + view.m_nAscent), ETO_OPAQUE | ETO_CLIPPED, &cell,
                            buffer, static_cast<UINT>(count));
-        right = std::max(right, x + cx);
         x += cx - overhang;
     }
 
@@ -313,7 +311,7 @@ void CZentrelCtrl::PaintLine(LinePaint* pLine) {
     } else {
         RunPainter runs{*this, *pLine, dc, *ctx->pText, ctx->dwOptions, rcLine, pLine->xText};
         runs.Paint();
-        uncovered = std::max(uncovered, runs.right);
+        uncovered = std::max(uncovered, runs.reach);
     }
     FillLineTail(pLine, uncovered);
 }
