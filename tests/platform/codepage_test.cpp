@@ -1,11 +1,15 @@
 #include <gtest/gtest.h>
 #include <iconv.h>
 
+#include <sstream>
+
 #include "platform/codepage/codepage.h"
 #include "platform/codepage/convert.h"
 #include "platform/codepage/leadbyte.h"
 #include "platform/codepage/symbol.h"
+#include "platform/codepage/unicode.h"
 #include "tests/codepagescope.h"
+#include "tests/platform/casefile.h"
 
 namespace {
 
@@ -148,81 +152,56 @@ TEST(Conversion, AsciiIsTheSameBytesInEveryCodePage) {
     }
 }
 
-TEST(DoubleByteConversion, JapaneseTextRoundTrips) {
-    const std::string text = "日本語のテキスト、カタカナとｶﾀｶﾅ。ASCII 123";
-    const std::string sjis = MbFromUtf8(932, text);
-    EXPECT_EQ(sjis.substr(0, 4), "\x93\xFA\x96\x7B");  // 日本
-    EXPECT_NE(sjis.find("\xB6\xC0\xB6\xC5"), std::string::npos);  // half-width katakana: one byte each
-    EXPECT_EQ(Utf8FromMb(932, sjis), text);
-
-    std::u16string wide;
-    ASSERT_TRUE(MultiByteToUtf16(932, sjis, &wide).Exact());
-    EXPECT_EQ(wide.substr(0, 3), u"日本語");
-    std::string back;
-    ASSERT_TRUE(Utf16ToMultiByte(932, wide, &back).Exact());
-    EXPECT_EQ(back, sjis);
-}
-
-TEST(Conversion, UnmappableCharactersAreReportedAndReplaced) {
+std::string Utf8FromUtf16(std::u16string_view units) {
     std::string out;
-    ConvertResult r = Utf8ToMultiByte(1252, "a€日b", &out);
-    EXPECT_TRUE(r.bOk);
-    EXPECT_EQ(r.nUnmappable, 1u);
-    EXPECT_EQ(r.nFirstUnmappable, 4u);  // byte offset of 日 in the input
-    EXPECT_EQ(out, "a\x80?b");
-
-    // A caller can choose its own replacement, here a character reference.
-    auto reference = [](char32_t ch, std::string& s) { s += "&#" + std::to_string(ch) + ";"; };
-    r = Utf8ToMultiByte(1252, "a€日b", &out, reference);
-    EXPECT_EQ(out, "a\x80&#26085;b");
-
-    std::u16string emoji = u"日😀本";
-    r = Utf16ToMultiByte(932, emoji, &out, reference);
-    EXPECT_EQ(r.nUnmappable, 1u);
-    EXPECT_EQ(r.nFirstUnmappable, 1u);  // in UTF-16 code units
-    EXPECT_EQ(out, "\x93\xFA&#128512;\x96\x7B");
-
-    r = Utf16ToMultiByte(932, emoji, &out, [](char32_t, std::string&) {});
-    EXPECT_EQ(out, "\x93\xFA\x96\x7B");  // an empty replacement drops the character
+    for (const CodePointAt& cp : DecodeUtf16(units)) AppendUtf8(out, cp.ch);
+    return out;
 }
 
-TEST(Conversion, MalformedUnicodeInputCountsAsUnmappable) {
-    std::string out;
-    const std::u16string loneSurrogate{u'a', char16_t(0xD800), u'b'};
-    ConvertResult r = Utf16ToMultiByte(932, loneSurrogate, &out);
-    EXPECT_EQ(r.nUnmappable, 1u);
-    EXPECT_EQ(out, "a?b");
-
-    char32_t seen = 0;
-    r = Utf8ToMultiByte(1252, "x\xC0\xAFy\xE6\x97", &out, [&](char32_t ch, std::string& s) {
-        seen = ch;
-        s += '#';
-    });
-    EXPECT_EQ(seen, U'\uFFFD');
-    EXPECT_EQ(r.nFirstUnmappable, 1u);
-    EXPECT_EQ(out, "x##y##");  // an overlong form and a truncated sequence, byte by byte
+// UTF-8 made UTF-16, or `u:HEX HEX...` for code units that need not make characters.
+std::u16string Utf16Field(const std::string& field) {
+    std::u16string units;
+    if (field.starts_with("u:")) {
+        std::istringstream in(field.substr(2));
+        for (std::string unit; in >> unit;) units.push_back(static_cast<char16_t>(std::stoul(unit, nullptr, 16)));
+        return units;
+    }
+    for (const CodePointAt& cp : DecodeUtf8(field)) AppendUtf16(units, cp.ch);
+    return units;
 }
 
-TEST(Conversion, InvalidDoubleByteSequencesBecomeReplacementCharacters) {
-    std::string out;
-    ConvertResult r = MultiByteToUtf8(932, "A\x81", &out);  // a lead byte at the end
-    EXPECT_EQ(r.nUnmappable, 1u);
-    EXPECT_EQ(r.nFirstUnmappable, 1u);
-    EXPECT_EQ(out, "A\xEF\xBF\xBD");
-
-    r = MultiByteToUtf8(932, "\x81\x20Z", &out);  // a lead byte with no valid trail byte
-    EXPECT_EQ(r.nUnmappable, 1u);
-    EXPECT_EQ(out, "\xEF\xBF\xBD Z");
+UnmappableHandler Replacement(const std::string& name) {
+    if (name == "ref") return [](char32_t ch, std::string& s) { s += "&#" + std::to_string(ch) + ";"; };
+    if (name == "drop") return [](char32_t, std::string&) {};
+    return {};
 }
 
-TEST(Conversion, UnknownCodePageLeavesTheOutputUntouched) {
-    std::string out = "kept";
+// One row of cases/conversions.cases: the output and the report of the conversion it names.
+ConvertResult Convert(const CaseRow& row, std::string* out) {
+    const UINT cp = static_cast<UINT>(row.Long(1));
+    if (row[0] == "fromutf8") return Utf8ToMultiByte(cp, row[2], out, Replacement(row[6]));
+    if (row[0] == "fromutf16") return Utf16ToMultiByte(cp, Utf16Field(row[2]), out, Replacement(row[6]));
+    // To Unicode both ways: UTF-8, and UTF-16 that must say the same.
     std::u16string wide = u"kept";
-    EXPECT_FALSE(Utf8ToMultiByte(437, "abc", &out).bOk);
-    EXPECT_FALSE(MultiByteToUtf16(65001, "abc", &wide).bOk);
+    const ConvertResult viaUtf16 = MultiByteToUtf16(cp, row[2], &wide);
+    const ConvertResult result = MultiByteToUtf8(cp, row[2], out);
+    EXPECT_EQ(Utf8FromUtf16(wide), *out);
+    EXPECT_EQ(viaUtf16.nUnmappable, result.nUnmappable);
+    return result;
+}
+
+TEST(Conversion, CasesGiveTheirBytesAndReportWhatTheyCouldNotMap) {
+    for (const CaseRow& row : ReadCaseRows("platform/cases/conversions.cases")) {
+        SCOPED_TRACE(row.where);
+        std::string out = "kept";
+        const ConvertResult r = Convert(row, &out);
+        EXPECT_EQ(out, row[3]);
+        EXPECT_EQ(r.bOk, row[4] != "refused");
+        if (row[4] == "refused") continue;
+        EXPECT_EQ(r.nUnmappable, static_cast<size_t>(row.Long(4)));
+        EXPECT_EQ(r.nFirstUnmappable, row[5] == "-" ? ConvertResult::npos : static_cast<size_t>(row.Long(5)));
+    }
     EXPECT_FALSE(MultiByteToUtf8(1252, "abc", nullptr).bOk);
-    EXPECT_EQ(out, "kept");
-    EXPECT_EQ(wide, u"kept");
 }
 
 TEST(Conversion, LongTextCrossesTheConverterBuffer) {
