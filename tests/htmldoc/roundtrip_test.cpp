@@ -29,6 +29,7 @@ struct CPage {
     std::string bytes;
     std::string encoding;   // what the load reports
     size_t undecodable = 0;
+    std::string where = __FILE__;  // the case row that made it, for failure messages
 };
 
 std::string Encode(const CEncodingInfo& enc, std::u32string_view text) {
@@ -79,7 +80,7 @@ std::vector<CPage> Pages() {
         const std::string bytes = row[0] == "raw"          ? body
                                   : row[0] == "undeclared" ? MakePage(row[2].c_str(), false, Encode(*FindEncoding(row[2]), CharsOf(body)))
                                                            : MakePage(row[2].c_str(), true, body);
-        pages.push_back({row[1], bytes, row[4], static_cast<size_t>(row.Long(5))});
+        pages.push_back({row[1], bytes, row[4], static_cast<size_t>(row.Long(5)), row.where});
     }
     pages.push_back({"utf16-odd", MakePage("UTF-16LE", false) + "\x41", "UTF-16LE", 1});
     std::string wrong = MakePage("UTF-8", false);
@@ -108,7 +109,7 @@ TEST_F(RoundTrip, EveryPageUnderEveryCodePage) {
         const std::string path = Write(page.name + ".htm", page.bytes);
         for (UINT cp : kCodePages) {
             CodePageScope scope(cp);
-            SCOPED_TRACE(page.name + " in code page " + std::to_string(cp));
+            SCOPED_TRACE(page.where + ": " + page.name + " in code page " + std::to_string(cp));
             auto doc = CreateHtmlDocument();
             std::string error;
             ASSERT_EQ(doc->LoadFile(path, &error), S_OK) << error;
@@ -131,7 +132,7 @@ TEST_F(RoundTrip, AnEditChangesOnlyItsCharacter) {
         // A single-byte code page, where most characters are references, and a double-byte one.
         for (UINT cp : {1252u, 932u}) {
             CodePageScope scope(cp);
-            SCOPED_TRACE(page.name + " in code page " + std::to_string(cp));
+            SCOPED_TRACE(page.where + ": " + page.name + " in code page " + std::to_string(cp));
             auto doc = CreateHtmlDocument();
             ASSERT_EQ(doc->LoadFile(path), S_OK);
             // One ASCII letter: E to e.
@@ -169,7 +170,7 @@ TEST_F(RoundTrip, UndoingRandomEditsGivesTheFileBack) {
         ASSERT_FALSE(page.bytes.empty()) << "no page " << name;
         const std::string path = Write("random.htm", page.bytes);
         for (unsigned seed = 1; seed <= 20; ++seed) {
-            SCOPED_TRACE(std::string(name) + " seed " + std::to_string(seed));
+            SCOPED_TRACE(page.where + ": " + name + " seed " + std::to_string(seed));
             std::mt19937 random(seed);
             auto doc = CreateHtmlDocument();
             ASSERT_EQ(doc->LoadFile(path), S_OK);
