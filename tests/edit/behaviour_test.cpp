@@ -64,8 +64,9 @@
 //   classes and tag items, all else class 0: scriptedsyntax.h) or `nosyntax` (a document without
 //   the syntax interfaces); `format POS ...` (a byte's colours and font); `repaint` (everything
 //   painted again), after which `runs`, `run N ...`, `numbers LIST` (the gutter's texts),
-//   `fill RECT COLOUR`, `pixel X Y COLOUR` and `picture ID X Y` look at that paint; `update`
-//   paints what is invalid, and `fresh RECT` checks that it left what a full repaint gives.
+//   `fill RECT COLOUR`, `pixel X Y COLOUR` and `picture ID X Y [WIDTH]` look at that paint;
+//   `update` paints what is invalid, and `fresh RECT` checks that it left what a full repaint
+//   gives.
 // Scrolling: setup `repeat N TEXT` (TEXT N times behind the text); `hscroll CODE [POS]` (the
 //   codes of vscroll), `scrollto LINE PIXEL`, `scrollrange FROM TO` (FROM is the end to show),
 //   `clamp` (the top line clamped as a reformat does); checks `scrolls`, `bar`, `scale N`,
@@ -867,14 +868,16 @@ private:
             for (long x = x0; x <= x1; ++x)
                 ASSERT_EQ(Hex(Window().Pixel(static_cast<int>(x), static_cast<int>(y))), words.at(2)) << "at " << x << "," << y;
     }
-    // `picture ID X Y`: the gutter picture of that resource stands with its top left at X,Y.
+    // `picture ID X Y [WIDTH]`: the gutter picture of that resource stands with its top left at
+    // X,Y, or its first WIDTH columns do.
     void Picture(const std::string& rest) {
         const auto words = Words(rest);
         const PixelPicture* picture = FindGutterPicture(static_cast<UINT>(Number(words.at(0))));
         ASSERT_NE(picture, nullptr);
         const long left = Number(words.at(1)), top = Number(words.at(2));
+        const long width = words.size() > 3 ? Number(words[3]) : picture->cx;
         for (int y = 0; y < picture->cy; ++y)
-            for (int x = 0; x < picture->cx; ++x)
+            for (int x = 0; x < width; ++x)
                 ASSERT_EQ(Hex(Window().Pixel(static_cast<int>(left + x), static_cast<int>(top + y))),
                           Hex(picture->pixels[static_cast<size_t>(y * picture->cx + x)]))
                     << "at " << left + x << "," << top + y;

@@ -1,5 +1,5 @@
-// The gutter on the test backend's pixels: the background tile and where it starts, and bookmark
-// flags; the bracket along the selection is in tests/edit/cases/gutter.cases. Lines are 19
+// The gutter on the test backend's pixels: the background tile and where it starts; the bookmark
+// flags and the bracket along the selection are in tests/edit/cases/gutter.cases. Lines are 19
 // pixels high, a character is 9 wide; the gutter is 60 wide, of which 51 are painted.
 #include "src/resources/gutterpictures.h"
 #include "tests/view/viewfixture.h"
@@ -7,7 +7,6 @@
 namespace {
 
 constexpr LONG kLine = 19, kPainted = 51, kRows = 15;
-constexpr LONG kFlagLeft = 2, kFlagTop = 3;
 const COLORREF kFace = GetSysColor(COLOR_BTNFACE);
 
 COLORREF PixelOf(const PixelPicture& p, int x, int y) { return p.pixels[static_cast<size_t>(y) * p.cx + x]; }
@@ -22,18 +21,9 @@ protected:
         ctrl->SetOption(OPT_LEFTMARGINVISIBLE, FALSE);
         ctrl->SetOption(OPT_GUTTERBITMAPVISIBLE, FALSE);
     }
-    long LineStart(long line) { return ctrl->Lines().GetLineStart(line); }
     void Repaint() {
         ctrl->InvalidateControl();
         PaintNow();
-    }
-    // Whether the picture stands with its top left corner at (x, y) of the window.
-    ::testing::AssertionResult PictureAt(const PixelPicture& p, LONG x, LONG y, int width = -1) {
-        for (int py = 0; py < p.cy; ++py)
-            for (int px = 0; px < (width < 0 ? p.cx : width); ++px)
-                if (Window().Pixel(x + px, y + py) != PixelOf(p, px, py))
-                    return ::testing::AssertionFailure() << "differs at " << x + px << "," << y + py;
-        return ::testing::AssertionSuccess();
     }
 };
 
@@ -60,34 +50,6 @@ TEST_F(Gutter, TheTileIsFixedToTheDocumentInTwoShadesOfTheButtonColour) {
     EXPECT_GT(ground, pattern);
 }
 
-TEST_F(Gutter, FlagsMarkBookmarkedLinesAndANarrowGutterOrTheOptionHidesThem) {
-    ctrl->SetSelection(LineStart(2) + 2, LineStart(2) + 2);
-    ctrl->ToggleNumberedBookmark(3);
-    ctrl->SetSelection(LineStart(4), LineStart(4));
-    ctrl->ToggleBookmark("here");
-    Repaint();
-    EXPECT_TRUE(PictureAt(*FindGutterPicture(IDB_FLAG_DIGIT0 + 3), kFlagLeft, 2 * kLine + kFlagTop));
-    EXPECT_TRUE(PictureAt(*FindGutterPicture(IDB_FLAG_NAMED), kFlagLeft, 4 * kLine + kFlagTop));
-    EXPECT_NE(*FindGutterPicture(IDB_FLAG_NAMED), *FindGutterPicture(IDB_FLAG_DIGIT0 + 3));
-    EXPECT_NE(*FindGutterPicture(IDB_FLAG_DIGIT0 + 1), *FindGutterPicture(IDB_FLAG_DIGIT0 + 3));
-    for (LONG row : {0, 1, 3, 5})
-        for (LONG y = 0; y < kLine; ++y) ASSERT_EQ(Window().Pixel(kFlagLeft + 5, row * kLine + y), kFace);
-
-    ctrl->SetOption(OPT_BOOKMARKVISIBLE, FALSE);
-    Repaint();
-    EXPECT_EQ(ctrl->GetBookmarkCount(), 2);
-    EXPECT_EQ(Window().Pixel(kFlagLeft + 5, 2 * kLine + kFlagTop + 3), kFace);
-
-    // A gutter of 20 leaves 8 pixels of the flag; one of 10 none.
-    ctrl->SetOption(OPT_BOOKMARKVISIBLE, TRUE);
-    ctrl->SetGutterSize(20);
-    Repaint();
-    EXPECT_TRUE(PictureAt(*FindGutterPicture(IDB_FLAG_NAMED), kFlagLeft, 4 * kLine + kFlagTop, 8));
-    ctrl->SetGutterSize(10);
-    Repaint();
-    for (const DrawRecord& r : Window().Drawn()) EXPECT_FALSE(r.kind == DrawKind::Blit && r.rc.left == kFlagLeft);
-}
-
 TEST_F(Gutter, AChangeOfTheDesktopColoursRepaintsTheGutterWithNewPictures) {
     ctrl->SetOption(OPT_GUTTERBITMAPVISIBLE, TRUE);
     Repaint();
@@ -95,6 +57,11 @@ TEST_F(Gutter, AChangeOfTheDesktopColoursRepaintsTheGutterWithNewPictures) {
     bool tile = false;
     for (const DrawRecord& r : PaintNow()) tile |= r.kind == DrawKind::Blit && r.rc.left == 0 && r.rc.Width() == kPainted;
     EXPECT_TRUE(tile);
+}
+
+TEST(GutterPictures, TheFlagsDifferFromEachOther) {
+    EXPECT_NE(*FindGutterPicture(IDB_FLAG_NAMED), *FindGutterPicture(IDB_FLAG_DIGIT0 + 3));
+    EXPECT_NE(*FindGutterPicture(IDB_FLAG_DIGIT0 + 1), *FindGutterPicture(IDB_FLAG_DIGIT0 + 3));
 }
 
 }  // namespace
