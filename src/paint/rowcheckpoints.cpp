@@ -12,6 +12,9 @@ void TruncateFrom(std::vector<Point>* points, long pos) {
     points->erase(first, points->end());
 }
 
+// A mapped state at pos depends on the bytes in front of it only.
+void TruncateBehind(std::vector<MapCheckpoint>* points, long pos) { TruncateFrom(points, pos + 1); }
+
 // The first position that is selected under one of two selections and not under the other;
 // -1 where they select the same bytes.
 long FirstSelectionDifference(long low1, long high1, long low2, long high2) {
@@ -52,7 +55,7 @@ void CRowCheckpoints::DropFrom(long pos) {
     m_Rows.erase(m_Rows.lower_bound(pos), m_Rows.end());
     for (auto& [start, row] : m_Rows) {
         TruncateFrom(&row.paint, pos);
-        TruncateFrom(&row.map, pos);
+        TruncateBehind(&row.map, pos);
     }
 }
 

@@ -1,6 +1,7 @@
 // Long rows against a model: a paint and a position mapping that start from remembered states
-// give what a walk from the row's start gives, through random edits, classes, selections,
-// options and horizontal scrolls. The model is the same control with its checkpoints off.
+// give what a walk from the row's start gives, through random edits, typing, classes,
+// selections, options and horizontal scrolls. The model is the same control with its
+// checkpoints off.
 #include <random>
 #include <sstream>
 
@@ -86,6 +87,14 @@ protected:
             ctrl->SetOption(OPT_DISPLAYALL, Random(2));
         } else if (roll < 96) {
             ctrl->SetFormatStyleWord(static_cast<SHORT>(1 + Random(11)), static_cast<long>(Random(4)));
+        } else {
+            // Typing where the caret was just placed, or one in front: the walk to the caret
+            // remembered where it ended. A tab is wider than the byte it pushes on.
+            POINT pt;
+            typedAt = Random(length);
+            ctrl->ClientPointFromPosition(typedAt, &pt);
+            typedAt = std::max(0L, typedAt - Random(2));
+            doc->InsertText(typedAt, Random(2) ? "x" : "\t", 1, nullptr);
         }
         // Far along a row, or a few cells on, as a scroll bar drag and a key scroll it.
         const long left = Random(2) ? Random(170000) : std::max(0L, ctrl->m_nLeftPixel + Random(200) - 100);
@@ -112,8 +121,8 @@ protected:
 
     void ExpectSameMapping(int step) {
         const long length = doc->GetLength();
-        for (int i = 0; i < 4; ++i) {
-            const long pos = Random(length + 1);
+        for (int i = 0; i < 7; ++i) {
+            const long pos = i < 3 ? std::min(typedAt + i, length) : Random(length + 1);
             const LONG y = static_cast<LONG>(Random(3) * ctrl->m_nLineHeight + 2);
             const LONG x = static_cast<LONG>(Random(170000) - ctrl->m_nLeftPixel);
             POINT withPoints{}, fromStart{};
@@ -130,6 +139,7 @@ protected:
 
     std::mt19937 rng{18};
     std::unique_ptr<CScriptedSyntax> syntax;
+    long typedAt = 0;  // where the last character was typed
 };
 
 TEST_F(LongRows, CheckpointsGiveWhatAWalkFromTheRowStartGives) {
