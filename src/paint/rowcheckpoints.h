@@ -10,7 +10,7 @@
 //
 // A state depends on the bytes from the row's start up to it, their classes, the format table,
 // the fonts and the tab size; a painted state also on the option word, on which bytes are
-// selected and on the format of the byte it stands at. The owner drops the states after a
+// selected, on whether the selection shows and on the format of the byte it stands at. The owner drops the states after a
 // changed text or class position, the painted ones at it too (DropFrom), and all of them when
 // the fonts or the exception tags change (Clear); the store drops the rest by itself when it
 // sees that what the walks depend on has changed (Sync, SyncSelection). States are kept by their
@@ -53,7 +53,6 @@ struct CheckpointKey {
     long highlightStyle = 0;
     const void* syntax = nullptr;
     const void* tokens = nullptr;
-    bool selectionShows = false;
     FormatStyleTable styles{};
 
     bool operator==(const CheckpointKey& other) const;
@@ -68,8 +67,9 @@ public:
 
     // Drops everything when the key differs from the one the states were made under.
     void Sync(const CheckpointKey& key);
-    // Drops the painted states that a change of the selected bytes, [low, high) now, touches.
-    void SyncSelection(long low, long high);
+    // Drops the painted states that a change of the selected bytes, [low, high) now, or of
+    // whether the selection shows touches: those from the first byte that looks different.
+    void SyncSelection(long low, long high, bool shows);
     // Drops, on every row, the states after pos and the painted states at it, and the rows that
     // start at pos or after.
     void DropFrom(long pos);
@@ -135,5 +135,6 @@ private:
     std::map<long, Row> m_Rows;  // by the row's start
     CheckpointKey m_key;
     long m_nSelLow = 0, m_nSelHigh = 0;
+    bool m_bSelectionShows = false;
     bool m_bEnabled = true;
 };

@@ -1,7 +1,7 @@
 // Long rows against a model: a paint and a position mapping that start from remembered states
 // give what a walk from the row's start gives, through random edits, typing, classes,
-// selections, options and horizontal scrolls. The model is the same control with its
-// checkpoints off.
+// selections, focus changes, options and horizontal scrolls. The model is the same control with
+// its checkpoints off.
 #include <random>
 #include <sstream>
 
@@ -29,6 +29,7 @@ protected:
     void SetUp() override {
         NewControl(420, 160);
         ctrl->SetOption(OPT_WORDWRAP, FALSE);
+        ctrl->SetOption(OPT_HIDESELECTION, TRUE);
         // Two long rows around a short one; a lone CR ends what the second shows, unless it is
         // selected or hidden characters show.
         doc = CreateHtmlDocument();
@@ -85,6 +86,13 @@ protected:
             ctrl->SetSelection(anchor, std::clamp(anchor + Random(20000) - 10000, 0L, length));
         } else if (roll < 88) {
             ctrl->SetOption(OPT_DISPLAYALL, Random(2));
+        } else if (roll < 91) {
+            // Under HideSelection the selection shows only with the focus: a selection over what
+            // the window shows, painted, then the focus taken or given.
+            const long at = ctrl->PositionFromClientPoint(ctrl->m_nIndentSize + 2, 2);
+            ctrl->SetSelection(std::max(0L, at - Random(6000)), std::min(length, at + Random(6000)));
+            PaintNow();
+            platform->MoveFocus(ctrl->m_bFocused ? nullptr : ctrl->GetSafeHwnd());
         } else if (roll < 96) {
             ctrl->SetFormatStyleWord(static_cast<SHORT>(1 + Random(11)), static_cast<long>(Random(4)));
         } else {
