@@ -2,8 +2,8 @@
 // default fonts, over generated HTML of each size given in megabytes (default 1 10 100):
 //   - a whole layout (Reformat) with word wrap on and off, best of 3 (MB/s);
 //   - a typed character in the middle of the wrapped document through the whole path: edit,
-//     notification, rewrap, invalidation, and the repaint of what was invalidated; and the same
-//     with a full repaint (us, median and p99 over 200);
+//     notification, rewrap, invalidation, and the repaint of what was invalidated; the same
+//     with a full repaint; and the first again without word wrap (us, median and p99 over 200);
 //   - a full repaint of the window (ms, median and p99 over 100);
 //   - a jump to the middle and to the end of a text just put in, through the paint (ms);
 //   - a text put into a document that the view shows, as a host's file load is, through the
@@ -154,6 +154,9 @@ void MeasureSize(double megabytes) {
         MeasureTyping(view, doc.Get(), tag, false);
         MeasureTyping(view, doc.Get(), tag, true);
         MeasureRepaint(view, tag);
+        view->SetOption(OPT_WORDWRAP, FALSE);
+        view->Reformat(TRUE);
+        MeasureTyping(view, doc.Get(), tag + "_nowrap", false);
     }
 }
 

@@ -33,8 +33,16 @@ public:
             m_nColumns = point->columns;
             m_nReach = point->reach;
         }
+        m_nFrom = m_nPos;
         m_nNextMark = m_pStore->NextMapMark(rowStart);
     }
+    // A walk that went far remembers where it ended: the caret or the mouse is there, and the
+    // next walk goes to about the same place.
+    ~CWidthWalk() {
+        if (m_pStore && m_nPos - m_nFrom >= CRowCheckpoints::kNearGap) Remember();
+    }
+    CWidthWalk(const CWidthWalk&) = delete;
+    CWidthWalk& operator=(const CWidthWalk&) = delete;
 
     long Pos() const { return m_nPos; }
     long Pixels() const { return m_nPixels; }
@@ -99,6 +107,7 @@ private:
     long m_nColumnStep = 0;
     long m_nReach = 0;  // the right edge of the furthest character passed
     long m_nRowStart;
+    long m_nFrom = 0;  // where the walk started
     CRowCheckpoints* m_pStore = nullptr;
     long m_nNextMark = std::numeric_limits<long>::max();
     DWORD m_dwFont = 0;

@@ -139,6 +139,31 @@ struct WrapRun {
     }
 };
 
+// What the table from before a change tells a scan for line feeds. Without a width limit in a
+// single-byte code page a row that is not a whole collapsed block holds a line feed only as its
+// last byte, and the last row holds none. So a repair reads the changed bytes and the last byte
+// of each old row it crosses, and skips the rest of a row, which on a page of one long line is
+// megabytes. A scan never looks into a collapsed block (it takes a block whole and never skips
+// past a block's start), and a block that went with the change lay in the changed bytes, so no
+// row asked about was a whole block.
+struct OldLineFeeds {
+    const CLineIndex& table;  // before the change
+    long changeStart;         // where the change starts, in both texts
+    long insertedEnd;         // the end of the inserted bytes in the new text
+    long delta;               // bytes the change added (negative when it took bytes out)
+
+    // The first position at or behind pos, in the new text, that may hold a line feed.
+    long NextPossible(long pos) const {
+        if (pos >= changeStart && pos < insertedEnd) return pos;
+        const bool before = pos < changeStart;
+        long start = 0;
+        const long row = table.FindLineAndStart(before ? pos : pos - delta, &start);
+        const long end = start + table.GetAt(row);
+        const long last = row == table.m_nCount - 1 ? end : end - 1;
+        return std::max(pos, before ? std::min(last, changeStart) : last + delta);
+    }
+};
+
 // Scans lines for one run of the breaker, in one width table.
 struct LineScanner {
     CZentrelCtrl& view;
@@ -148,6 +173,7 @@ struct LineScanner {
     long nWidth;
     long docLen;
     long nextBlock;  // the start of the first collapsed block at or behind the scan
+    const OldLineFeeds* known = nullptr;  // where a scan for line feeds may skip, if anywhere
 
     ScannedLine Scan(long lineStart) {
         ScannedLine out;
@@ -157,6 +183,13 @@ struct LineScanner {
         const bool lineFeedsOnly = nWidth == WIDTH_UNLIMITED && !kinds.multiByte;
         while (scan < docLen) {
             if (scan >= nextBlock && EndsAtBlock(lineStart, scan, &out)) return out;
+            if (lineFeedsOnly && known) {
+                const long skipTo = std::min({known->NextPossible(scan), nextBlock, docLen});
+                if (skipTo > scan) {
+                    scan = skipTo;
+                    continue;
+                }
+            }
             long avail = 0;
             const auto* p = reinterpret_cast<const unsigned char*>(text.Span(scan, &avail));
             const long spanStart = scan;
@@ -441,7 +474,10 @@ void CZentrelCtrl::RelayoutChange(long nPos, long nRemoved, long nInserted, Layo
     }
     const long first = nPos < 2 ? 0 : std::max(0L, static_cast<long>(m_Lines.FindLine(nPos - 2)) - 1);
     const long firstStart = m_Lines.GetLineStart(first);
-    LineScanner scanner = ScannerFrom(*this, text, m_Options, BreakWidth(), firstStart);
+    const long width = BreakWidth();
+    LineScanner scanner = ScannerFrom(*this, text, m_Options, width, firstStart);
+    const OldLineFeeds known{m_Lines, nPos, nPos + nInserted, nInserted - nRemoved};
+    if (width == WIDTH_UNLIMITED) scanner.known = &known;
     OldRows old{m_Lines, first, firstStart, nPos + nRemoved, nInserted - nRemoved};
     std::vector<long> rows;
     long pos = firstStart;

@@ -49,7 +49,13 @@ struct CZentrelCtrl::RunPainter {
     long maxX = 0;              // the largest x so far
     long reach = LONG_MIN;      // the right edge of the furthest cell drawn
     CRowCheckpoints* checkpoints = nullptr;
-    long nextMark = std::numeric_limits<long>::max();  // where the walk remembers its state next
+    long nextMark = std::numeric_limits<long>::max();  // where the walk looks at its states next
+    long gridMark = std::numeric_limits<long>::max();  // where it remembers its state next
+    // Until something of the line is visible, the walk keeps the state of the last run before:
+    // where the next paint of about the same place can start.
+    bool nearing = false;
+    PaintCheckpoint nearest{};
+    long walkFrom = 0;  // where the walk started: the row's start or a remembered state
 
     // Puts the format on the device: colours, and the font if the cache has it.
     void Apply(const CharFormat& format, bool all) {
@@ -138,9 +144,12 @@ struct CZentrelCtrl::RunPainter {
     [[gnu::noinline]] bool Resume(long lineEnd, long* pos) {
         if (lp.pPaint->pLines != &view.m_Lines || lp.nLength <= CRowCheckpoints::kSpacing) return false;
         checkpoints = &view.RowCheckpoints(options);
-        nextMark = checkpoints->NextPaintMark(lp.nStart);
+        gridMark = checkpoints->NextPaintMark(lp.nStart);
         const PaintCheckpoint* point = checkpoints->LastPaint(
             lp.nStart, lineEnd, [&](const PaintCheckpoint& p) { return !dc->RectVisible(StripBefore(lp.xText + p.reach)); });
+        nearing = true;
+        walkFrom = nearest.pos = point ? point->pos : lp.nStart;
+        nextMark = walkFrom;
         if (!point) return false;
         dc->SetTextColor(point->format.crText);
         dc->SetBkColor(point->format.crBack);
@@ -156,10 +165,24 @@ struct CZentrelCtrl::RunPainter {
         return true;
     }
 
-    // Remembers the state at the start of a run, every so often along a long row.
+    // At the start of a run along a long row: remembers the state every so often, and the state
+    // in front of the first visible run when the walk went far to get there.
     [[gnu::noinline]] void Remember(long pos) {
-        checkpoints->AddPaint(lp.nStart, {pos, x - lp.xText, maxX - lp.xText, reach - lp.xText, cur, fontWord, overhang});
-        nextMark = pos + CRowCheckpoints::kSpacing;
+        const PaintCheckpoint state{pos, x - lp.xText, maxX - lp.xText, reach - lp.xText, cur, fontWord, overhang};
+        if (pos >= gridMark) {
+            checkpoints->AddPaint(lp.nStart, state);
+            gridMark = pos + CRowCheckpoints::kSpacing;
+        }
+        if (nearing) {
+            // Left of the update rectangle nothing shows; from there on the clip decides.
+            if (reach <= lp.pPaint->prcUpdate->left || !dc->RectVisible(StripBefore(reach))) {
+                nearest = state;
+            } else {
+                nearing = false;
+                if (nearest.pos - walkFrom >= CRowCheckpoints::kNearGap) checkpoints->AddPaint(lp.nStart, nearest);
+            }
+        }
+        nextMark = nearing ? pos + 1 : gridMark;
     }
 
     void Paint() {

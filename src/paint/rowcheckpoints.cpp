@@ -1,5 +1,7 @@
 #include "src/paint/rowcheckpoints.h"
 
+#include <utility>
+
 namespace {
 
 bool SameStyle(const FormatStyle& a, const FormatStyle& b) {
@@ -11,6 +13,9 @@ void TruncateFrom(std::vector<Point>* points, long pos) {
     const auto first = std::lower_bound(points->begin(), points->end(), pos, [](const Point& p, long at) { return p.pos < at; });
     points->erase(first, points->end());
 }
+
+// A mapped state at pos depends on the bytes in front of it only.
+void TruncateBehind(std::vector<MapCheckpoint>* points, long pos) { TruncateFrom(points, pos + 1); }
 
 // The first position that is selected under one of two selections and not under the other;
 // -1 where they select the same bytes.
@@ -29,7 +34,7 @@ long FirstSelectionDifference(long low1, long high1, long low2, long high2) {
 bool CheckpointKey::operator==(const CheckpointKey& other) const {
     if (options != other.options || tabPixels != other.tabPixels || tabSize != other.tabSize ||
         charWidth != other.charWidth || highlightStyle != other.highlightStyle || syntax != other.syntax ||
-        tokens != other.tokens || selectionShows != other.selectionShows)
+        tokens != other.tokens)
         return false;
     return std::equal(styles.begin(), styles.end(), other.styles.begin(), SameStyle);
 }
@@ -40,10 +45,16 @@ void CRowCheckpoints::Sync(const CheckpointKey& key) {
     m_key = key;
 }
 
-void CRowCheckpoints::SyncSelection(long low, long high) {
-    const long first = FirstSelectionDifference(m_nSelLow, m_nSelHigh, low, high);
+void CRowCheckpoints::SyncSelection(long low, long high, bool shows) {
+    long first = FirstSelectionDifference(m_nSelLow, m_nSelHigh, low, high);
+    if (shows != m_bSelectionShows) {
+        // The bytes selected before and now change their colours; those in front stay as they were.
+        for (const auto& [from, to] : {std::pair{m_nSelLow, m_nSelHigh}, std::pair{low, high}})
+            if (from < to) first = first < 0 ? from : std::min(first, from);
+    }
     m_nSelLow = low;
     m_nSelHigh = high;
+    m_bSelectionShows = shows;
     if (first < 0) return;
     for (auto& [start, row] : m_Rows) TruncateFrom(&row.paint, first);
 }
@@ -52,7 +63,7 @@ void CRowCheckpoints::DropFrom(long pos) {
     m_Rows.erase(m_Rows.lower_bound(pos), m_Rows.end());
     for (auto& [start, row] : m_Rows) {
         TruncateFrom(&row.paint, pos);
-        TruncateFrom(&row.map, pos);
+        TruncateBehind(&row.map, pos);
     }
 }
 

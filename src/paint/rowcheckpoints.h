@@ -4,14 +4,18 @@
 // from the nearest remembered state at or before where it is needed, with exactly the numbers a
 // walk from the row's start gives there.
 //
+// Besides the states every kSpacing bytes, a walk that went far to reach what it was after
+// remembers its state there too (kNearGap), so that the next walk to about the same place, the
+// next keystroke's, is short.
+//
 // A state depends on the bytes from the row's start up to it, their classes, the format table,
-// the fonts and the tab size; a painted state also on the option word and on which bytes are
-// selected. The owner drops the states at and after a changed text or class position
-// (DropFrom), and all of them when the fonts or the exception tags change (Clear); the store
-// drops the rest by itself when it sees that what the walks depend on has changed (Sync,
-// SyncSelection). States are kept by their row's start and used only below the row's end, so a
-// new layout leaves them right: a row that starts at the same place has the same bytes before
-// each of its states.
+// the fonts and the tab size; a painted state also on the option word, on which bytes are
+// selected, on whether the selection shows and on the format of the byte it stands at. The owner drops the states after a
+// changed text or class position, the painted ones at it too (DropFrom), and all of them when
+// the fonts or the exception tags change (Clear); the store drops the rest by itself when it
+// sees that what the walks depend on has changed (Sync, SyncSelection). States are kept by their
+// row's start and used only below the row's end, so a new layout leaves them right: a row that
+// starts at the same place has the same bytes before each of its states.
 #pragma once
 #include <algorithm>
 #include <limits>
@@ -49,7 +53,6 @@ struct CheckpointKey {
     long highlightStyle = 0;
     const void* syntax = nullptr;
     const void* tokens = nullptr;
-    bool selectionShows = false;
     FormatStyleTable styles{};
 
     bool operator==(const CheckpointKey& other) const;
@@ -59,12 +62,16 @@ class CRowCheckpoints {
 public:
     // A walk remembers its state once it is this many bytes past the last one.
     static constexpr long kSpacing = 4096;
+    // A walk that went at least this far from where it started remembers where it ended.
+    static constexpr long kNearGap = 256;
 
     // Drops everything when the key differs from the one the states were made under.
     void Sync(const CheckpointKey& key);
-    // Drops the painted states that a change of the selected bytes, [low, high) now, touches.
-    void SyncSelection(long low, long high);
-    // Drops the states at and after pos on every row, and the rows that start there or after.
+    // Drops the painted states that a change of the selected bytes, [low, high) now, or of
+    // whether the selection shows touches: those from the first byte that looks different.
+    void SyncSelection(long low, long high, bool shows);
+    // Drops, on every row, the states after pos and the painted states at it, and the rows that
+    // start at pos or after.
     void DropFrom(long pos);
     void Clear();
     // Switched off, the store hands out and takes nothing: every walk starts at its row's start.
@@ -85,8 +92,8 @@ public:
     // the last state it has.
     long NextPaintMark(long rowStart) const { return NextMark(rowStart, &Row::paint); }
     long NextMapMark(long rowStart) const { return NextMark(rowStart, &Row::map); }
-    void AddPaint(long rowStart, const PaintCheckpoint& point) { RowAt(rowStart).paint.push_back(point); }
-    void AddMap(long rowStart, const MapCheckpoint& point) { RowAt(rowStart).map.push_back(point); }
+    void AddPaint(long rowStart, const PaintCheckpoint& point) { Insert(&RowAt(rowStart).paint, point); }
+    void AddMap(long rowStart, const MapCheckpoint& point) { Insert(&RowAt(rowStart).map, point); }
 
     size_t RowCount() const { return m_Rows.size(); }
 
@@ -111,6 +118,13 @@ private:
         const auto fitting = std::partition_point(points.begin(), below, fits);
         return fitting == points.begin() ? nullptr : &*(fitting - 1);
     }
+    // Puts a state in its place by position, unless one stands there already.
+    template <class Point>
+    static void Insert(std::vector<Point>* points, const Point& point) {
+        const auto at = std::lower_bound(points->begin(), points->end(), point.pos,
+                                         [](const Point& p, long pos) { return p.pos < pos; });
+        if (at == points->end() || at->pos != point.pos) points->insert(at, point);
+    }
     template <class Point>
     long NextMark(long rowStart, std::vector<Point> Row::*which) const {
         if (!m_bEnabled) return std::numeric_limits<long>::max();
@@ -121,5 +135,6 @@ private:
     std::map<long, Row> m_Rows;  // by the row's start
     CheckpointKey m_key;
     long m_nSelLow = 0, m_nSelHigh = 0;
+    bool m_bSelectionShows = false;
     bool m_bEnabled = true;
 };

@@ -13,11 +13,11 @@ CRowCheckpoints& CZentrelCtrl::RowCheckpoints(DWORD dwOptions) {
     key.highlightStyle = m_nHighlightStyle;
     key.syntax = m_pSyntax;
     key.tokens = m_pTokens;
-    key.selectionShows = SelectionShows(dwOptions);
     key.styles = m_Styles;
     m_RowCheckpoints.Sync(key);
     // A selected CR is painted even where the selection does not show: the painted states
     // depend on the selected bytes either way.
-    m_RowCheckpoints.SyncSelection(std::min(m_nSelActive, m_nSelAnchor), std::max(m_nSelActive, m_nSelAnchor));
+    m_RowCheckpoints.SyncSelection(std::min(m_nSelActive, m_nSelAnchor), std::max(m_nSelActive, m_nSelAnchor),
+                                   SelectionShows(dwOptions));
     return m_RowCheckpoints;
 }

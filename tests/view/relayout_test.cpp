@@ -1,8 +1,9 @@
 // The line table after every change of the text against a whole layout of the same text: random
 // inserts, deletes and replacements of line ends (LF, CR LF, lone CR), tabs, spaces, hyphens,
-// long words and double-byte characters, with word wrap at several widths and without it; a
-// whole layout handed out row by row in pieces against the same layout made in one go; and a
-// whole layout at random byte widths against a walk of the breaking rules one byte at a time.
+// long words, rows of kilobytes and double-byte characters, with word wrap at several widths and
+// without it; a whole layout handed out row by row in pieces against the same layout made in one
+// go; and a whole layout at random byte widths against a walk of the breaking rules one byte at
+// a time.
 // ZENTREL_LONG_TESTS=1 runs many more edits.
 #include <cstdlib>
 #include <random>
@@ -65,6 +66,8 @@ protected:
         };
         static const char* const kDoubleByte[] = {"\x82\xA0", "\x82\xA0\x82\xA2\x82\xA4", "a\x88\x9F b"};
         if (GetParam().codePage == 932 && rng() % 4 == 0) return kDoubleByte[rng() % std::size(kDoubleByte)];
+        // Now and then a row longer than the windows the layout reads the text through.
+        if (rng() % 40 == 0) return std::string(4000 + rng() % 9000, static_cast<char>('a' + rng() % 26));
         std::string out;
         for (unsigned n = 1 + rng() % 3; n > 0; --n) out += kPieces[rng() % std::size(kPieces)];
         return out;

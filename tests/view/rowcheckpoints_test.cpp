@@ -1,6 +1,7 @@
 // Long rows against a model: a paint and a position mapping that start from remembered states
-// give what a walk from the row's start gives, through random edits, classes, selections,
-// options and horizontal scrolls. The model is the same control with its checkpoints off.
+// give what a walk from the row's start gives, through random edits, typing, classes,
+// selections, focus changes, options and horizontal scrolls. The model is the same control with
+// its checkpoints off.
 #include <random>
 #include <sstream>
 
@@ -28,6 +29,7 @@ protected:
     void SetUp() override {
         NewControl(420, 160);
         ctrl->SetOption(OPT_WORDWRAP, FALSE);
+        ctrl->SetOption(OPT_HIDESELECTION, TRUE);
         // Two long rows around a short one; a lone CR ends what the second shows, unless it is
         // selected or hidden characters show.
         doc = CreateHtmlDocument();
@@ -84,8 +86,23 @@ protected:
             ctrl->SetSelection(anchor, std::clamp(anchor + Random(20000) - 10000, 0L, length));
         } else if (roll < 88) {
             ctrl->SetOption(OPT_DISPLAYALL, Random(2));
+        } else if (roll < 91) {
+            // Under HideSelection the selection shows only with the focus: a selection over what
+            // the window shows, painted, then the focus taken or given.
+            const long at = ctrl->PositionFromClientPoint(ctrl->m_nIndentSize + 2, 2);
+            ctrl->SetSelection(std::max(0L, at - Random(6000)), std::min(length, at + Random(6000)));
+            PaintNow();
+            platform->MoveFocus(ctrl->m_bFocused ? nullptr : ctrl->GetSafeHwnd());
         } else if (roll < 96) {
             ctrl->SetFormatStyleWord(static_cast<SHORT>(1 + Random(11)), static_cast<long>(Random(4)));
+        } else {
+            // Typing where the caret was just placed, or one in front: the walk to the caret
+            // remembered where it ended. A tab is wider than the byte it pushes on.
+            POINT pt;
+            typedAt = Random(length);
+            ctrl->ClientPointFromPosition(typedAt, &pt);
+            typedAt = std::max(0L, typedAt - Random(2));
+            doc->InsertText(typedAt, Random(2) ? "x" : "\t", 1, nullptr);
         }
         // Far along a row, or a few cells on, as a scroll bar drag and a key scroll it.
         const long left = Random(2) ? Random(170000) : std::max(0L, ctrl->m_nLeftPixel + Random(200) - 100);
@@ -112,8 +129,8 @@ protected:
 
     void ExpectSameMapping(int step) {
         const long length = doc->GetLength();
-        for (int i = 0; i < 4; ++i) {
-            const long pos = Random(length + 1);
+        for (int i = 0; i < 7; ++i) {
+            const long pos = i < 3 ? std::min(typedAt + i, length) : Random(length + 1);
             const LONG y = static_cast<LONG>(Random(3) * ctrl->m_nLineHeight + 2);
             const LONG x = static_cast<LONG>(Random(170000) - ctrl->m_nLeftPixel);
             POINT withPoints{}, fromStart{};
@@ -130,6 +147,7 @@ protected:
 
     std::mt19937 rng{18};
     std::unique_ptr<CScriptedSyntax> syntax;
+    long typedAt = 0;  // where the last character was typed
 };
 
 TEST_F(LongRows, CheckpointsGiveWhatAWalkFromTheRowStartGives) {
