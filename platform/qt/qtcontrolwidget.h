@@ -12,8 +12,8 @@
 // store only when something needs them: a context over the surface, a scroll, another paint
 // device that shows the viewport. The caret and the preedit text are never drawn over stale
 // pixels, so the store holds nothing but the window's own pixels there. Where the store may
-// have lost them (a new store image, the viewport moved in its window or hidden, Qt asking
-// for them without the window's asking), they are painted again. Child widgets of the viewport draw into the same store, so a viewport that
+// have lost them (a new store image, the viewport moved in its window or hidden), they are
+// painted again. Child widgets of the viewport draw into the same store, so a viewport that
 // has any is painted the first way only.
 #pragma once
 #include <QAbstractScrollArea>
@@ -135,9 +135,6 @@ private:
     void SyncStale(const QRegion& region);
     void LoseStore();
     void LeaveStore();
-    void ClaimForeign(const QRegion& region);
-    // Asks Qt to show `region` again for the caret or the preedit text.
-    void UpdateOverlay(const QRegion& region);
     QRegion OverlayRegion() const;
     void Show(const QRegion& region);
     CDC* OpenContext(bool paint, const QRegion* system);
@@ -161,7 +158,6 @@ private:
     QRegion m_rgnStale;               // where the store holds newer pixels than the surface
     QRegion m_rgnShown;               // where the store holds the window's pixels, overlays aside
     QRegion m_rgnOverlaid;            // where the caret or the preedit text lies over them there
-    QRegion m_rgnAsked;               // asked to be shown again, for the caret or a present
     int m_nDeliveries = 0;            // WM_PAINTs sent
     std::vector<CContext> m_contexts; // paint and window contexts handed out
     int m_nBeginPaints = 0;

@@ -25,7 +25,7 @@ void CQtControlWidget::inputMethodEvent(QInputMethodEvent* e) {
     DeliverText(e->commitString(), 1);
     m_strPreedit = e->preeditString();
     m_nPreeditCursor = PreeditCursor(e);
-    UpdateOverlay(QRegion(before) | PreeditRect() | m_rcCaret);
+    viewport()->update(QRegion(before) | PreeditRect() | m_rcCaret);
 }
 
 // The preedit text stands in a box of the caret's height that starts at the caret.

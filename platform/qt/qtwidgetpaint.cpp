@@ -175,7 +175,6 @@ void CQtControlWidget::PaintPending() {
 // delivers no WM_PAINT; what is still invalid keeps its paint event coming.
 void CQtControlWidget::Show(const QRegion& region) {
     if (region.isEmpty()) return;
-    m_rgnAsked |= region;
     QWidget* view = viewport();
     if (!view->isVisible() || m_bDelivering) {
         view->update(region);
@@ -192,7 +191,6 @@ void CQtControlWidget::paintEvent(QPaintEvent* e) {
     QPainter p(viewport());
     // The painter draws on the store itself, not on a picture that another device asked for.
     const bool toStore = StoreHolds() && p.paintEngine()->paintDevice() == m_store.image;
-    if (toStore) ClaimForeign(e->region());
     QRegion painted;
     if (!m_bPresentOnly && toStore) painted = DeliverPaintInStore(e->region());
     if (!m_bPresentOnly && painted.isEmpty()) DeliverPaint();
@@ -224,21 +222,6 @@ QRegion CQtControlWidget::DrawOverlays(QPainter& p, const QRegion& region) {
     p.setCompositionMode(QPainter::CompositionMode_Difference);
     p.fillRect(m_rcCaret, Qt::white);
     return region & m_rcCaret;
-}
-
-void CQtControlWidget::UpdateOverlay(const QRegion& region) {
-    m_rgnAsked |= region;
-    viewport()->update(region);
-}
-
-// Qt asks for stale pixels that the window did not ask to show again: something else drew over
-// them in the store (a widget stacked over the viewport, gone since), so they are painted anew.
-void CQtControlWidget::ClaimForeign(const QRegion& region) {
-    const QRegion foreign = (m_rgnStale & region) - m_rgnAsked - m_rgnPending;
-    m_rgnAsked -= region;
-    if (foreign.isEmpty()) return;
-    m_rgnStale -= foreign;
-    m_rgnPending += foreign;
 }
 
 QRegion CQtControlWidget::OverlayRegion() const {
@@ -356,7 +339,7 @@ void CQtControlWidget::SetCaret(bool shown, const RECT& rc) {
     m_rcCaret = QRectFromRect(rc);
     m_bCaretShown = shown;
     RestartBlink();
-    UpdateOverlay(QRegion(old) | m_rcCaret);
+    viewport()->update(QRegion(old) | m_rcCaret);
     if (hasFocus() && old != m_rcCaret) QGuiApplication::inputMethod()->update(Qt::ImCursorRectangle);
 }
 
@@ -368,13 +351,13 @@ void CQtControlWidget::RestartBlink() {
         m_caretTimer.start(flash / 2, this);
     else
         m_caretTimer.stop();
-    UpdateOverlay(m_rcCaret);
+    viewport()->update(m_rcCaret);
 }
 
 bool CQtControlWidget::CaretTimerEvent(QTimerEvent* e) {
     if (e->timerId() != m_caretTimer.timerId()) return false;
     m_bCaretOn = !m_bCaretOn;
-    UpdateOverlay(m_rcCaret);
+    viewport()->update(m_rcCaret);
     return true;
 }
 
