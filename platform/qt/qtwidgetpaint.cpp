@@ -276,8 +276,7 @@ void CQtControlWidget::LeaveStore() {
 
 // Takes the pixels of `region` that the surface lacks back from the store.
 void CQtControlWidget::SyncStale(const QRegion& region) {
-    // Regions may reach past a surface that shrank; copies stay inside it.
-    const QRegion part = m_rgnStale & region & SurfaceRect();
+    const QRegion part = m_rgnStale & region;
     if (part.isEmpty() || !StoreHolds()) return;
     for (const QRect& r : part) CopyPixelRows(*m_store.image, m_store.offset, m_surface, QPoint(0, 0), r);
     m_rgnStale -= part;
@@ -296,14 +295,13 @@ QRegion CQtControlWidget::DeliverPaintInStore(const QRegion& region) {
     if (!CanPaintInStore() || !(m_rgnPending - region).isEmpty()) return {};
     QImage& store = *m_store.image;
     // The window's pixels under the caret and the preedit text come first, as on the surface.
-    for (const QRect& r : m_rgnOverlaid & m_rgnPending & SurfaceRect())
-        CopyPixelRows(m_surface, QPoint(0, 0), store, m_store.offset, r);
+    for (const QRect& r : m_rgnOverlaid & m_rgnPending) CopyPixelRows(m_surface, QPoint(0, 0), store, m_store.offset, r);
     m_rgnOverlaid -= m_rgnPending;
     m_storeView = QImage(store.bits() + m_store.offset.y() * store.bytesPerLine() + m_store.offset.x() * sizeof(QRgb),
                          m_surface.width(), m_surface.height(), store.bytesPerLine(), QImage::Format_RGB32);
     const QRegion painted = DeliverPaint();
     m_storeView = QImage();
-    m_rgnStale |= painted & SurfaceRect();
+    m_rgnStale |= painted;
     return painted;
 }
 
