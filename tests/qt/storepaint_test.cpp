@@ -2,7 +2,6 @@
 // random steps, a window whose handler paints coloured cells of a scrolling page is invalidated,
 // painted now or by the event loop, scrolled, drawn on outside paints, given a moving caret,
 // hidden and shown. After each step what the store shows and the surface both equal the model.
-// And the control's own page, painted into the store, equals the same painted on the surface.
 #include <gtest/gtest.h>
 
 #include <QBackingStore>
@@ -12,16 +11,13 @@
 #include <QWidget>
 #include <random>
 
-#include "htmldoc/htmldocument.h"
 #include "platform/qt/qtcontrolwidget.h"
 #include "platform/qt/qtplatform.h"
 #include "platform/qt/qtwindow.h"
 #include "platform/window/caret.h"
 #include "platform/window/paint.h"
 #include "tests/platform/recorder.h"
-#include "src/view/zentrelctrl.h"
 #include "tests/qt/processuntil.h"
-#include "tests/qt/qtviewfixture.h"
 
 namespace {
 
@@ -164,58 +160,6 @@ TEST_F(StorePaint, StoreAndSurfaceShowTheWindowThroughPaintsScrollsContextsAndTh
     }
     DestroyCaret();
     DestroyWindow(hwnd);
-}
-
-// The viewport's pixels in the store (none before the window is exposed).
-QImage StorePixels(HWND hwnd) {
-    QWidget* view = static_cast<CQtControlWidget*>(QtWidgetFromHwnd(hwnd))->viewport();
-    const auto* store = static_cast<const QImage*>(view->window()->backingStore()->paintDevice());
-    return store->copy(QRect(view->mapTo(view->window(), QPoint(0, 0)), view->size()));
-}
-
-// The same once what is invalid is painted.
-QImage StoreShot(HWND hwnd) {
-    UpdateWindow(hwnd);
-    return StorePixels(hwnd);
-}
-
-using StorePaintView = QtViewFixture;
-
-TEST_F(StorePaintView, APagePaintedIntoTheStoreEqualsThePagePaintedOnTheSurface) {
-    std::string text;
-    for (int i = 0; i < 40; ++i)
-        text += "<p class=\"c" + std::to_string(i) + "\">\tsome &amp; text\t" + std::string(i % 9 * 7, 'x') + "</p>\r\n";
-    OpenText(text, 420, 260);
-    ASSERT_TRUE(ProcessUntil([&] { return !StorePixels(hwnd).isNull(); }));
-    ctrl->SetOption(OPT_WORDWRAP, FALSE);
-    for (DWORD option : {OPT_DISPLAYALL, OPT_SHOWLINENUMBER, OPT_BOOKMARKVISIBLE, OPT_COLLAPSEBLOCKENABLE})
-        ctrl->SetOption(option, TRUE);
-    const auto start = [&](long row) { return ctrl->Lines().GetLineStart(row); };
-    ctrl->SetSelection(start(3), start(3));
-    ctrl->ToggleNumberedBookmark(2);
-    ASSERT_TRUE(ctrl->CollapseRange(start(4), start(7)));
-    ctrl->SetSelection(start(2) + 5, start(9) + 3);
-    ctrl->ScrollTo(1, 19);
-    // The first paints go to the surface, until the store shows the window's pixels.
-    QImage inStore;
-    for (int i = 0; i < 3; ++i) {
-        InvalidateRect(hwnd, nullptr, FALSE);
-        inStore = StoreShot(hwnd);
-    }
-    // A child widget keeps the paints on the surface.
-    QWidget child(static_cast<CQtControlWidget*>(QtWidgetFromHwnd(hwnd))->viewport());
-    child.hide();
-    InvalidateRect(hwnd, nullptr, FALSE);
-    const QImage onSurface = StoreShot(hwnd);
-    ASSERT_EQ(inStore.size(), onSurface.size());
-    int differing = 0, white = 0;
-    for (int y = 0; y < inStore.height(); ++y)
-        for (int x = 0; x < inStore.width(); ++x) {
-            differing += inStore.pixel(x, y) != onSurface.pixel(x, y);
-            white += inStore.pixel(x, y) == qRgb(255, 255, 255);
-        }
-    EXPECT_EQ(differing, 0);
-    EXPECT_LT(white, inStore.width() * inStore.height() * 9 / 10);  // a page, not a blank window
 }
 
 }  // namespace
