@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -10,10 +11,11 @@ namespace {
 constexpr size_t kChunkLines = 128;
 constexpr size_t kMaxChunkLines = 2 * kChunkLines;
 
-// Gives `add` the length of each line that `text` makes when it stands between `prefix` bytes of
-// a line and `suffix` bytes of the rest of that line, in order.
+// Gives `add` the length of each line that a line feed of `text` ends, in order, when `text`
+// follows `prefix` bytes of a line. Gives back the bytes behind the last line feed, the prefix
+// included when there is none.
 template <class Add>
-void EachLine(long prefix, std::string_view text, long suffix, Add add) {
+long EachEndedLine(long prefix, std::string_view text, Add add) {
     long run = prefix;
     const char* p = text.data();
     const char* end = p + text.size();
@@ -25,7 +27,14 @@ void EachLine(long prefix, std::string_view text, long suffix, Add add) {
         run = 0;
         p = lf + 1;
     }
-    add(run + (end - p) + suffix);
+    return run + (end - p);
+}
+
+// Gives `add` the length of each line that `text` makes when it stands between `prefix` bytes of
+// a line and `suffix` bytes of the rest of that line, in order.
+template <class Add>
+void EachLine(long prefix, std::string_view text, long suffix, Add add) {
+    add(EachEndedLine(prefix, text, add) + suffix);
 }
 
 std::vector<long> SplitLines(long prefix, std::string_view text, long suffix) {
@@ -44,19 +53,31 @@ long Sum(const std::vector<long>& v, size_t from, size_t to) {
 
 CHardLines::CHardLines() { Assign({}); }
 
-void CHardLines::Assign(std::string_view text) {
+void CHardLines::Assign(std::string_view text, size_t nTwoThreadBytes) {
     m_chunks.clear();
     m_nLines = 0;
     // Straight into the chunks: a list of every line first would be as large again.
-    EachLine(0, text, 0, [this](long len) { AddLine(len); });
+    if (text.size() < nTwoThreadBytes) {
+        EachLine(0, text, 0, [this](long len) { AddLine(&m_chunks, len); });
+    } else {
+        // The two halves at once; the line that runs over the middle is put together after.
+        const size_t half = text.size() / 2;
+        std::vector<CChunk> back;
+        long rest = 0;
+        RunOnTwoThreads(
+            [&] { rest = EachEndedLine(0, text.substr(0, half), [this](long len) { AddLine(&m_chunks, len); }); },
+            [&] { EachLine(0, text.substr(half), 0, [&back](long len) { AddLine(&back, len); }); });
+        back.front().lens.front() += rest;
+        back.front().bytes += rest;
+        m_chunks.insert(m_chunks.end(), std::make_move_iterator(back.begin()), std::make_move_iterator(back.end()));
+    }
     Rebuild();
 }
 
-void CHardLines::AddLine(long len) {
-    if (m_chunks.empty() || m_chunks.back().lens.size() >= kChunkLines)
-        m_chunks.emplace_back().lens.reserve(kChunkLines);
-    m_chunks.back().lens.push_back(len);
-    m_chunks.back().bytes += len;
+void CHardLines::AddLine(std::vector<CChunk>* chunks, long len) {
+    if (chunks->empty() || chunks->back().lens.size() >= kChunkLines) chunks->emplace_back().lens.reserve(kChunkLines);
+    chunks->back().lens.push_back(len);
+    chunks->back().bytes += len;
 }
 
 void CHardLines::Rebuild() {

@@ -7,12 +7,15 @@
 #include <string_view>
 #include <vector>
 
+#include "htmldoc/twothreads.h"
+
 class CHardLines {
 public:
     CHardLines();
 
-    // Rebuilds the table for the whole text.
-    void Assign(std::string_view text);
+    // Rebuilds the table for the whole text; a text of nTwoThreadBytes or more is read in two
+    // halves at once.
+    void Assign(std::string_view text, size_t nTwoThreadBytes = kTwoThreadBytes);
     // The text had `oldCount` bytes at `pos` replaced by `text`.
     void Replace(long pos, long oldCount, std::string_view text);
 
@@ -41,7 +44,7 @@ private:
     CSpot SpotFromLine(long line) const;
     // Replaces `count` lines from `first` by lines of the given lengths.
     void Splice(long first, long count, const std::vector<long>& lens);
-    void AddLine(long len);
+    static void AddLine(std::vector<CChunk>* chunks, long len);
     // Splits oversized chunks, drops empty ones, merges small ones, and rebuilds the tree.
     void Normalize(size_t from, size_t to);
     void Rebuild();
