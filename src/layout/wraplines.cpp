@@ -408,18 +408,20 @@ void WrapBehind(LineScanner<CTextReader> from, CTextFeed& feed, long nWindow, He
     feed.Done();
 }
 
-// The byte behind the first line feed from the middle of what is left of a large text without
-// collapsed blocks; 0 when the layout is not to be split. A row's layout depends only on the
-// text from its start on, so the rows behind a line feed are the same whether the layout starts
-// there or comes to it from the top.
+// The byte behind the first line feed from a little in front of the middle of what is left of a
+// large text without collapsed blocks; 0 when the layout is not to be split. A row's layout
+// depends only on the text from its start on, so the rows behind a line feed are the same
+// whether the layout starts there or comes to it from the top.
 long SplitAt(const LineScanner<CTextReader>& scanner, ISourceText* doc, long from, const CLayoutSplit& split) {
     const long docLen = scanner.docLen;
     if (docLen - from < split.nMinBytes || scanner.nextBlock < docLen || scanner.view.NextCollapseStart(0) < docLen)
         return 0;
+    // The window's thread takes the smaller part, as it copies the helper's text besides.
+    constexpr long kFrontPercent = 46;
     // A text without a line feed near its middle (a minified page) is laid out in one piece.
     constexpr long kSearch = 1L << 20;
     CTextReader text(doc);
-    for (long pos = from + (docLen - from) / 2, end = std::min(docLen, pos + kSearch); pos < end;) {
+    for (long pos = from + (docLen - from) * kFrontPercent / 100, end = std::min(docLen, pos + kSearch); pos < end;) {
         long available = 0;
         const char* p = text.Span(pos, &available);
         available = std::min(available, end - pos);
