@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -10,10 +11,11 @@ namespace {
 constexpr size_t kChunkLines = 128;
 constexpr size_t kMaxChunkLines = 2 * kChunkLines;
 
-// Gives `add` the length of each line that `text` makes when it stands between `prefix` bytes of
-// a line and `suffix` bytes of the rest of that line, in order.
+// Gives `add` the length of each line that a line feed of `text` ends, in order, when `text`
+// follows `prefix` bytes of a line. Gives back the bytes behind the last line feed, the prefix
+// included when there is none.
 template <class Add>
-void EachLine(long prefix, std::string_view text, long suffix, Add add) {
+long EachEndedLine(long prefix, std::string_view text, Add add) {
     long run = prefix;
     const char* p = text.data();
     const char* end = p + text.size();
@@ -25,16 +27,23 @@ void EachLine(long prefix, std::string_view text, long suffix, Add add) {
         run = 0;
         p = lf + 1;
     }
-    add(run + (end - p) + suffix);
+    return run + (end - p);
 }
 
-std::vector<long> SplitLines(long prefix, std::string_view text, long suffix) {
-    std::vector<long> lens;
-    EachLine(prefix, text, suffix, [&lens](long len) { lens.push_back(len); });
+// Gives `add` the length of each line that `text` makes when it stands between `prefix` bytes of
+// a line and `suffix` bytes of the rest of that line, in order.
+template <class Add>
+void EachLine(long prefix, std::string_view text, long suffix, Add add) {
+    add(EachEndedLine(prefix, text, add) + suffix);
+}
+
+std::vector<int32_t> SplitLines(long prefix, std::string_view text, long suffix) {
+    std::vector<int32_t> lens;
+    EachLine(prefix, text, suffix, [&lens](long len) { lens.push_back(static_cast<int32_t>(len)); });
     return lens;
 }
 
-long Sum(const std::vector<long>& v, size_t from, size_t to) {
+long Sum(const std::vector<int32_t>& v, size_t from, size_t to) {
     long s = 0;
     for (size_t i = from; i < to; ++i) s += v[i];
     return s;
@@ -44,19 +53,31 @@ long Sum(const std::vector<long>& v, size_t from, size_t to) {
 
 CHardLines::CHardLines() { Assign({}); }
 
-void CHardLines::Assign(std::string_view text) {
+void CHardLines::Assign(std::string_view text, size_t nTwoThreadBytes) {
     m_chunks.clear();
     m_nLines = 0;
     // Straight into the chunks: a list of every line first would be as large again.
-    EachLine(0, text, 0, [this](long len) { AddLine(len); });
+    if (text.size() < nTwoThreadBytes) {
+        EachLine(0, text, 0, [this](long len) { AddLine(&m_chunks, len); });
+    } else {
+        // The two halves at once; the line that runs over the middle is put together after.
+        const size_t half = text.size() / 2;
+        std::vector<CChunk> back;
+        long rest = 0;
+        RunOnTwoThreads(
+            [&] { rest = EachEndedLine(0, text.substr(0, half), [this](long len) { AddLine(&m_chunks, len); }); },
+            [&] { EachLine(0, text.substr(half), 0, [&back](long len) { AddLine(&back, len); }); });
+        back.front().lens.front() += static_cast<int32_t>(rest);
+        back.front().bytes += rest;
+        m_chunks.insert(m_chunks.end(), std::make_move_iterator(back.begin()), std::make_move_iterator(back.end()));
+    }
     Rebuild();
 }
 
-void CHardLines::AddLine(long len) {
-    if (m_chunks.empty() || m_chunks.back().lens.size() >= kChunkLines)
-        m_chunks.emplace_back().lens.reserve(kChunkLines);
-    m_chunks.back().lens.push_back(len);
-    m_chunks.back().bytes += len;
+void CHardLines::AddLine(std::vector<CChunk>* chunks, long len) {
+    if (chunks->empty() || chunks->back().lens.size() >= kChunkLines) chunks->emplace_back().lens.reserve(kChunkLines);
+    chunks->back().lens.push_back(static_cast<int32_t>(len));
+    chunks->back().bytes += len;
 }
 
 void CHardLines::Rebuild() {
@@ -118,7 +139,7 @@ CHardLines::CSpot CHardLines::SpotFromPos(long pos) const {
         return spot;
     }
     spot.chunk = TreeFind(m_treeBytes, std::max<long>(pos, 0), &spot.start);
-    const std::vector<long>& lens = m_chunks[spot.chunk].lens;
+    const std::vector<int32_t>& lens = m_chunks[spot.chunk].lens;
     while (spot.index + 1 < lens.size() && pos >= spot.start + lens[spot.index]) spot.start += lens[spot.index++];
     return spot;
 }
@@ -159,7 +180,7 @@ void CHardLines::Replace(long pos, long oldCount, std::string_view text) {
         // The common case of typing: one line changes length.
         CSpot spot = SpotFromPos(pos);
         long delta = static_cast<long>(text.size()) - oldCount;
-        m_chunks[spot.chunk].lens[spot.index] += delta;
+        m_chunks[spot.chunk].lens[spot.index] += static_cast<int32_t>(delta);
         m_chunks[spot.chunk].bytes += delta;
         TreeAdd(spot.chunk, delta, 0);
         return;
@@ -168,7 +189,7 @@ void CHardLines::Replace(long pos, long oldCount, std::string_view text) {
     Splice(line1, line2 - line1 + 1, SplitLines(pos - start1, text, suffix));
 }
 
-void CHardLines::Splice(long first, long count, const std::vector<long>& lens) {
+void CHardLines::Splice(long first, long count, const std::vector<int32_t>& lens) {
     CSpot spot = SpotFromLine(first);
     CChunk& chunk = m_chunks[spot.chunk];
     auto at = chunk.lens.begin() + static_cast<long>(spot.index);
@@ -207,7 +228,7 @@ void CHardLines::Splice(long first, long count, const std::vector<long>& lens) {
 
 void CHardLines::Normalize(size_t from, size_t to) {
     // Repack the touched chunks into chunks of the usual size.
-    std::vector<long> all;
+    std::vector<int32_t> all;
     for (size_t c = from; c <= to; ++c)
         all.insert(all.end(), m_chunks[c].lens.begin(), m_chunks[c].lens.end());
     std::vector<CChunk> packed;

@@ -1,18 +1,23 @@
 // The hard lines of the text: lines that end with LF (a CR in front of the LF belongs to the
-// line end). Kept as a list of line lengths, the break included, cut into chunks; a Fenwick
-// tree over the chunks gives the bytes and lines in front of each chunk, so that finding the
-// line of a position and the start of a line take logarithmic time in the number of chunks
-// plus a short scan inside one chunk, and an edit costs the same.
+// line end). Kept as a list of line lengths, the break included, in 32 bits (a text stays below
+// 2^31 bytes), cut into chunks; a Fenwick tree over the chunks gives the bytes and lines in
+// front of each chunk, so that finding the line of a position and the start of a line take
+// logarithmic time in the number of chunks plus a short scan inside one chunk, and an edit
+// costs the same.
 #pragma once
+#include <cstdint>
 #include <string_view>
 #include <vector>
+
+#include "htmldoc/twothreads.h"
 
 class CHardLines {
 public:
     CHardLines();
 
-    // Rebuilds the table for the whole text.
-    void Assign(std::string_view text);
+    // Rebuilds the table for the whole text; a text of nTwoThreadBytes or more is read in two
+    // halves at once.
+    void Assign(std::string_view text, size_t nTwoThreadBytes = kTwoThreadBytes);
     // The text had `oldCount` bytes at `pos` replaced by `text`.
     void Replace(long pos, long oldCount, std::string_view text);
 
@@ -27,7 +32,7 @@ public:
 
 private:
     struct CChunk {
-        std::vector<long> lens;
+        std::vector<int32_t> lens;
         long bytes = 0;
     };
     // A chunk and the line inside it.
@@ -40,8 +45,8 @@ private:
     CSpot SpotFromPos(long pos) const;
     CSpot SpotFromLine(long line) const;
     // Replaces `count` lines from `first` by lines of the given lengths.
-    void Splice(long first, long count, const std::vector<long>& lens);
-    void AddLine(long len);
+    void Splice(long first, long count, const std::vector<int32_t>& lens);
+    static void AddLine(std::vector<CChunk>* chunks, long len);
     // Splits oversized chunks, drops empty ones, merges small ones, and rebuilds the tree.
     void Normalize(size_t from, size_t to);
     void Rebuild();

@@ -38,6 +38,12 @@ public:
         }
         return m_nCount > 0 ? m_nCount - 1 : 0;
     }
+    // Appends the lengths of `other` from index nFrom on.
+    void Append(const CLineLengthList& other, long nFrom) {
+        for (long i = nFrom; i < other.m_nCount; ++i) m_nTotal += other.m_aLength[static_cast<size_t>(i)];
+        m_aLength.insert(m_aLength.end(), other.m_aLength.begin() + nFrom, other.m_aLength.end());
+        m_nCount += other.m_nCount - static_cast<int32_t>(nFrom);
+    }
     const int32_t* Data() const { return m_aLength.data(); }
     // Room for this many lengths without a move: pages of it that are never written cost nothing.
     void Reserve(long nCount) { m_aLength.reserve(static_cast<size_t>(nCount)); }

@@ -12,10 +12,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <new>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "src/layout/linelengthlist.h"
 #include "src/layout/rowwrapper.h"
+#include "src/layout/textfeed.h"
 #include "src/layout/textreader.h"
 #include "src/view/module.h"
 #include "src/view/zentrelctrl.h"
@@ -164,10 +168,12 @@ struct OldLineFeeds {
     }
 };
 
-// Scans lines for one run of the breaker, in one width table.
+// Scans lines for one run of the breaker, in one width table. The reader is the window's own
+// (CTextReader) or a layout helper's (CFedTextReader).
+template <class Reader>
 struct LineScanner {
     CZentrelCtrl& view;
-    CTextReader& text;
+    Reader& text;
     const LONG* widths;
     const ByteKinds& kinds;
     long nWidth;
@@ -276,7 +282,8 @@ struct LineScanner {
 // run: wrapping never looks at the style of what it measures. On the screen the table is the
 // widest width of each byte over the edit font's faces; a printout measures in the font of the
 // first byte's format.
-LineScanner ScannerFrom(CZentrelCtrl& view, CTextReader& text, DWORD dwOptions, long nWidth, long lineStart) {
+LineScanner<CTextReader> ScannerFrom(CZentrelCtrl& view, CTextReader& text, DWORD dwOptions, long nWidth,
+                                     long lineStart) {
     const long docLen = text.Length();
     const LONG* widths = view.m_WrapMetrics.m_aWidth;
     if (!(dwOptions & OPT_SCREENMETRICS) && lineStart < docLen) {
@@ -284,7 +291,7 @@ LineScanner ScannerFrom(CZentrelCtrl& view, CTextReader& text, DWORD dwOptions, 
         view.GetCharFormat(text.At(lineStart), lineStart, dwOptions, &format);
         if (const CFontMetrics* metrics = view.GetFontMetrics(format.dwFont)) widths = metrics->m_aWidth;
     }
-    return LineScanner{view, text, widths, Kinds(), nWidth, docLen, view.NextCollapseStart(lineStart)};
+    return LineScanner<CTextReader>{view, text, widths, Kinds(), nWidth, docLen, view.NextCollapseStart(lineStart)};
 }
 
 // The rows of the table from before a change, passed in order while the new rows are scanned,
@@ -376,15 +383,156 @@ void CZentrelCtrl::WrapAll(DWORD dwOptions, long nWidth, CLineIndex* pTable) {
     // Enough for rows of 32 bytes on average, so that a large text's list is not copied over and
     // over while it grows; a text of shorter rows grows it from there.
     list.Reserve(m_pDoc ? m_pDoc->GetLength() / 32 + 16 : 16);
-    CRowWrapper(*this, m_pDoc, dwOptions, nWidth).WrapRows(std::numeric_limits<long>::max(), &list);
+    CRowWrapper(*this, m_pDoc, dwOptions, nWidth).WrapRest(&list);
     pTable->Build(list.Data(), list.m_nCount);
 }
 
+namespace {
+
+// Appends the rows of a run from where `progress` stands, at most nRows of them, and none that
+// starts at or behind nStopAt. Gives how many it appended.
+template <class Reader>
+long AppendRows(LineScanner<Reader>& scanner, CRowWrapper::Progress& progress, long nRows, long nStopAt,
+                CLineLengthList* pRows) {
+    const long docLen = scanner.text.Length();
+    const long countBefore = pRows->m_nCount;
+    while (!progress.bDone && pRows->m_nCount - countBefore < nRows) {
+        if (progress.bEmptyRowDue) {
+            pRows->InsertAt(pRows->m_nCount, 0);
+            progress.bDone = true;
+            break;
+        }
+        if (progress.nPos >= nStopAt) break;
+        const ScannedLine row = docLen > 0 ? scanner.Scan(progress.nPos) : ScannedLine{};
+        // A lead byte that is the last byte of the text leaves the rest as one row; so does a
+        // scan that could not move, which only a text shorter than it was made for gives.
+        const long length = row.runOver || row.newLen <= 0 ? docLen - progress.nPos : row.newLen;
+        pRows->InsertAt(pRows->m_nCount, length);
+        progress.nPos += length;
+        if (progress.nPos < docLen) continue;
+        // The text ends: a final line feed is followed by an empty row.
+        progress.bEmptyRowDue = docLen > 0 && scanner.text.At(docLen - 1) == kLF;
+        progress.bDone = !progress.bEmptyRowDue;
+    }
+    return pRows->m_nCount - countBefore;
+}
+
+// The rows that a helper thread lays out from a line feed on, and how far it came.
+struct HelperRows {
+    CLineLengthList rows;
+    CRowWrapper::Progress progress;
+};
+
+// The helper's part: the rows from progress.nPos to the end of the text, read through the feed
+// with the settings of the window's scanner, a copy made before the helper starts (the helper
+// never reads the window's reader). It stops early, its rows so far standing, when the feed
+// stops or memory runs out.
+void WrapBehind(LineScanner<CTextReader> from, CTextFeed& feed, long nWindow, HelperRows* pOut) {
+    try {
+        CFedTextReader text(feed, from.docLen, nWindow, pOut->progress.nPos);
+        LineScanner<CFedTextReader> scanner{from.view, text, from.widths, from.kinds, from.nWidth, from.docLen,
+                                            from.nextBlock};
+        pOut->rows.Reserve((from.docLen - pOut->progress.nPos) / 32 + 16);
+        AppendRows(scanner, pOut->progress, std::numeric_limits<long>::max(), std::numeric_limits<long>::max(),
+                   &pOut->rows);
+    } catch (const CFedTextReader::Stopped&) {
+    } catch (const std::bad_alloc&) {
+    }
+    feed.Done();
+}
+
+// The byte behind the first line feed from a little in front of the middle of what is left of a
+// large text without collapsed blocks; 0 when the layout is not to be split. A row's layout
+// depends only on the text from its start on, so the rows behind a line feed are the same
+// whether the layout starts there or comes to it from the top.
+long SplitAt(const LineScanner<CTextReader>& scanner, ISourceText* doc, long from, const CLayoutSplit& split) {
+    const long docLen = scanner.docLen;
+    if (docLen - from < split.nMinBytes || scanner.nextBlock < docLen || scanner.view.NextCollapseStart(0) < docLen)
+        return 0;
+    // The window's thread takes the smaller part, as it copies the helper's text besides.
+    constexpr long kFrontPercent = 46;
+    // A text without a line feed near its middle (a minified page) is laid out in one piece.
+    constexpr long kSearch = 1L << 20;
+    CTextReader text(doc);
+    for (long pos = from + (docLen - from) * kFrontPercent / 100, end = std::min(docLen, pos + kSearch); pos < end;) {
+        long available = 0;
+        const char* p = text.Span(pos, &available);
+        available = std::min(available, end - pos);
+        if (const void* lf = std::memchr(p, kLF, static_cast<size_t>(available))) {
+            const long behind = pos + (static_cast<const char*>(lf) - p) + 1;
+            return behind < docLen ? behind : 0;
+        }
+        pos += available;
+    }
+    return 0;
+}
+
+// A whole layout split at a line feed: this thread, the window's, lays out the rows in front of
+// it and copies the text for a helper as the helper asks for it; the helper lays out the rows
+// behind it.
+struct SplitRun {
+    LineScanner<CTextReader>& scanner;
+    ISourceText* doc;
+    CRowWrapper::Progress& progress;
+    CLineLengthList& rows;
+    HelperRows helper;
+
+    // Rows in front of the split between two looks at the helper's wishes: a few microseconds.
+    static constexpr long kRowsBetweenServes = 64;
+
+    // Both parts; false when no thread could be had, and nothing was done.
+    bool Run(long splitAt, long nWindow) {
+        CTextFeed feed(doc);
+        helper.progress.nPos = splitAt;
+        std::thread thread;
+        try {
+            thread = std::thread(WrapBehind, scanner, std::ref(feed), nWindow, &helper);
+        } catch (const std::system_error&) {
+            return false;
+        }
+        // Whatever happens here, the helper stops and is joined before its rows are read.
+        struct Joiner {
+            CTextFeed& feed;
+            std::thread& thread;
+            ~Joiner() {
+                feed.Stop();
+                thread.join();
+            }
+        } joiner{feed, thread};
+        while (!progress.bDone && progress.nPos < splitAt) {
+            AppendRows(scanner, progress, kRowsBetweenServes, splitAt, &rows);
+            feed.Serve();
+        }
+        feed.ServeUntilDone();
+        return true;
+    }
+
+    // Takes the helper's rows from the first that starts where a row of this thread ends: that
+    // is at the split itself unless a double-byte character runs over the line feed there.
+    // Where no start meets, this thread goes on alone.
+    void TakeHelperRows(long start) {
+        long i = 0;
+        while (!progress.bDone) {
+            while (i < helper.rows.m_nCount && start < progress.nPos) start += helper.rows.GetAt(i++);
+            if (start == progress.nPos) {
+                rows.Append(helper.rows, i);
+                progress = helper.progress;
+                return;
+            }
+            if (i == helper.rows.m_nCount) return;
+            AppendRows(scanner, progress, 1, std::numeric_limits<long>::max(), &rows);
+        }
+    }
+};
+
+}  // namespace
+
 struct CRowWrapper::Run {
     Run(CZentrelCtrl& view, ISourceText* doc, DWORD dwOptions, long nWidth)
-        : text(doc), scanner(ScannerFrom(view, text, dwOptions, nWidth, 0)) {}
+        : pDoc(doc), text(doc), scanner(ScannerFrom(view, text, dwOptions, nWidth, 0)) {}
+    ISourceText* pDoc;
     CTextReader text;
-    LineScanner scanner;
+    LineScanner<CTextReader> scanner;
 };
 
 CRowWrapper::CRowWrapper(CZentrelCtrl& view, ISourceText* doc, DWORD dwOptions, long nWidth)
@@ -395,26 +543,17 @@ CRowWrapper::~CRowWrapper() = default;
 long CRowWrapper::GetLength() const { return m_pRun->text.Length(); }
 
 long CRowWrapper::WrapRows(long nRows, CLineLengthList* pRows) {
-    CTextReader& text = m_pRun->text;
-    const long docLen = text.Length();
+    return AppendRows(m_pRun->scanner, m_progress, nRows, std::numeric_limits<long>::max(), pRows);
+}
+
+long CRowWrapper::WrapRest(CLineLengthList* pRows, const CLayoutSplit& split) {
     const long countBefore = pRows->m_nCount;
-    while (!m_bDone && pRows->m_nCount - countBefore < nRows) {
-        if (m_bEmptyRowDue) {
-            pRows->InsertAt(pRows->m_nCount, 0);
-            m_bDone = true;
-            break;
-        }
-        const ScannedLine row = docLen > 0 ? m_pRun->scanner.Scan(m_nPos) : ScannedLine{};
-        // A lead byte that is the last byte of the text leaves the rest as one row; so does a
-        // scan that could not move, which only a text shorter than it was made for gives.
-        const long length = row.runOver || row.newLen <= 0 ? docLen - m_nPos : row.newLen;
-        pRows->InsertAt(pRows->m_nCount, length);
-        m_nPos += length;
-        if (m_nPos < docLen) continue;
-        // The text ends: a final line feed is followed by an empty row.
-        m_bEmptyRowDue = docLen > 0 && text.At(docLen - 1) == kLF;
-        m_bDone = !m_bEmptyRowDue;
+    const long splitAt = m_progress.bDone ? 0 : SplitAt(m_pRun->scanner, m_pRun->pDoc, m_progress.nPos, split);
+    if (splitAt > 0) {
+        SplitRun run{m_pRun->scanner, m_pRun->pDoc, m_progress, *pRows, {}};
+        if (run.Run(splitAt, split.nWindowBytes)) run.TakeHelperRows(splitAt);
     }
+    WrapRows(std::numeric_limits<long>::max(), pRows);
     return pRows->m_nCount - countBefore;
 }
 
@@ -433,7 +572,7 @@ void CZentrelCtrl::WrapLinesIn(DWORD dwOptions, long nPos, LayoutRange* pRange, 
     run.oldLen = pTable->GetAt(run.line);
     run.unchanged = nLines;
 
-    LineScanner scanner = ScannerFrom(*this, text, dwOptions, nWidth, run.lineStart);
+    LineScanner<CTextReader> scanner = ScannerFrom(*this, text, dwOptions, nWidth, run.lineStart);
 
     for (;;) {
         ScannedLine scanned = scanner.Scan(run.lineStart);
@@ -475,7 +614,7 @@ void CZentrelCtrl::RelayoutChange(long nPos, long nRemoved, long nInserted, Layo
     const long first = nPos < 2 ? 0 : std::max(0L, static_cast<long>(m_Lines.FindLine(nPos - 2)) - 1);
     const long firstStart = m_Lines.GetLineStart(first);
     const long width = BreakWidth();
-    LineScanner scanner = ScannerFrom(*this, text, m_Options, width, firstStart);
+    LineScanner<CTextReader> scanner = ScannerFrom(*this, text, m_Options, width, firstStart);
     const OldLineFeeds known{m_Lines, nPos, nPos + nInserted, nInserted - nRemoved};
     if (width == WIDTH_UNLIMITED) scanner.known = &known;
     OldRows old{m_Lines, first, firstStart, nPos + nRemoved, nInserted - nRemoved};

@@ -58,4 +58,19 @@ TEST(HardLines, RandomEditsOverManyChunks) {
     ExpectSameLines(lines, text);
 }
 
+// A large text's table is made from its two halves at once; the line over the middle is put
+// together from both. Split anywhere: inside a line, at a line feed, in a text without one.
+TEST(HardLines, AssignedInTwoHalvesAtOnce) {
+    std::mt19937 rng(11);
+    for (int round = 0; round < 300; ++round) {
+        std::string text;
+        const int pieces = static_cast<int>(rng() % 40);
+        for (int i = 0; i < pieces; ++i) text += std::string(rng() % 5, 'x') + (rng() % 3 ? "\n" : "\r\n");
+        if (round % 7 == 0) text = std::string(rng() % 300, 'y');
+        CHardLines lines;
+        lines.Assign(text, 0);
+        ASSERT_NO_FATAL_FAILURE(ExpectSameLines(lines, text)) << "round " << round;
+    }
+}
+
 }  // namespace

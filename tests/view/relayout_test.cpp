@@ -2,8 +2,8 @@
 // inserts, deletes and replacements of line ends (LF, CR LF, lone CR), tabs, spaces, hyphens,
 // long words, rows of kilobytes and double-byte characters, with word wrap at several widths and
 // without it; a whole layout handed out row by row in pieces against the same layout made in one
-// go; and a whole layout at random byte widths against a walk of the breaking rules one byte at
-// a time.
+// go; a whole layout at random byte widths against a walk of the breaking rules one byte at a
+// time; and a whole layout split over two threads against one on a single thread.
 // ZENTREL_LONG_TESTS=1 runs many more edits.
 #include <cstdlib>
 #include <random>
@@ -12,6 +12,7 @@
 #include "platform/codepage/codepage.h"
 #include "src/layout/linelengthlist.h"
 #include "src/layout/rowwrapper.h"
+#include "src/layout/textfeed.h"
 #include "src/view/module.h"
 #include "tests/codepagescope.h"
 #include "tests/view/viewfixture.h"
@@ -209,6 +210,54 @@ TEST_P(Relayout, AWholeLayoutAtRandomWidthsBreaksWhereAByteWiseWalkBreaks) {
         for (long i = 0; i < table.m_nCount; ++i) rows.push_back(table.GetAt(i));
         ASSERT_EQ(rows, expected) << "text " << Escaped(text);
     }
+}
+
+// The rows of the text from a whole layout on one thread, handed out row by row.
+std::vector<long> RowsOnOneThread(CZentrelCtrl& ctrl, DWORD options) {
+    CRowWrapper wrapper(ctrl, ctrl.GetDocumentText(), options, ctrl.BreakWidth());
+    CLineLengthList list;
+    while (wrapper.WrapRows(1, &list) > 0) {
+    }
+    std::vector<long> rows;
+    for (long i = 0; i < list.m_nCount; ++i) rows.push_back(list.GetAt(i));
+    return rows;
+}
+
+// Split at a line feed near the middle, with the helper reading windows of a few hundred bytes,
+// so that its rows cross windows and step back over their edges; a lead byte in front of the
+// line feed makes the two threads' rows meet behind it.
+TEST_P(Relayout, ALayoutSplitOverTwoThreadsHasTheRowsOfOneThread) {
+    const Setting& s = GetParam();
+    rng.seed(s.codePage * 13u + static_cast<unsigned>(s.width) + s.wrap);
+    const DWORD options = ctrl->GetOptionsWord() | OPT_SCREENMETRICS;
+    for (int t = 0; t < (LongRun() ? 3000 : 150); ++t) {
+        for (LONG& w : ctrl->m_WrapMetrics.m_aWidth) w = static_cast<LONG>(rng() % 5 == 0 ? 0 : rng() % 24);
+        // Every other text has a lead byte (in code page 932) in front of the line feed it splits at.
+        std::string front = StretchyText(), back = StretchyText();
+        if (t % 2) back.resize(front.size(), 'b');
+        const std::string text = t % 2 ? front + "\xE9\n" + back : front + back;
+        doc->SetText(text);
+        const CLayoutSplit split{0, 2 * CFedTextReader::kLookBehind + 1 + static_cast<long>(rng() % 300)};
+        CRowWrapper wrapper(*ctrl, ctrl->GetDocumentText(), options, ctrl->BreakWidth());
+        CLineLengthList list;
+        wrapper.WrapRest(&list, split);
+        std::vector<long> rows;
+        for (long i = 0; i < list.m_nCount; ++i) rows.push_back(list.GetAt(i));
+        ASSERT_EQ(rows, RowsOnOneThread(*ctrl, options)) << "window " << split.nWindowBytes << ", text " << Escaped(text);
+        ASSERT_TRUE(wrapper.IsDone());
+    }
+}
+
+// A text large enough for the load and the layout to use two threads on their own.
+TEST_P(Relayout, ALargeLoadHasTheRowsOfOneThread) {
+    rng.seed(GetParam().codePage + 5u);
+    std::string text;
+    while (text.size() < CLayoutSplit{}.nMinBytes + 4096) text += Piece();
+    doc->SetText(text);
+    ASSERT_EQ(doc->GetText(), text);
+    std::vector<long> rows;
+    for (long i = 0; i < ctrl->Lines().m_nCount; ++i) rows.push_back(ctrl->Lines().GetAt(i));
+    ASSERT_EQ(rows, RowsOnOneThread(*ctrl, ctrl->GetOptionsWord()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, Relayout,
