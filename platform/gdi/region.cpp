@@ -95,10 +95,8 @@ int CRgn::Offset(LONG dx, LONG dy) {
     return Changed();
 }
 
-// The queries scan from the newest rectangle: a painter that excludes each line's margin in
-// turn leaves the part of the line it is drawing at the end, behind one piece per earlier line.
 bool CRgn::Touches(const RECT& rc) const {
-    return std::any_of(m_rects.rbegin(), m_rects.rend(), [&](const RECT& r) { return !IntersectRects(r, rc).IsEmpty(); });
+    return std::any_of(m_rects.begin(), m_rects.end(), [&](const RECT& r) { return !IntersectRects(r, rc).IsEmpty(); });
 }
 
 bool CRgn::Contains(POINT pt) const {
@@ -106,7 +104,7 @@ bool CRgn::Contains(POINT pt) const {
 }
 
 bool CRgn::InsideOneRect(const RECT& rc) const {
-    return std::any_of(m_rects.rbegin(), m_rects.rend(), [&](const RECT& r) {
+    return std::any_of(m_rects.begin(), m_rects.end(), [&](const RECT& r) {
         return rc.left >= r.left && rc.top >= r.top && rc.right <= r.right && rc.bottom <= r.bottom;
     });
 }
