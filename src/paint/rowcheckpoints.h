@@ -10,12 +10,13 @@
 //
 // A state depends on the bytes from the row's start up to it, their classes, the format table,
 // the fonts and the tab size; a painted state also on the option word, on which bytes are
-// selected, on whether the selection shows and on the format of the byte it stands at. The owner drops the states after a
-// changed text or class position, the painted ones at it too (DropFrom), and all of them when
-// the fonts or the exception tags change (Clear); the store drops the rest by itself when it
-// sees that what the walks depend on has changed (Sync, SyncSelection). States are kept by their
-// row's start and used only below the row's end, so a new layout leaves them right: a row that
-// starts at the same place has the same bytes before each of its states.
+// selected, on whether the selection shows and on the format of the byte it stands at. The
+// owner drops the states after a changed text or class position, the painted ones at it too
+// (DropFrom), and all of them when the fonts or the exception tags change (Clear); the store
+// drops the rest by itself when it sees that what the walks depend on has changed (Sync,
+// SyncSelection). States are kept by their row's start and used only below the row's end, so a
+// new layout leaves them right: a row that starts at the same place has the same bytes before
+// each of its states.
 #pragma once
 #include <algorithm>
 #include <limits>
