@@ -447,8 +447,8 @@ void WrapBehind(LineScanner<CTextReader> from, CTextFeed& feed, long nWindow, He
 // whether the layout starts there or comes to it from the top.
 long SplitAt(const LineScanner<CTextReader>& scanner, ISourceText* doc, long from, const CLayoutSplit& split) {
     const long docLen = scanner.docLen;
-    if (docLen - from < split.nMinBytes || scanner.nextBlock < docLen || scanner.view.NextCollapseStart(0) < docLen)
-        return 0;
+    // Any collapsed block at all, the first one included, keeps the layout on one thread.
+    if (docLen - from < split.nMinBytes || scanner.view.NextCollapseStart(0) < docLen) return 0;
     // The window's thread takes the smaller part, as it copies the helper's text besides.
     constexpr long kFrontPercent = 46;
     // A text without a line feed near its middle (a minified page) is laid out in one piece.
