@@ -160,6 +160,8 @@ bool CQtControlWidget::viewportEvent(QEvent* e) {
     CDelivery delivery;
     const CQtInputState state = InputStateOf(e);
     if (e->type() == QEvent::Leave) Send(WM_MOUSELEAVE, 0, 0);
+    const bool childWidget = e->type() == QEvent::ChildAdded && static_cast<QChildEvent*>(e)->child()->isWidgetType();
+    if (e->type() == QEvent::Hide || childWidget) LeaveStore();
     return QAbstractScrollArea::viewportEvent(e);
 }
 

@@ -5,6 +5,16 @@
 // draw on it, at any time; the viewport's paint event only shows the part Qt asks for, with
 // the caret drawn over it. So drawing outside paint events works, ScrollWindow moves pixels
 // that are really there, and blinking the caret repaints nothing of the window's.
+//
+// A paint that Qt's own paint event delivers draws straight into the window's backing store
+// instead, where that holds what the window showed last, and spares the copy of what it drew.
+// The surface then lags behind there (the stale region) and takes those pixels back from the
+// store only when something needs them: a context over the surface, a scroll, another paint
+// device that shows the viewport. The caret and the preedit text are never drawn over stale
+// pixels, so the store holds nothing but the window's own pixels there. Where the store may
+// have lost them (a new store image, the viewport moved in its window or hidden), they are
+// painted again. Child widgets of the viewport draw into the same store, so a viewport that
+// has any is painted the first way only.
 #pragma once
 #include <QAbstractScrollArea>
 #include <QBasicTimer>
@@ -62,7 +72,7 @@ public:
     void SetCaret(bool shown, const RECT& rc);
     void SetScrollBar(int bar, const ScrollBarState& state);
     // The window's pixels, as contexts left them (the caret is not in them).
-    const QImage& Surface() const { return m_surface; }
+    const QImage& Surface();
     // Whether the caret is drawn now (shown by its count, the window focused, in the blink's on phase).
     bool CaretVisible() const;
     // The text an input method is composing, drawn at the caret and not yet in the document.
@@ -109,7 +119,23 @@ private:
     // The surface's extent in logical units.
     QRect SurfaceRect() const { return QRect(QPoint(0, 0), m_surface.deviceIndependentSize().toSize()); }
     QRegion DeliverPaint();
-    void Present(const QRegion& region);
+    void Present(QPainter& p, const QRegion& region, bool toStore);
+    QRegion DrawOverlays(QPainter& p, const QRegion& region);
+    // Painting straight into the backing store (see the top of this file).
+    struct CStoreSpot {
+        QImage* image = nullptr;  // the store's pixels; compared, never read, once remembered
+        qint64 serial = 0;        // the image's identity beyond its address
+        QPoint offset;            // the viewport's place in it
+        friend bool operator==(const CStoreSpot&, const CStoreSpot&) = default;
+    };
+    CStoreSpot StoreSpot() const;
+    bool StoreHolds();
+    bool CanPaintInStore() const;
+    QRegion DeliverPaintInStore(const QRegion& region);
+    void SyncStale(const QRegion& region);
+    void LoseStore();
+    void LeaveStore();
+    QRegion OverlayRegion() const;
     void Show(const QRegion& region);
     CDC* OpenContext(bool paint, const QRegion* system);
     QRect CloseContext(CDC* dc);
@@ -127,6 +153,12 @@ private:
     HWND m_hwnd;
     QRegion m_rgnPending;             // invalid and not yet painted
     QImage m_surface;                 // the client area's pixels
+    QImage m_storeView;               // the viewport's part of the backing store, while a paint draws there
+    CStoreSpot m_store;               // where that part was last
+    QRegion m_rgnStale;               // where the store holds newer pixels than the surface
+    QRegion m_rgnShown;               // where the store holds the window's pixels, overlays aside
+    QRegion m_rgnOverlaid;            // where the caret or the preedit text lies over them there
+    int m_nDeliveries = 0;            // WM_PAINTs sent
     std::vector<CContext> m_contexts; // paint and window contexts handed out
     int m_nBeginPaints = 0;
     bool m_bDelivering = false;       // a WM_PAINT of ours is being handled

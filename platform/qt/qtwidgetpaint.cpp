@@ -1,8 +1,10 @@
 // Painting of CQtControlWidget: the surface, paint and window contexts, presenting, scrolling
 // pixels, the caret and the scroll bars.
+#include <QBackingStore>
 #include <QGuiApplication>
 #include <QInputMethod>
 #include <QPaintEvent>
+#include <QPaintEngine>
 #include <QPainter>
 #include <QScrollBar>
 #include <QStyleHints>
@@ -42,6 +44,15 @@ void ScrollImage(QImage& image, const QRect& logical, int ldx, int ldy, int rati
         std::memmove(image.scanLine(y + dy) + (from.left() + dx) * 4, image.constScanLine(y) + from.left() * 4, bytes);
 }
 
+// Copies the pixels of `rc` (in `to`'s coordinates) from `from`, where they stand at `rc`
+// moved by `fromOffset`, into `to` at `rc` moved by `toOffset`. Both hold one pixel per unit.
+void CopyPixelRows(const QImage& from, QPoint fromOffset, QImage& to, QPoint toOffset, const QRect& rc) {
+    const size_t bytes = static_cast<size_t>(rc.width()) * sizeof(QRgb);
+    for (int y = rc.top(); y <= rc.bottom(); ++y)
+        std::memcpy(to.scanLine(y + toOffset.y()) + (rc.left() + toOffset.x()) * sizeof(QRgb),
+                    from.constScanLine(y + fromOffset.y()) + (rc.left() + fromOffset.x()) * sizeof(QRgb), bytes);
+}
+
 }  // namespace
 
 // The surface follows the viewport's size; what both sizes hold is kept, and what a larger size
@@ -55,6 +66,7 @@ void CQtControlWidget::EnsureSurface() {
     QImage surface(size * ratio, QImage::Format_RGB32);
     surface.setDevicePixelRatio(ratio);
     surface.fill(Qt::white);
+    SyncStale(SurfaceRect());
     if (!m_surface.isNull()) {
         QPainter p(&surface);
         p.setCompositionMode(QPainter::CompositionMode_Source);
@@ -62,6 +74,7 @@ void CQtControlWidget::EnsureSurface() {
     }
     const QRegion uncovered = QRegion(QRect(QPoint(0, 0), size)) - QRegion(SurfaceRect());
     m_surface = std::move(surface);
+    m_rgnShown -= uncovered;
     if (!uncovered.isEmpty()) {
         m_rgnPending += uncovered;
         viewport()->update(uncovered);
@@ -70,7 +83,14 @@ void CQtControlWidget::EnsureSurface() {
 
 CDC* CQtControlWidget::OpenContext(bool paint, const QRegion* system) {
     EnsureSurface();
-    auto dc = std::make_unique<CQtDC>(&m_surface);
+    const bool inStore = paint && !m_storeView.isNull();
+    if (!inStore) {
+        // The store shows the context's drawing only once it is presented.
+        const QRegion reach = system ? *system : QRegion(SurfaceRect());
+        SyncStale(reach);
+        m_rgnShown -= reach;
+    }
+    auto dc = std::make_unique<CQtDC>(inStore ? &m_storeView : &m_surface);
     if (system) dc->SetSystemRegion(RgnFromQRegion(*system));
     m_contexts.push_back({std::move(dc), paint});
     return m_contexts.back().dc.get();
@@ -92,6 +112,7 @@ bool CQtControlWidget::HasWindowContext() const {
 CDC* CQtControlWidget::BeginPaintContext(RECT* rcPaint) {
     ++m_nBeginPaints;
     EnsureSurface();
+    if (m_storeView.isNull()) SyncStale(m_rgnPending);  // what the store lost joins the paint
     const QRegion region = m_rgnPending & SurfaceRect();
     m_rgnPending = QRegion();
     if (rcPaint) *rcPaint = region.isEmpty() ? RECT{} : RectFromQRect(region.boundingRect());
@@ -133,6 +154,7 @@ QRegion CQtControlWidget::DeliverPaint() {
     }
     const int beginPaints = m_nBeginPaints;
     const bool wasDelivering = std::exchange(m_bDelivering, true);
+    ++m_nDeliveries;
     Send(WM_PAINT, 0, 0);
     m_bDelivering = wasDelivering;
     if (m_nBeginPaints == beginPaints) m_rgnPending -= asked;
@@ -142,7 +164,11 @@ QRegion CQtControlWidget::DeliverPaint() {
 void CQtControlWidget::PaintPending() {
     CDelivery delivery;  // the handler may destroy the window while it paints
     EnsureSurface();
-    Show(DeliverPaint());
+    // Qt's paint event paints straight into the store where it can; the window's paint is sent
+    // once either way.
+    const int deliveries = m_nDeliveries;
+    if (CanPaintInStore()) viewport()->repaint(m_rgnPending);
+    if (m_nDeliveries == deliveries) Show(DeliverPaint());
 }
 
 // Shows part of the surface: at once when possible, else with the next paint event. Showing
@@ -162,24 +188,123 @@ void CQtControlWidget::Show(const QRegion& region) {
 
 void CQtControlWidget::paintEvent(QPaintEvent* e) {
     EnsureSurface();
-    if (!m_bPresentOnly) DeliverPaint();
-    Present(e->region());
+    QPainter p(viewport());
+    // The painter draws on the store itself, not on a picture that another device asked for.
+    const bool toStore = StoreHolds() && p.paintEngine()->paintDevice() == m_store.image;
+    QRegion painted;
+    if (!m_bPresentOnly && toStore) painted = DeliverPaintInStore(e->region());
+    if (!m_bPresentOnly && painted.isEmpty()) DeliverPaint();
+    Present(p, e->region() - painted, toStore);
+    const QRegion overlaid = DrawOverlays(p, e->region());
+    if (!toStore) return;
+    m_rgnShown |= e->region();
+    m_rgnOverlaid = (m_rgnOverlaid - e->region()) | overlaid;
 }
 
-void CQtControlWidget::Present(const QRegion& region) {
-    QPainter p(viewport());
+// Shows the surface's part of `region`; the store already holds its stale part.
+void CQtControlWidget::Present(QPainter& p, const QRegion& region, bool toStore) {
+    if (!toStore) SyncStale(region);
     p.setCompositionMode(QPainter::CompositionMode_Source);
     const qreal ratio = m_surface.devicePixelRatio();
-    for (const QRect& r : region)
+    for (const QRect& r : toStore ? region - m_rgnStale : region)
         p.drawImage(r.topLeft(), m_surface, QRectF(r.x() * ratio, r.y() * ratio, r.width() * ratio, r.height() * ratio));
+}
+
+// Draws the preedit text, else the caret, over what `region` shows; gives where it drew.
+QRegion CQtControlWidget::DrawOverlays(QPainter& p, const QRegion& region) {
+    // The store holds nothing but the window's pixels where the surface lags behind.
+    SyncStale(OverlayRegion() & region);
     if (!m_strPreedit.isEmpty() && region.intersects(PreeditRect())) {
         DrawPreedit(p);
-        return;
+        return region & PreeditRect();
     }
-    if (CaretVisible() && region.intersects(m_rcCaret)) {
-        p.setCompositionMode(QPainter::CompositionMode_Difference);
-        p.fillRect(m_rcCaret, Qt::white);
-    }
+    if (!CaretVisible() || !region.intersects(m_rcCaret)) return {};
+    p.setCompositionMode(QPainter::CompositionMode_Difference);
+    p.fillRect(m_rcCaret, Qt::white);
+    return region & m_rcCaret;
+}
+
+QRegion CQtControlWidget::OverlayRegion() const {
+    QRegion overlays = PreeditRect();
+    if (CaretVisible()) overlays += m_rcCaret;
+    return overlays;
+}
+
+const QImage& CQtControlWidget::Surface() {
+    SyncStale(SurfaceRect());
+    return m_surface;
+}
+
+// Where the window's backing store holds the viewport's pixels, if a context can draw there as
+// on the surface: an image of the surface's format at one pixel per unit, holding the viewport.
+CQtControlWidget::CStoreSpot CQtControlWidget::StoreSpot() const {
+    QBackingStore* store = viewport()->window()->backingStore();
+    QPaintDevice* device = store ? store->paintDevice() : nullptr;
+    if (!device || device->devType() != QInternal::Image || m_surface.devicePixelRatio() != 1) return {};
+    auto* image = static_cast<QImage*>(device);
+    if (image->format() != QImage::Format_RGB32 || image->devicePixelRatio() != 1) return {};
+    const QPoint offset = viewport()->mapTo(viewport()->window(), QPoint(0, 0));
+    if (!image->rect().contains(QRect(offset, m_surface.size()))) return {};
+    // The upper half of the cache key names the image's pixels, and stays while they are written.
+    return {image, image->cacheKey() >> 32, offset};
+}
+
+// Whether the store is still where the window's pixels were put; when it is not, what only it
+// held is painted again.
+bool CQtControlWidget::StoreHolds() {
+    const CStoreSpot spot = StoreSpot();
+    if (spot == m_store) return spot.image != nullptr;
+    LoseStore();
+    m_store = spot;
+    return false;
+}
+
+void CQtControlWidget::LoseStore() {
+    m_rgnShown = m_rgnOverlaid = QRegion();
+    if (m_rgnStale.isEmpty()) return;
+    m_rgnPending += m_rgnStale;
+    viewport()->update(m_rgnStale);
+    m_rgnStale = QRegion();
+}
+
+// Takes back what only the store holds, and trusts it no more: the viewport hides, or gets a
+// child that draws into the store too.
+void CQtControlWidget::LeaveStore() {
+    SyncStale(SurfaceRect());
+    m_rgnShown = m_rgnOverlaid = QRegion();
+}
+
+// Takes the pixels of `region` that the surface lacks back from the store.
+void CQtControlWidget::SyncStale(const QRegion& region) {
+    // Regions may reach past a surface that shrank; copies stay inside it.
+    const QRegion part = m_rgnStale & region & SurfaceRect();
+    if (part.isEmpty() || !StoreHolds()) return;
+    for (const QRect& r : part) CopyPixelRows(*m_store.image, m_store.offset, m_surface, QPoint(0, 0), r);
+    m_rgnStale -= part;
+}
+
+// A paint can go to the store when the store shows the window's pixels under all of it.
+bool CQtControlWidget::CanPaintInStore() const {
+    return m_hwnd && !m_bDelivering && m_contexts.empty() && m_store.image && viewport()->isVisible() &&
+           !m_rgnPending.isEmpty() && (m_rgnPending - m_rgnShown).isEmpty() &&
+           !viewport()->findChild<QWidget*>(QString(), Qt::FindDirectChildrenOnly) && StoreSpot() == m_store;
+}
+
+// Sends WM_PAINT with its context on the store, when Qt asks for all that is invalid; gives
+// what was to be painted, nothing when the paint must go to the surface.
+QRegion CQtControlWidget::DeliverPaintInStore(const QRegion& region) {
+    if (!CanPaintInStore() || !(m_rgnPending - region).isEmpty()) return {};
+    QImage& store = *m_store.image;
+    // The window's pixels under the caret and the preedit text come first, as on the surface.
+    for (const QRect& r : m_rgnOverlaid & m_rgnPending & SurfaceRect())
+        CopyPixelRows(m_surface, QPoint(0, 0), store, m_store.offset, r);
+    m_rgnOverlaid -= m_rgnPending;
+    m_storeView = QImage(store.bits() + m_store.offset.y() * store.bytesPerLine() + m_store.offset.x() * sizeof(QRgb),
+                         m_surface.width(), m_surface.height(), store.bytesPerLine(), QImage::Format_RGB32);
+    const QRegion painted = DeliverPaint();
+    m_storeView = QImage();
+    m_rgnStale |= painted & SurfaceRect();
+    return painted;
 }
 
 // The viewport shows the surface, so it follows by repainting the moved area from it; the
@@ -188,6 +313,8 @@ void CQtControlWidget::ScrollClient(int dx, int dy, const RECT& scroll, const RE
     EnsureSurface();
     const ScrollPlan plan = PlanScroll(dx, dy, scroll, clip);
     const QRect area = QRectFromRect(plan.area) & SurfaceRect();
+    SyncStale(area);
+    m_rgnShown -= area;  // the store shows the pixels from before the move
     // Pixels move only by whole pixels: at a fractional density the area is painted anew.
     const qreal ratio = m_surface.devicePixelRatio();
     const bool whole = ratio == qRound(ratio);
