@@ -338,6 +338,43 @@ void CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
     Drew(QRectFromRect(clip));
 }
 
+bool CQtDC::BlendInks(const TextRunPrimitive& run, const CQtFont& font) {
+    if (!m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32 || !OnePixelPerUnit(*m_pImage) ||
+        font.LogFont().lfUnderline || font.LogFont().lfStrikeOut)
+        return false;
+    CQtGlyphCells& cells = GlyphCells();
+    cells.Trim();
+    const QRgb fore = QColorFromColorRef(run.color).rgb();
+    CQtGlyphCells::InkPalette& palette = cells.InkPaletteFor(font, fore);
+    m_inks.clear();
+    QRect reach;
+    LONG x = run.origin.x;
+    for (UINT i = 0; i < run.count; ++i) {
+        const auto c = static_cast<BYTE>(run.text[i]);
+        const CQtFont::Glyph& glyph = font.GlyphOf(c);
+        if (glyph.face != CQtFont::kPrimary || (c >= 0x80 && IsDBCSLeadByteEx(CP_ACP, c))) return false;
+        const CQtGlyphCells::Ink*& ink = palette.inks[c];
+        if (!ink) ink = &cells.InkOf(font, glyph.index, fore);
+        if (!ink->exact) return false;
+        reach |= ink->box.translated(x, run.origin.y);
+        m_inks.push_back(ink);
+        x += run.advances[i];
+    }
+    const QRect limit = run.clip ? QRectFromRect(*run.clip) : m_pImage->rect();
+    reach &= limit;
+    if (reach.isEmpty()) return true;
+    if (!Visible().InsideOneRect(RectFromQRect(reach))) return false;
+    uchar* const bits = m_pImage->bits();
+    const qsizetype stride = m_pImage->bytesPerLine();
+    x = run.origin.x;
+    for (UINT i = 0; i < run.count; ++i) {
+        CQtGlyphCells::BlendInk(*m_inks[i], fore, bits, stride, QPoint(x, run.origin.y), reach);
+        x += run.advances[i];
+    }
+    Drew(reach);
+    return true;
+}
+
 void CQtDC::DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter) {
     const auto& font = static_cast<const CQtFont&>(*run.font);
     const QColor color = QColorFromColorRef(run.color);
@@ -364,6 +401,7 @@ void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
         CopyGlyphCells(run, *font);
         return;
     }
+    if (BlendInks(run, *font)) return;
     const bool clip = run.clip && !QRectFromRect(*run.clip).contains(ink);
     QPainter* p = Painter(clip ? ink & QRectFromRect(*run.clip) : ink);
     if (!p) return;

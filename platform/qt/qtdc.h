@@ -9,6 +9,7 @@
 #include <memory>
 
 #include "platform/gdi/dc.h"
+#include "platform/qt/qtglyphcells.h"
 
 // A bitmap's pixels: cx by cy in logical units, held at `ratio` pixels per unit for screens of
 // high density. Pixels of a released bitmap go back to a small pool, so that the off-screen
@@ -81,6 +82,10 @@ private:
     // an opaque cell of one colour, wholly visible, its ink inside its cells; and the copying.
     bool GlyphCellsApply(const TextRunPrimitive& run, const class CQtFont& font) const;
     void CopyGlyphCells(const TextRunPrimitive& run, const class CQtFont& font);
+    // Draws a run of text over what lies beneath by blending glyph inks (see qtglyphcells.h);
+    // false, having drawn nothing, when the run needs the painter: glyphs of other faces or
+    // inks the probe found inexact, lines under or through it, ink outside one visible rectangle.
+    bool BlendInks(const TextRunPrimitive& run, const class CQtFont& font);
     // Fills with one colour by writing the pixels; false when the fill needs the painter.
     bool FillPixelsDirectly(const RECT& rc, COLORREF color);
     // Copies pixels of another image row by row; false when the copy needs the painter.
@@ -102,6 +107,7 @@ private:
     QGlyphRun m_run;
     QList<quint32> m_glyphs;
     QList<QPointF> m_positions;
+    std::vector<const CQtGlyphCells::Ink*> m_inks;
 };
 
 // Colours of the drawing layer as Qt has them.

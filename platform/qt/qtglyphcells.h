@@ -47,12 +47,33 @@ public:
     // The palette of the font, colours, height and baseline of `key` (its glyph and width do not
     // count); it stays until the next call of Trim.
     Palette& PaletteFor(const Key& key);
-    // Starts afresh, as a new colour scheme would, once the cells grow past their limit. Called
-    // where no cell or palette is held.
+    // Starts afresh, as a new colour scheme would, once the cells and inks grow past their
+    // limit. Called where no cell, ink or palette is held.
     void Trim();
 
     // Blends the overhang of `cell` in colour `fore` onto `count` pixels of each row from `to`.
     static void BlendOverhang(const Cell& cell, QRgb fore, uchar* to, qsizetype stride, int count);
+
+    // A glyph's ink for text drawn over whatever lies beneath (the transparent background mode):
+    // its coverage, taken once from the glyph drawn white on black, is blended in the text's
+    // colour as the raster engine blends a glyph of grey coverage, at a fraction of the cost of
+    // the painter's call. `exact` holds only where a probe, the glyph drawn by the engine in that
+    // colour over a pattern, gave the very pixels the blend gives; where it did not (coloured
+    // coverage, a gamma curve), text with the glyph goes to the painter.
+    struct Ink {
+        QRect box;                      // where the ink lies, relative to the pen on the baseline
+        std::vector<uint8_t> coverage;  // box.width() * box.height(), row by row
+        bool exact = false;
+    };
+    // The inks of one font in one colour, by byte; entries fill as bytes are asked for.
+    struct InkPalette {
+        const Ink* inks[256] = {};
+    };
+    InkPalette& InkPaletteFor(const CQtFont& font, QRgb fore);
+    const Ink& InkOf(const CQtFont& font, quint32 glyph, QRgb fore);
+    // Blends `ink` in `fore` with the pen at `pen` onto the pixels inside `limit` of an image
+    // of opaque pixels whose rows start `stride` bytes apart from `bits`.
+    static void BlendInk(const Ink& ink, QRgb fore, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit);
 
 private:
     struct Hash {
@@ -63,6 +84,9 @@ private:
     std::unordered_map<Key, Cell, Hash> m_cells;
     // Keyed as the cells are, with glyph and width 0.
     std::unordered_map<Key, std::unique_ptr<Palette>, Hash> m_palettes;
+    // Keyed by font, glyph and colour; their palettes with glyph 0.
+    std::unordered_map<Key, Ink, Hash> m_inks;
+    std::unordered_map<Key, std::unique_ptr<InkPalette>, Hash> m_inkPalettes;
 };
 
 // The process's glyph cells; only the window thread draws.

@@ -1,8 +1,10 @@
-// Text over an opaque cell is copied from ready-made glyph cells; the copy must give the pixels
-// that drawing the glyphs gives.
+// Text over an opaque cell is copied from ready-made glyph cells, and text over whatever lies
+// beneath is blended from glyph inks; both must give the pixels that drawing the glyphs gives.
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
+#include <QGlyphRun>
+#include <QPainter>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -22,7 +24,7 @@ protected:
     }
     // Draws `text` as the painter draws a run: an opaque cell in `back`, the text in `fore`. With
     // `clipped` the run is clipped to its cell, which lets the cells be copied; without, the
-    // glyphs are drawn one by one.
+    // glyphs are blended one by one over the cell.
     QImage Draw(const LOGFONTA& lf, const std::string& text, COLORREF fore, COLORREF back, bool clipped) {
         std::unique_ptr<CDC> screen = GetGdiBackend()->CreateScreenDC();
         std::unique_ptr<CDC> mem = screen->CreateCompatibleDC();
@@ -83,6 +85,74 @@ TEST_F(GlyphCells, EachColourPairHasItsOwnCells) {
     EXPECT_EQ(dark.pixel(12, 10), qRgb(255, 255, 255));
     EXPECT_EQ(light.pixel(12, 10), qRgb(0, 0, 0));
     EXPECT_LE(MaxDifference(light, Draw(lf, "same text", 0xFFFFFF, 0x000000, false)), 8);
+}
+
+// Pixels that differ from their neighbours, as a gutter's tile or a picture would lie under text.
+QImage Pattern() {
+    QImage image(400, 40, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgb((x * 7 + y * 3) & 255, (x * 5 + y * 9) & 255, (x + y * 13) & 255));
+    return image;
+}
+
+// `text` in the transparent background mode over the pattern, through a context.
+QImage DrawnTransparent(const LOGFONTA& lf, const std::string& text, COLORREF fore) {
+    std::unique_ptr<CDC> screen = GetGdiBackend()->CreateScreenDC();
+    std::unique_ptr<CDC> mem = screen->CreateCompatibleDC();
+    CBitmap bitmap;
+    EXPECT_TRUE(mem->CreateCompatibleBitmap(&bitmap, 400, 40));
+    static_cast<CQtBitmap*>(bitmap.Impl())->Image() = Pattern();
+    mem->SelectObject(&bitmap);
+    CFont font;
+    EXPECT_TRUE(font.CreateFontIndirect(&lf));
+    mem->SelectObject(&font);
+    mem->SetTextAlign(TA_BASELINE);
+    mem->SetBkMode(TRANSPARENT);
+    mem->SetTextColor(fore);
+    mem->ExtTextOut(10, 25, 0, nullptr, text.data(), static_cast<UINT>(text.size()));
+    mem->SelectObject(static_cast<CFont*>(nullptr));
+    QImage image = static_cast<CQtBitmap*>(bitmap.Impl())->Image().copy();
+    mem->SelectObject(static_cast<CBitmap*>(nullptr));
+    return image;
+}
+
+// The same glyphs at the same places, drawn by the painter itself.
+QImage DrawnByPainter(const CQtFont& font, const std::string& text, COLORREF fore) {
+    QImage image = Pattern();
+    QGlyphRun run;
+    run.setRawFont(font.RawFont(CQtFont::kPrimary));
+    QList<quint32> glyphs;
+    QList<QPointF> positions;
+    int x = 10;
+    for (char c : text) {
+        glyphs.push_back(font.GlyphOf(static_cast<BYTE>(c)).index);
+        positions.push_back(QPointF(x, 25));
+        x += font.Advance(static_cast<BYTE>(c));
+    }
+    run.setGlyphIndexes(glyphs);
+    run.setPositions(positions);
+    QPainter painter(&image);
+    painter.setPen(QColorFromColorRef(fore));
+    painter.drawGlyphRun(QPointF(0, 0), run);
+    return image;
+}
+
+TEST_F(GlyphCells, BlendedInksGiveThePixelsOfTheDrawnGlyphs) {
+    // Digits as line numbers have them, and letters whose ink reaches past their cells.
+    const std::string text = "0123456789 fjy Wg/|";
+    for (const char* face : {"Courier New", "Arial", "Times New Roman"})
+        for (LONG height : {13, 16, 21})
+            for (BYTE italic : {0, 1})
+                for (COLORREF fore : {0x000000u, 0x808080u, 0x0000C0u, 0x3366FFu}) {
+                    const LOGFONTA lf = FontRequest(face, height, italic ? FW_BOLD : FW_NORMAL, italic);
+                    const std::shared_ptr<CQtFont> font = CQtFont::Create(lf);
+                    ASSERT_TRUE(font);
+                    const QImage blended = DrawnTransparent(lf, text, fore);
+                    EXPECT_EQ(blended, DrawnByPainter(*font, text, fore)) << face << " " << height << " " << int(italic) << " " << fore;
+                    EXPECT_NE(blended, Pattern());
+                    // The blend, not the painter, drew it: the engine's grey glyphs blend exactly.
+                    EXPECT_TRUE(::GlyphCells().InkOf(*font, font->GlyphOf('0').index, QColorFromColorRef(fore).rgb()).exact);
+                }
 }
 
 }  // namespace
