@@ -243,7 +243,8 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* tex
     run.background = m_crBack;
     // A backend that paints every pixel of the clip with the text on its background needs
     // neither fill first.
-    if (!(clip && run.filled == *clip && TextCoversClip(run))) {
+    run.coversClip = clip && run.filled == *clip && TextCoversClip(run);
+    if (!run.coversClip) {
         if ((options & ETO_OPAQUE) && rc) FillPrimitive(*rc, m_crBack);
         if (m_nBkMode == OPAQUE && !cells.IsEmpty()) FillPrimitive(cells, m_crBack);
     }
@@ -378,9 +379,19 @@ void CDC::SetSystemRegion(const CRgn& rgn) {
 }
 
 void CDC::UpdateVisible() {
-    m_rgnVisible = CRgn(DeviceRect());
-    if (m_bHasSystem) m_rgnVisible.Intersect(m_rgnSystem);
-    if (m_bHasClip) m_rgnVisible.Intersect(m_rgnClip);
+    // Under one rectangle of the device and the system region that holds all of the clip, the
+    // clip is what is visible, rectangle for rectangle: the common case of a paint that excludes
+    // one part after another.
+    RECT reach = DeviceRect();
+    const bool oneRect = !m_bHasSystem || m_rgnSystem.Rects().size() == 1;
+    if (m_bHasSystem && oneRect) reach = IntersectRects(reach, m_rgnSystem.Bounds());
+    if (m_bHasClip && oneRect && RectInside(m_rgnClip.Bounds(), reach)) {
+        m_rgnVisible = m_rgnClip;
+    } else {
+        m_rgnVisible = CRgn(DeviceRect());
+        if (m_bHasSystem) m_rgnVisible.Intersect(m_rgnSystem);
+        if (m_bHasClip) m_rgnVisible.Intersect(m_rgnClip);
+    }
     ClipChanged(m_rgnVisible);
 }
 

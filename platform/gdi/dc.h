@@ -31,6 +31,8 @@ struct TextRunPrimitive {
     // opaque rectangle, or the text's cells in the opaque background mode.
     RECT filled{};
     COLORREF background = 0;
+    // The backend said that its drawing of the run covers the clip (TextCoversClip).
+    bool coversClip = false;
 };
 
 class CDC {

@@ -32,5 +32,10 @@ inline RECT UnionRects(const RECT& a, const RECT& b) {
     if (b.IsEmpty()) return a;
     return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
 }
+// True if every pixel of `inner` lies in `outer` (so also when `inner` has none).
+inline bool RectInside(const RECT& inner, const RECT& outer) {
+    return inner.IsEmpty() ||
+           (inner.left >= outer.left && inner.top >= outer.top && inner.right <= outer.right && inner.bottom <= outer.bottom);
+}
 inline bool PtInRect(const RECT& r, POINT p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
 inline RECT OffsetRect(RECT r, LONG dx, LONG dy) { return {r.left + dx, r.top + dy, r.right + dx, r.bottom + dy}; }

@@ -95,8 +95,19 @@ int CRgn::Offset(LONG dx, LONG dy) {
     return Changed();
 }
 
+template <class Test>
+bool CRgn::AnyRect(Test test) const {
+    if (m_nHint < m_rects.size() && test(m_rects[m_nHint])) return true;
+    for (size_t i = 0; i < m_rects.size(); ++i)
+        if (test(m_rects[i])) {
+            m_nHint = i;
+            return true;
+        }
+    return false;
+}
+
 bool CRgn::Touches(const RECT& rc) const {
-    return std::any_of(m_rects.begin(), m_rects.end(), [&](const RECT& r) { return !IntersectRects(r, rc).IsEmpty(); });
+    return AnyRect([&](const RECT& r) { return !IntersectRects(r, rc).IsEmpty(); });
 }
 
 bool CRgn::Contains(POINT pt) const {
@@ -104,9 +115,7 @@ bool CRgn::Contains(POINT pt) const {
 }
 
 bool CRgn::InsideOneRect(const RECT& rc) const {
-    return std::any_of(m_rects.begin(), m_rects.end(), [&](const RECT& r) {
-        return rc.left >= r.left && rc.top >= r.top && rc.right <= r.right && rc.bottom <= r.bottom;
-    });
+    return AnyRect([&](const RECT& r) { return RectInside(rc, r); });
 }
 
 bool operator==(const CRgn& a, const CRgn& b) {

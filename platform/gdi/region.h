@@ -44,6 +44,12 @@ private:
     // Recomputes the bounds after a change; gives the region's kind.
     int Changed();
 
+    // The first of `m_rects` that satisfies `test`, looked for from the one that satisfied the
+    // last query: a painter asks about neighbouring places one after another.
+    template <class Test>
+    bool AnyRect(Test test) const;
+
     std::vector<RECT> m_rects;  // disjoint, none empty
     RECT m_bounds{};
+    mutable size_t m_nHint = 0;  // where the last query found its rectangle
 };

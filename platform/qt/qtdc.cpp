@@ -67,6 +67,16 @@ void FillPixels(QImage& image, const COLORREF* pixels) {
     }
 }
 
+// Writes `count` copies of `pixel` from `to`: eight at a time, which the compiler makes block
+// stores, where a loop of single words would store one pixel at a time.
+void FillRow(QRgb* to, int count, QRgb pixel) {
+    using Eight = QRgb __attribute__((vector_size(8 * sizeof(QRgb))));
+    const Eight eight = {pixel, pixel, pixel, pixel, pixel, pixel, pixel, pixel};
+    int x = 0;
+    for (; x + 8 <= count; x += 8) std::memcpy(to + x, &eight, sizeof eight);
+    for (; x < count; ++x) to[x] = pixel;
+}
+
 }  // namespace
 
 CQtBitmap::~CQtBitmap() {
@@ -195,14 +205,8 @@ bool CQtDC::FillPixelsDirectly(const RECT& rc, COLORREF color) {
         return false;
     const QRgb pixel = QColorFromColorRef(color).rgb();
     const qsizetype stride = m_pImage->bytesPerLine();
-    uchar* const first = m_pImage->bits() + rc.top * stride + rc.left * static_cast<qsizetype>(sizeof(QRgb));
-    // The first row by doubling what is already written, the others as copies of it: block
-    // moves, where a loop of single words would store one pixel at a time.
-    const size_t bytes = static_cast<size_t>(rc.Width()) * sizeof(QRgb);
-    std::memcpy(first, &pixel, sizeof pixel);
-    for (size_t done = sizeof pixel; done < bytes; done *= 2) std::memcpy(first + done, first, std::min(done, bytes - done));
-    uchar* row = first + stride;
-    for (LONG y = rc.top + 1; y < rc.bottom; ++y, row += stride) std::memcpy(row, first, bytes);
+    uchar* row = m_pImage->bits() + rc.top * stride + rc.left * static_cast<qsizetype>(sizeof(QRgb));
+    for (LONG y = rc.top; y < rc.bottom; ++y, row += stride) FillRow(reinterpret_cast<QRgb*>(row), rc.Width(), pixel);
     Drew(QRectFromRect(rc));
     return true;
 }
@@ -397,7 +401,7 @@ void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
     const auto last = static_cast<BYTE>(run.text[run.count - 1]);
     const QRect ink(QPoint(run.origin.x + std::min(0, font->Abc(first).abcA), run.origin.y - tm.tmAscent),
                     QPoint(run.origin.x + extent + std::max(0, -font->Abc(last).abcC), run.origin.y + tm.tmDescent));
-    if (GlyphCellsApply(run, *font)) {
+    if (run.coversClip || GlyphCellsApply(run, *font)) {
         CopyGlyphCells(run, *font);
         return;
     }
