@@ -201,14 +201,24 @@ bool CQtDC::FillPixelsDirectly(const RECT& rc, COLORREF color) {
     // A solid fill of opaque pixels is a row of equal words; the painter's call around it costs
     // more than the filling itself for the small cells of tabs and margins.
     if (rc.IsEmpty() || !m_pImage || !m_painter.isActive() || m_pImage->format() != QImage::Format_RGB32 ||
-        !OnePixelPerUnit(*m_pImage) || !Visible().InsideOneRect(rc))
+        !OnePixelPerUnit(*m_pImage))
         return false;
     const QRgb pixel = QColorFromColorRef(color).rgb();
+    if (Visible().InsideOneRect(rc)) {
+        FillSolid(rc, pixel);
+    } else {
+        // What shows of it, piece by piece: the visible region's rectangles do not overlap.
+        for (const RECT& r : Visible().Rects())
+            if (const RECT piece = IntersectRects(rc, r); !piece.IsEmpty()) FillSolid(piece, pixel);
+    }
+    Drew(QRectFromRect(rc));
+    return true;
+}
+
+void CQtDC::FillSolid(const RECT& rc, QRgb pixel) {
     const qsizetype stride = m_pImage->bytesPerLine();
     uchar* row = m_pImage->bits() + rc.top * stride + rc.left * static_cast<qsizetype>(sizeof(QRgb));
     for (LONG y = rc.top; y < rc.bottom; ++y, row += stride) FillRow(reinterpret_cast<QRgb*>(row), rc.Width(), pixel);
-    Drew(QRectFromRect(rc));
-    return true;
 }
 
 // Glyphs stand at the pen position the base laid out: each byte's advance moves it on, a
@@ -256,7 +266,8 @@ bool CQtDC::GlyphCellsApply(const TextRunPrimitive& run, const CQtFont& font) co
         filled.bottom < clip.bottom)
         return false;
     if (font.LogFont().lfUnderline || font.LogFont().lfStrikeOut) return false;
-    if (!Visible().InsideOneRect(clip)) return false;
+    RECT shown;
+    if (!ShownInOneRect(clip, &shown)) return false;
     for (UINT i = 0; i < run.count; ++i) {
         const auto c = static_cast<BYTE>(run.text[i]);
         if (font.GlyphOf(c).face != CQtFont::kPrimary || font.Abc(c).abcA < 0 || run.advances[i] <= 0 ||
@@ -264,6 +275,11 @@ bool CQtDC::GlyphCellsApply(const TextRunPrimitive& run, const CQtFont& font) co
             return false;
     }
     return true;
+}
+
+bool CQtDC::ShownInOneRect(const RECT& rc, RECT* shown) const {
+    *shown = IntersectRects(rc, Visible().Bounds());
+    return shown->IsEmpty() || Visible().InsideOneRect(*shown);
 }
 
 bool CQtDC::TextCoversClip(const TextRunPrimitive& run) const {
@@ -312,10 +328,14 @@ void CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
                            static_cast<qint16>(run.origin.y - clip.top), QColorFromColorRef(run.color).rgb(),
                            QColorFromColorRef(run.background).rgb()};
     CQtGlyphCells::Palette& palette = cells.PaletteFor(key);
-    const int rows = clip.Height();
+    // Only the rows and columns that show are copied, from the same cells.
+    RECT shown;
+    ShownInOneRect(clip, &shown);
+    if (shown.IsEmpty()) return;
+    const int firstRow = static_cast<int>(shown.top - clip.top), rows = static_cast<int>(shown.Height());
     const qsizetype stride = m_pImage->bytesPerLine();
     const qsizetype pixelStride = stride / static_cast<qsizetype>(sizeof(QRgb));
-    uchar* const top = m_pImage->bits() + clip.top * stride;
+    uchar* const top = m_pImage->bits() + shown.top * stride;
     // Ink that a glyph throws past its cell lands on the next cell once that is copied.
     const CQtGlyphCells::Cell* pending = nullptr;
     LONG x = run.origin.x, pendingAt = 0;
@@ -328,18 +348,18 @@ void CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
             key.width = static_cast<quint16>(advance);
             cell = &cells.Get(font, CQtFont::kPrimary, key, std::max(0, -font.Abc(c).abcC));
         }
-        const LONG left = std::max(x, clip.left), right = std::min(x + advance, clip.right);
+        const LONG left = std::max(x, shown.left), right = std::min(x + advance, shown.right);
         if (left < right)
-            CopyRows(cell->pixels + (left - x), cell->stride, reinterpret_cast<QRgb*>(top) + left, pixelStride,
-                     static_cast<int>(right - left), rows);
-        if (pending && pendingAt < clip.right)
+            CopyRows(cell->pixels + firstRow * cell->stride + (left - x), cell->stride, reinterpret_cast<QRgb*>(top) + left,
+                     pixelStride, static_cast<int>(right - left), rows);
+        if (pending && pendingAt >= shown.left && pendingAt < shown.right)
             CQtGlyphCells::BlendOverhang(*pending, key.fore, top + pendingAt * static_cast<qsizetype>(sizeof(QRgb)), stride,
-                                         static_cast<int>(clip.right - pendingAt));
+                                         static_cast<int>(shown.right - pendingAt), firstRow, rows);
         x += advance;
         pending = cell->overhang > 0 ? cell : nullptr;
         pendingAt = x;
     }
-    Drew(QRectFromRect(clip));
+    Drew(QRectFromRect(shown));
 }
 
 bool CQtDC::BlendInks(const TextRunPrimitive& run, const CQtFont& font) {

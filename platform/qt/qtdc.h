@@ -82,12 +82,17 @@ private:
     // an opaque cell of one colour, wholly visible, its ink inside its cells; and the copying.
     bool GlyphCellsApply(const TextRunPrimitive& run, const class CQtFont& font) const;
     void CopyGlyphCells(const TextRunPrimitive& run, const class CQtFont& font);
+    // What shows of `rc` (the part inside the visible region's bounds), and whether that lies
+    // in one rectangle of the visible region or is empty.
+    bool ShownInOneRect(const RECT& rc, RECT* shown) const;
     // Draws a run of text over what lies beneath by blending glyph inks (see qtglyphcells.h);
     // false, having drawn nothing, when the run needs the painter: glyphs of other faces or
     // inks the probe found inexact, lines under or through it, ink outside one visible rectangle.
     bool BlendInks(const TextRunPrimitive& run, const class CQtFont& font);
     // Fills with one colour by writing the pixels; false when the fill needs the painter.
     bool FillPixelsDirectly(const RECT& rc, COLORREF color);
+    // Writes `pixel` over `rc`, which lies in the image.
+    void FillSolid(const RECT& rc, QRgb pixel);
     // Copies pixels of another image row by row; false when the copy needs the painter.
     bool CopyPixels(const RECT& dst, const QImage& from, const RECT& srcRect);
     void DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& painter);

@@ -100,11 +100,11 @@ const CQtGlyphCells::Cell& CQtGlyphCells::Get(const CQtFont& font, CQtFont::Face
     return kept;
 }
 
-void CQtGlyphCells::BlendOverhang(const Cell& cell, QRgb fore, uchar* to, qsizetype stride, int count) {
+void CQtGlyphCells::BlendOverhang(const Cell& cell, QRgb fore, uchar* to, qsizetype stride, int count, int firstRow,
+                                  int rows) {
     const int columns = std::min(count, cell.overhang);
-    const int height = cell.block.height();
     const int ink[3] = {qRed(fore), qGreen(fore), qBlue(fore)};
-    for (int y = 0; y < height; ++y, to += stride) {
+    for (int y = firstRow; y < firstRow + rows; ++y, to += stride) {
         auto* row = reinterpret_cast<QRgb*>(to);
         const uint8_t* a = &cell.coverage[static_cast<size_t>(y * cell.overhang * 3)];
         for (int x = 0; x < columns; ++x, a += 3) {

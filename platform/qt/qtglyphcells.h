@@ -51,8 +51,9 @@ public:
     // limit. Called where no cell, ink or palette is held.
     void Trim();
 
-    // Blends the overhang of `cell` in colour `fore` onto `count` pixels of each row from `to`.
-    static void BlendOverhang(const Cell& cell, QRgb fore, uchar* to, qsizetype stride, int count);
+    // Blends rows `firstRow` to `firstRow + rows` of the overhang of `cell` in colour `fore` onto
+    // `count` pixels of each row from `to`.
+    static void BlendOverhang(const Cell& cell, QRgb fore, uchar* to, qsizetype stride, int count, int firstRow, int rows);
 
     // A glyph's ink for text drawn over whatever lies beneath (the transparent background mode):
     // its coverage, taken once from the glyph drawn white on black, is blended in the text's
