@@ -342,21 +342,22 @@ void CQtDC::CopyGlyphCells(const TextRunPrimitive& run, const CQtFont& font) {
     for (UINT i = 0; i < run.count; ++i) {
         const auto c = static_cast<BYTE>(run.text[i]);
         const int advance = run.advances[i];
-        const CQtGlyphCells::Cell*& cell = palette.cells[c];
-        if (!cell || cell->width != advance) {
+        CQtGlyphCells::Palette::Entry& entry = palette.cells[c];
+        if (!entry.cell || entry.width != advance) {
             key.glyph = font.GlyphOf(c).index;
             key.width = static_cast<quint16>(advance);
-            cell = &cells.Get(font, CQtFont::kPrimary, key, std::max(0, -font.Abc(c).abcC));
+            const CQtGlyphCells::Cell& made = cells.Get(font, CQtFont::kPrimary, key, std::max(0, -font.Abc(c).abcC));
+            entry = {made.pixels, &made, made.width, static_cast<int>(made.stride), made.overhang};
         }
         const LONG left = std::max(x, shown.left), right = std::min(x + advance, shown.right);
         if (left < right)
-            CopyRows(cell->pixels + firstRow * cell->stride + (left - x), cell->stride, reinterpret_cast<QRgb*>(top) + left,
+            CopyRows(entry.pixels + firstRow * entry.stride + (left - x), entry.stride, reinterpret_cast<QRgb*>(top) + left,
                      pixelStride, static_cast<int>(right - left), rows);
         if (pending && pendingAt >= shown.left && pendingAt < shown.right)
             CQtGlyphCells::BlendOverhang(*pending, key.fore, top + pendingAt * static_cast<qsizetype>(sizeof(QRgb)), stride,
                                          static_cast<int>(shown.right - pendingAt), firstRow, rows);
         x += advance;
-        pending = cell->overhang > 0 ? cell : nullptr;
+        pending = entry.overhang > 0 ? entry.cell : nullptr;
         pendingAt = x;
     }
     Drew(QRectFromRect(shown));
@@ -440,10 +441,6 @@ void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
 }
 
 void CQtDC::LinePrimitive(POINT from, POINT to, const CPen& pen) {
-    const int reach = pen.Width();
-    QPainter* p = Painter(QRect(QPoint(from.x, from.y), QPoint(to.x, to.y)).normalized().adjusted(-reach, -reach, reach, reach));
-    if (!p) return;
-    const QColor color = QColorFromColorRef(pen.Color());
     const int w = pen.Width();
     // Horizontal and vertical lines, the common case, are bands; the end point is not drawn.
     auto span = [](LONG a, LONG b) { return a < b ? std::pair{a, b} : std::pair{b + 1, a + 1}; };
@@ -455,6 +452,10 @@ void CQtDC::LinePrimitive(POINT from, POINT to, const CPen& pen) {
         const auto [top, bottom] = span(from.y, to.y);
         band = QRect(from.x, top, w, bottom - top);
     }
+    if (!band.isNull() && FillPixelsDirectly(RectFromQRect(band), pen.Color())) return;
+    QPainter* p = Painter(QRect(QPoint(from.x, from.y), QPoint(to.x, to.y)).normalized().adjusted(-w, -w, w, w));
+    if (!p) return;
+    const QColor color = QColorFromColorRef(pen.Color());
     if (!band.isNull()) {
         p->fillRect(band, color);
         Drew(band);

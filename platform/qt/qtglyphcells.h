@@ -37,7 +37,16 @@ public:
     // The cells of one font in one colour pair, height and baseline, by byte: a run finds its
     // palette once, and then each byte's cell by its value. Entries fill as bytes are asked for.
     struct Palette {
-        const Cell* cells[256] = {};
+        // What copying needs of a cell, kept in the palette, so that a glyph costs no look at the
+        // cell itself: cells lie wherever they were made.
+        struct Entry {
+            const QRgb* pixels = nullptr;
+            const Cell* cell = nullptr;  // null until the byte is asked for
+            int width = 0;
+            int stride = 0;
+            int overhang = 0;
+        };
+        Entry cells[256] = {};
     };
 
     // The block of `key.width` by `key.height` pixels in `key.back` with the glyph of `font` in
