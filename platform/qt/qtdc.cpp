@@ -393,7 +393,7 @@ bool CQtDC::BlendInks(const TextRunPrimitive& run, const CQtFont& font) {
     const qsizetype stride = m_pImage->bytesPerLine();
     x = run.origin.x;
     for (UINT i = 0; i < run.count; ++i) {
-        CQtGlyphCells::BlendInk(*m_inks[i], fore, bits, stride, QPoint(x, run.origin.y), reach);
+        CQtGlyphCells::BlendInk(*m_inks[i], bits, stride, QPoint(x, run.origin.y), reach);
         x += run.advances[i];
     }
     Drew(reach);

@@ -147,31 +147,31 @@ const CQtGlyphCells::Ink& CQtGlyphCells::InkOf(const CQtFont& font, quint32 glyp
     ink.coverage.reserve(static_cast<size_t>(box.width()) * static_cast<size_t>(box.height()));
     for (int y = box.top(); y <= box.bottom(); ++y)
         for (int x = box.left(); x <= box.right(); ++x) ink.coverage.push_back(static_cast<uint8_t>(qRed(mask.pixel(x, y))));
+    ink.source.reserve(ink.coverage.size());
+    for (uint8_t a : ink.coverage) ink.source.push_back(ByteMul(fore, a));
     if (grey) {
         QImage byEngine(mask.size(), QImage::Format_RGB32);
         FillWithProbePattern(byEngine);
         QImage blended = byEngine.copy();
         DrawGlyph(byEngine, font, CQtFont::kPrimary, glyph, pen, fore);
-        BlendInk(ink, fore, blended.bits(), blended.bytesPerLine(), pen, blended.rect());
+        BlendInk(ink, blended.bits(), blended.bytesPerLine(), pen, blended.rect());
         ink.exact = blended == byEngine;
     }
     return m_inks.emplace(key, std::move(ink)).first->second;
 }
 
-void CQtGlyphCells::BlendInk(const Ink& ink, QRgb fore, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit) {
+void CQtGlyphCells::BlendInk(const Ink& ink, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit) {
     const QRect area = ink.box.translated(pen) & limit;
     if (area.isEmpty()) return;
     const int width = ink.box.width();
     for (int y = area.top(); y <= area.bottom(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(bits + y * stride);
-        const uint8_t* a = &ink.coverage[static_cast<size_t>((y - pen.y() - ink.box.top()) * width +
-                                                              (area.left() - pen.x() - ink.box.left()))];
-        for (int x = area.left(); x <= area.right(); ++x, ++a) {
-            if (*a == 0) continue;
-            // The glyph's colour at its coverage over what is there at the rest.
-            const quint32 source = ByteMul(fore, *a);
-            row[x] = source + ByteMul(row[x], 255 - *a);
-        }
+        const size_t first = static_cast<size_t>((y - pen.y() - ink.box.top()) * width + (area.left() - pen.x() - ink.box.left()));
+        const uint8_t* a = &ink.coverage[first];
+        const QRgb* source = &ink.source[first];
+        // The glyph's colour at its coverage over what is there at the rest.
+        for (int x = area.left(); x <= area.right(); ++x, ++a, ++source)
+            if (*a != 0) row[x] = *source + ByteMul(row[x], 255 - *a);
     }
 }
 

@@ -73,6 +73,7 @@ public:
     struct Ink {
         QRect box;                      // where the ink lies, relative to the pen on the baseline
         std::vector<uint8_t> coverage;  // box.width() * box.height(), row by row
+        std::vector<QRgb> source;       // per pixel, the colour scaled by the coverage: what the blend adds
         bool exact = false;
     };
     // The inks of one font in one colour, by byte; entries fill as bytes are asked for.
@@ -81,9 +82,9 @@ public:
     };
     InkPalette& InkPaletteFor(const CQtFont& font, QRgb fore);
     const Ink& InkOf(const CQtFont& font, quint32 glyph, QRgb fore);
-    // Blends `ink` in `fore` with the pen at `pen` onto the pixels inside `limit` of an image
-    // of opaque pixels whose rows start `stride` bytes apart from `bits`.
-    static void BlendInk(const Ink& ink, QRgb fore, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit);
+    // Blends `ink` with the pen at `pen` onto the pixels inside `limit` of an image of opaque
+    // pixels whose rows start `stride` bytes apart from `bits`.
+    static void BlendInk(const Ink& ink, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit);
 
 private:
     struct Hash {
