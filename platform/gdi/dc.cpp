@@ -15,7 +15,9 @@ IGdiBackend*& Backend() {
 }
 
 // The lead-byte test of the process code page as a table, made again when the code page changes.
+// Lead bytes all lie above the ASCII range.
 bool IsLead(BYTE c) {
+    if (c < 0x80) return false;
     static UINT codePage = 0;
     static bool table[256];
     if (UINT now = GetProcessCodePage(); now != codePage) {

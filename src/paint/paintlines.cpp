@@ -93,7 +93,15 @@ struct CZentrelCtrl::RunPainter {
     void FlushText(long runStart, long scan) {
         char buffer[kRunBuffer];
         const long count = std::min(scan - runStart, kRunBuffer);
-        for (long i = 0; i < count; ++i) buffer[i] = static_cast<char>(text.At(runStart + i));
+        for (long i = 0, available = 0; i < count; i += available) {
+            const char* bytes = text.Span(runStart + i, &available);
+            if (available == 0) {
+                std::fill(buffer + i, buffer + count, '\0');  // behind the text, as At reads it
+                break;
+            }
+            available = std::min(available, count - i);
+            std::copy_n(bytes, available, buffer + i);
+        }
         // A CR shows as a return arrow among hidden characters; otherwise only a selected CR
         // reaches a run, and shows as one blank cell. Trail bytes are skipped, so that they are
         // not taken for a CR.

@@ -20,7 +20,9 @@ public:
 
 // The module object, started on first use.
 CZentrelApp& ZentrelApp();
-inline BOOL IsLeadByte(BYTE ch) { return ZentrelApp().IsLeadByte(ch); }
+// Lead bytes of the double-byte code pages all lie above the ASCII range: text, mostly ASCII,
+// is tested without a call.
+inline BOOL IsLeadByte(BYTE ch) { return ch >= 0x80 && ZentrelApp().IsLeadByte(ch); }
 
 // The default fonts of the three font properties.
 FontDesc DefaultGutterFont();
