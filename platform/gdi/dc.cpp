@@ -234,6 +234,7 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rc, const char* tex
     run.text = text;
     run.count = count;
     run.advances = m_advances.data();
+    run.extent = extent;
     run.font = font;
     run.color = m_crText;
     run.clip = clip;

@@ -24,6 +24,7 @@ struct TextRunPrimitive {
     const char* text = nullptr; // bytes in the process code page
     UINT count = 0;
     const int* advances = nullptr;  // per byte: the character's advance on its first byte, 0 on a trail byte
+    LONG extent = 0;                // the sum of the advances
     const CFontImpl* font = nullptr;
     COLORREF color = 0;
     const RECT* clip = nullptr;     // ETO_CLIPPED: no ink outside this rectangle; else null

@@ -285,9 +285,7 @@ bool CQtDC::ShownInOneRect(const RECT& rc, RECT* shown) const {
 bool CQtDC::TextCoversClip(const TextRunPrimitive& run) const {
     const auto* font = dynamic_cast<const CQtFont*>(run.font);
     if (!font || !GlyphCellsApply(run, *font)) return false;
-    LONG extent = 0;
-    for (UINT i = 0; i < run.count; ++i) extent += run.advances[i];
-    return run.origin.x <= run.clip->left && run.origin.x + extent >= run.clip->right;
+    return run.origin.x <= run.clip->left && run.origin.x + run.extent >= run.clip->right;
 }
 
 namespace {
@@ -413,8 +411,7 @@ void CQtDC::DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& pai
 void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
     const auto* font = dynamic_cast<const CQtFont*>(run.font);
     if (!font || run.count == 0) return;
-    int extent = 0;
-    for (UINT i = 0; i < run.count; ++i) extent += run.advances[i];
+    const int extent = static_cast<int>(run.extent);
     // Only the ends of a run can carry ink beyond its cells: the first glyph's left bearing
     // and the last one's right bearing.
     const TEXTMETRICA& tm = font->Metrics();
