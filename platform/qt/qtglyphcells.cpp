@@ -134,30 +134,35 @@ const CQtGlyphCells::Ink& CQtGlyphCells::InkOf(const CQtFont& font, quint32 glyp
     mask.fill(0xFF000000);
     DrawGlyph(mask, font, CQtFont::kPrimary, glyph, pen, 0xFFFFFFFF);
     Ink ink;
-    bool grey = true;
+    bool blendable = true;
     QRect box;
     for (int y = 0; y < mask.height(); ++y) {
         const auto* row = reinterpret_cast<const QRgb*>(mask.constScanLine(y));
         for (int x = 0; x < mask.width(); ++x) {
-            if (qRed(row[x]) != qGreen(row[x]) || qRed(row[x]) != qBlue(row[x])) grey = false;
+            if (qRed(row[x]) != qGreen(row[x]) || qRed(row[x]) != qBlue(row[x])) blendable = false;
             if (qRed(row[x]) != 0) box |= QRect(x, y, 1, 1);
         }
     }
+    // Ink that reaches the mask's edge may go on beyond it: such a glyph goes to the painter.
+    if (!box.isEmpty() && !mask.rect().adjusted(1, 1, -1, -1).contains(box)) blendable = false;
     ink.box = box.translated(-pen);
     ink.coverage.reserve(static_cast<size_t>(box.width()) * static_cast<size_t>(box.height()));
     for (int y = box.top(); y <= box.bottom(); ++y)
         for (int x = box.left(); x <= box.right(); ++x) ink.coverage.push_back(static_cast<uint8_t>(qRed(mask.pixel(x, y))));
     ink.source.reserve(ink.coverage.size());
     for (uint8_t a : ink.coverage) ink.source.push_back(ByteMul(fore, a));
-    if (grey) {
-        QImage byEngine(mask.size(), QImage::Format_RGB32);
-        FillWithProbePattern(byEngine);
-        QImage blended = byEngine.copy();
-        DrawGlyph(byEngine, font, CQtFont::kPrimary, glyph, pen, fore);
-        BlendInk(ink, blended.bits(), blended.bytesPerLine(), pen, blended.rect());
-        ink.exact = blended == byEngine;
-    }
+    ink.exact = blendable && BlendsAsTheEngineDraws(ink, font, glyph, fore, pen, mask.size());
     return m_inks.emplace(key, std::move(ink)).first->second;
+}
+
+bool CQtGlyphCells::BlendsAsTheEngineDraws(const Ink& ink, const CQtFont& font, quint32 glyph, QRgb fore, QPoint pen,
+                                           QSize size) {
+    QImage byEngine(size, QImage::Format_RGB32);
+    FillWithProbePattern(byEngine);
+    QImage blended = byEngine.copy();
+    DrawGlyph(byEngine, font, CQtFont::kPrimary, glyph, pen, fore);
+    BlendInk(ink, blended.bits(), blended.bytesPerLine(), pen, blended.rect());
+    return blended == byEngine;
 }
 
 void CQtGlyphCells::BlendInk(const Ink& ink, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit) {

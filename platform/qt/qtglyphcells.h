@@ -87,6 +87,9 @@ public:
     static void BlendInk(const Ink& ink, uchar* bits, qsizetype stride, QPoint pen, const QRect& limit);
 
 private:
+    // The probe of an ink: the glyph drawn by the engine in `fore` over a pattern, against the
+    // ink blended over the same pattern, the pen at `pen` of an image of `size`.
+    static bool BlendsAsTheEngineDraws(const Ink& ink, const CQtFont& font, quint32 glyph, QRgb fore, QPoint pen, QSize size);
     struct Hash {
         size_t operator()(const Key& k) const;
     };
