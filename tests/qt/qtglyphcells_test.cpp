@@ -15,6 +15,33 @@
 
 namespace {
 
+// A memory context over a copy of `ground`, with a font selected and text aligned on its baseline.
+class CCanvas {
+public:
+    CCanvas(const LOGFONTA& lf, const QImage& ground)
+        : m_screen(GetGdiBackend()->CreateScreenDC()), m_mem(m_screen->CreateCompatibleDC()) {
+        EXPECT_TRUE(m_mem->CreateCompatibleBitmap(&m_bitmap, ground.width(), ground.height()));
+        static_cast<CQtBitmap*>(m_bitmap.Impl())->Image() = ground.copy();
+        m_mem->SelectObject(&m_bitmap);
+        EXPECT_TRUE(m_font.CreateFontIndirect(&lf));
+        m_mem->SelectObject(&m_font);
+        m_mem->SetTextAlign(TA_BASELINE);
+    }
+    CDC& Dc() { return *m_mem; }
+    // What was drawn; the context lets go of the font and the bitmap.
+    QImage Pixels() {
+        m_mem->SelectObject(static_cast<CFont*>(nullptr));
+        QImage image = static_cast<CQtBitmap*>(m_bitmap.Impl())->Image().copy();
+        m_mem->SelectObject(static_cast<CBitmap*>(nullptr));
+        return image;
+    }
+
+private:
+    std::unique_ptr<CDC> m_screen, m_mem;
+    CBitmap m_bitmap;
+    CFont m_font;
+};
+
 class GlyphCells : public ::testing::Test {
 protected:
     GlyphCells() : m_pPrevious(SetPlatformBackend(&platform)) {}
@@ -26,26 +53,17 @@ protected:
     // `clipped` the run is clipped to its cell, which lets the cells be copied; without, the
     // glyphs are blended one by one over the cell.
     QImage Draw(const LOGFONTA& lf, const std::string& text, COLORREF fore, COLORREF back, bool clipped) {
-        std::unique_ptr<CDC> screen = GetGdiBackend()->CreateScreenDC();
-        std::unique_ptr<CDC> mem = screen->CreateCompatibleDC();
-        CBitmap bitmap;
-        EXPECT_TRUE(mem->CreateCompatibleBitmap(&bitmap, 400, 40));
-        mem->SelectObject(&bitmap);
-        mem->FillSolidRect({0, 0, 400, 40}, 0x00FF00);
-        CFont font;
-        EXPECT_TRUE(font.CreateFontIndirect(&lf));
-        mem->SelectObject(&font);
-        mem->SetTextAlign(TA_BASELINE);
-        mem->SetTextColor(fore);
-        mem->SetBkColor(back);
-        const SIZE extent = mem->GetTextExtent(text.data(), static_cast<int>(text.size()));
+        QImage ground(400, 40, QImage::Format_RGB32);
+        ground.fill(qRgb(0, 255, 0));
+        CCanvas canvas(lf, ground);
+        CDC& dc = canvas.Dc();
+        dc.SetTextColor(fore);
+        dc.SetBkColor(back);
+        const SIZE extent = dc.GetTextExtent(text.data(), static_cast<int>(text.size()));
         const RECT cell{10, 5, 10 + extent.cx, 5 + 25};
         m_rcCell = cell;
-        mem->ExtTextOut(10, 25, ETO_OPAQUE | (clipped ? ETO_CLIPPED : 0), &cell, text.data(), static_cast<UINT>(text.size()));
-        mem->SelectObject(static_cast<CFont*>(nullptr));
-        QImage image = static_cast<CQtBitmap*>(bitmap.Impl())->Image().copy();
-        mem->SelectObject(static_cast<CBitmap*>(nullptr));
-        return image;
+        dc.ExtTextOut(10, 25, ETO_OPAQUE | (clipped ? ETO_CLIPPED : 0), &cell, text.data(), static_cast<UINT>(text.size()));
+        return canvas.Pixels();
     }
     // The largest difference of any colour channel between two images, inside the run's cell
     // (unclipped text may throw ink past it).
@@ -97,23 +115,12 @@ QImage Pattern() {
 
 // `text` in the transparent background mode over the pattern, through a context.
 QImage DrawnTransparent(const LOGFONTA& lf, const std::string& text, COLORREF fore) {
-    std::unique_ptr<CDC> screen = GetGdiBackend()->CreateScreenDC();
-    std::unique_ptr<CDC> mem = screen->CreateCompatibleDC();
-    CBitmap bitmap;
-    EXPECT_TRUE(mem->CreateCompatibleBitmap(&bitmap, 400, 40));
-    static_cast<CQtBitmap*>(bitmap.Impl())->Image() = Pattern();
-    mem->SelectObject(&bitmap);
-    CFont font;
-    EXPECT_TRUE(font.CreateFontIndirect(&lf));
-    mem->SelectObject(&font);
-    mem->SetTextAlign(TA_BASELINE);
-    mem->SetBkMode(TRANSPARENT);
-    mem->SetTextColor(fore);
-    mem->ExtTextOut(10, 25, 0, nullptr, text.data(), static_cast<UINT>(text.size()));
-    mem->SelectObject(static_cast<CFont*>(nullptr));
-    QImage image = static_cast<CQtBitmap*>(bitmap.Impl())->Image().copy();
-    mem->SelectObject(static_cast<CBitmap*>(nullptr));
-    return image;
+    CCanvas canvas(lf, Pattern());
+    CDC& dc = canvas.Dc();
+    dc.SetBkMode(TRANSPARENT);
+    dc.SetTextColor(fore);
+    dc.ExtTextOut(10, 25, 0, nullptr, text.data(), static_cast<UINT>(text.size()));
+    return canvas.Pixels();
 }
 
 // The same glyphs at the same places, drawn by the painter itself.
