@@ -126,8 +126,21 @@ protected:
         return out;
     }
 
+    // Byte widths at random: zero now and then, and wide bytes that overflow a row in a few.
+    void RandomWidths() {
+        for (LONG& w : ctrl->m_WrapMetrics.m_aWidth) w = static_cast<LONG>(rng() % 5 == 0 ? 0 : rng() % 24);
+    }
+
     std::mt19937 rng;
 };
+
+// The row lengths of a line table or a row list.
+template <class Rows>
+std::vector<long> RowsOf(const Rows& table) {
+    std::vector<long> rows;
+    for (long i = 0; i < table.m_nCount; ++i) rows.push_back(table.GetAt(i));
+    return rows;
+}
 
 // The rows of `text` by the breaking rules taken one byte at a time, without collapsed blocks:
 // a line feed ends a row; at the width the row breaks behind the last space, hyphen or tab, or
@@ -198,17 +211,14 @@ TEST_P(Relayout, AWholeLayoutAtRandomWidthsBreaksWhereAByteWiseWalkBreaks) {
     rng.seed(s.codePage * 7u + static_cast<unsigned>(s.width) + s.wrap);
     const DWORD options = ctrl->GetOptionsWord() | OPT_SCREENMETRICS;
     for (int t = 0; t < (LongRun() ? 4000 : 200); ++t) {
-        // Zero widths now and then, and wide bytes that overflow a row in a few.
-        for (LONG& w : ctrl->m_WrapMetrics.m_aWidth) w = static_cast<LONG>(rng() % 5 == 0 ? 0 : rng() % 24);
+        RandomWidths();
         const std::string text = StretchyText();
         doc->SetText(text);
         CLineIndex table;
         ctrl->WrapAll(options, ctrl->BreakWidth(), &table);
         const std::vector<long> expected =
             ByteWiseRows(text, ctrl->m_WrapMetrics.m_aWidth, ctrl->m_nCharWidth, ctrl->m_nTabPixels, ctrl->BreakWidth());
-        std::vector<long> rows;
-        for (long i = 0; i < table.m_nCount; ++i) rows.push_back(table.GetAt(i));
-        ASSERT_EQ(rows, expected) << "text " << Escaped(text);
+        ASSERT_EQ(RowsOf(table), expected) << "text " << Escaped(text);
     }
 }
 
@@ -218,9 +228,7 @@ std::vector<long> RowsOnOneThread(CZentrelCtrl& ctrl, DWORD options) {
     CLineLengthList list;
     while (wrapper.WrapRows(1, &list) > 0) {
     }
-    std::vector<long> rows;
-    for (long i = 0; i < list.m_nCount; ++i) rows.push_back(list.GetAt(i));
-    return rows;
+    return RowsOf(list);
 }
 
 // Split at a line feed near the middle, with the helper reading windows of a few hundred bytes,
@@ -231,7 +239,7 @@ TEST_P(Relayout, ALayoutSplitOverTwoThreadsHasTheRowsOfOneThread) {
     rng.seed(s.codePage * 13u + static_cast<unsigned>(s.width) + s.wrap);
     const DWORD options = ctrl->GetOptionsWord() | OPT_SCREENMETRICS;
     for (int t = 0; t < (LongRun() ? 3000 : 150); ++t) {
-        for (LONG& w : ctrl->m_WrapMetrics.m_aWidth) w = static_cast<LONG>(rng() % 5 == 0 ? 0 : rng() % 24);
+        RandomWidths();
         // Every other text has a lead byte (in code page 932) in front of the line feed it splits at.
         std::string front = StretchyText(), back = StretchyText();
         if (t % 2) back.resize(front.size(), 'b');
@@ -241,9 +249,7 @@ TEST_P(Relayout, ALayoutSplitOverTwoThreadsHasTheRowsOfOneThread) {
         CRowWrapper wrapper(*ctrl, ctrl->GetDocumentText(), options, ctrl->BreakWidth());
         CLineLengthList list;
         wrapper.WrapRest(&list, split);
-        std::vector<long> rows;
-        for (long i = 0; i < list.m_nCount; ++i) rows.push_back(list.GetAt(i));
-        ASSERT_EQ(rows, RowsOnOneThread(*ctrl, options)) << "window " << split.nWindowBytes << ", text " << Escaped(text);
+        ASSERT_EQ(RowsOf(list), RowsOnOneThread(*ctrl, options)) << "window " << split.nWindowBytes << ", text " << Escaped(text);
         ASSERT_TRUE(wrapper.IsDone());
     }
 }
@@ -255,9 +261,7 @@ TEST_P(Relayout, ALargeLoadHasTheRowsOfOneThread) {
     while (text.size() < CLayoutSplit{}.nMinBytes + 4096) text += Piece();
     doc->SetText(text);
     ASSERT_EQ(doc->GetText(), text);
-    std::vector<long> rows;
-    for (long i = 0; i < ctrl->Lines().m_nCount; ++i) rows.push_back(ctrl->Lines().GetAt(i));
-    ASSERT_EQ(rows, RowsOnOneThread(*ctrl, ctrl->GetOptionsWord()));
+    ASSERT_EQ(RowsOf(ctrl->Lines()), RowsOnOneThread(*ctrl, ctrl->GetOptionsWord()));
 }
 
 INSTANTIATE_TEST_SUITE_P(Settings, Relayout,
