@@ -411,6 +411,11 @@ void CQtDC::DrawTextLines(const TextRunPrimitive& run, int extent, QPainter& pai
 void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
     const auto* font = dynamic_cast<const CQtFont*>(run.font);
     if (!font || run.count == 0) return;
+    if (run.coversClip || GlyphCellsApply(run, *font)) {
+        CopyGlyphCells(run, *font);
+        return;
+    }
+    if (BlendInks(run, *font)) return;
     const int extent = static_cast<int>(run.extent);
     // Only the ends of a run can carry ink beyond its cells: the first glyph's left bearing
     // and the last one's right bearing.
@@ -419,11 +424,6 @@ void CQtDC::TextPrimitive(const TextRunPrimitive& run) {
     const auto last = static_cast<BYTE>(run.text[run.count - 1]);
     const QRect ink(QPoint(run.origin.x + std::min(0, font->Abc(first).abcA), run.origin.y - tm.tmAscent),
                     QPoint(run.origin.x + extent + std::max(0, -font->Abc(last).abcC), run.origin.y + tm.tmDescent));
-    if (run.coversClip || GlyphCellsApply(run, *font)) {
-        CopyGlyphCells(run, *font);
-        return;
-    }
-    if (BlendInks(run, *font)) return;
     const bool clip = run.clip && !QRectFromRect(*run.clip).contains(ink);
     QPainter* p = Painter(clip ? ink & QRectFromRect(*run.clip) : ink);
     if (!p) return;
